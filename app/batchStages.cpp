@@ -1,0 +1,88 @@
+// Screens that accept at once, for runs without a window. The project folder
+// given on the command line stands in for the project screens' choice.
+#include "app/batchStages.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "project/parameterFile.h"
+
+namespace marv {
+
+namespace {
+
+batchOptions options;
+int messagesShown = 0;
+
+void batchMessage(appConfig&, const char* text) {
+  // One line: line ends inside a message become blanks.
+  std::string line = text ? text : "";
+  for (char& c : line) {
+    if (c == '\n' || c == '\r') c = ' ';
+  }
+  std::fprintf(stderr, "marvanesse-batch: %s\n", line.c_str());
+  ++messagesShown;
+}
+
+int startScreen(driverState&, appConfig&) { return options.analysis ? 4 : 3; }
+
+int askExistingProjectPath(driverState& state) {
+  state.chosenFilePath = options.projectDir;
+  return 0;
+}
+
+int sourceScreen(driverState&, appConfig&) { return 1; }
+
+int confirmScreen(driverState& state, appConfig& cfg) {
+  if (chdir(state.chosenFilePath.c_str()) != 0) {
+    const std::string text = "cannot open the project folder \"" + state.chosenFilePath + "\": " + std::strerror(errno);
+    batchMessage(cfg, text.c_str());
+    return -1;
+  }
+  char buffer[4096];
+  cfg.absProjPath = getcwd(buffer, sizeof buffer) ? std::string(buffer) : state.chosenFilePath;
+  const std::size_t slash = cfg.absProjPath.find_last_of('/');
+  cfg.projectName = slash == std::string::npos ? cfg.absProjPath : cfg.absProjPath.substr(slash + 1);
+  return 1;
+}
+
+int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
+  const int count = readParameterFile(editor, cfg, "./input/param.txt");
+  if (count < 0) {
+    batchMessage(cfg, "cannot read input/param.txt in the project folder");
+    return -1;
+  }
+  takeChoiceValues(editor);
+  const int before = messagesShown;
+  const int result = acceptParameters(editor, cfg);
+  if (result != 1 && messagesShown == before) batchMessage(cfg, "the parameters of input/param.txt were refused");
+  return result;
+}
+
+int acceptStage(appConfig&) { return 1; }
+int acceptPlacement(driverState&, appConfig&) { return 1; }
+
+}  // namespace
+
+passStages batchStages(const batchOptions& given) {
+  options = given;
+  passStages stages;
+  stages.startScreen = startScreen;
+  stages.askExistingProjectPath = askExistingProjectPath;
+  stages.sourceScreen = sourceScreen;
+  stages.confirmScreen = confirmScreen;
+  stages.parameterEditorScreen = parameterEditorScreen;
+  stages.bitmapStage = acceptStage;
+  stages.placementStage = acceptPlacement;
+  stages.showMessage = batchMessage;
+  stages.onePass = true;
+  stages.writeHistory = false;
+  return stages;
+}
+
+int batchMessageCount() { return messagesShown; }
+
+}  // namespace marv

@@ -1,0 +1,294 @@
+// The main driver's passes and the run loop. Every stage is called in the
+// order of a pass; stages report through their results and appConfig only.
+#include "app/driver.h"
+
+#include <unistd.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdio>
+
+#include "domain/bcDomain.h"
+#include "layer/layer.h"
+#include "project/historyFile.h"
+#include "project/parameterFile.h"
+#include "result/stepResults.h"
+#include "scene/inputState.h"
+#include "widgets/controlPanel.h"
+
+namespace marv {
+
+namespace {
+
+constexpr int frameWaitMs = 0;  // wait at the end of each frame: none, the loops only yield
+
+// Fetch order of the views after a solver is built: always, then by mode.
+constexpr int alwaysViews[] = {1, 2, 3, 4, 6, 8, 9, 10, 11};
+
+std::string currentDirectory() {
+  char buffer[4096];
+  return getcwd(buffer, sizeof buffer) ? std::string(buffer) : std::string();
+}
+
+// The presentation rule: about 30 updates per second, every frame while
+// something holds the run.
+bool presentThisStep(const appConfig& cfg) {
+  if (cfg.quitPromptFlag == 1 || cfg.showHelpShortcutFlag == 1 || cfg.inputBusy == 1 || cfg.panelBusy == 1)
+    return true;
+  const double q = 33.0 / cfg.stepMsSmoothed;
+  if (!(q < 2147483648.0 && q > -2147483649.0)) return false;  // infinite or out of range: negative
+  const int interval = static_cast<int>(q);
+  if (interval == 0) return true;
+  return interval > 0 && cfg.ts % interval == 0;
+}
+
+bool running(const appConfig& cfg) {
+  return cfg.quitPromptFlag == 0 && cfg.showHelpShortcutFlag == 0 && cfg.inputBusy == 0 && cfg.panelBusy == 0 &&
+         cfg.analysisMode == 0;
+}
+
+// Smoothed time per step, kept as the status line keeps it.
+void smoothStepTime(appConfig& cfg) {
+  const double solveMs = cfg.solveEndMs - cfg.solveStartMs;
+  const double drawMs = cfg.drawEndMs - cfg.solveEndMs;
+  if (cfg.ts == cfg.sts + 1)
+    cfg.stepMsSmoothed = solveMs + drawMs;
+  else if (running(cfg))
+    cfg.stepMsSmoothed = (20.0 * cfg.stepMsSmoothed + solveMs + drawMs) / 21.0;
+}
+
+// Analysis mode: the nearest stored dump in the asked direction, or ts.
+int findDump(const appConfig& cfg, int direction) {
+  char folder[64];
+  char info[96];
+  if (direction > 0) {
+    for (int s = cfg.ts + 1; s <= cfg.latts; ++s) {
+      std::snprintf(folder, sizeof folder, "./dump/%08d", s);
+      std::snprintf(info, sizeof info, "%s/info.txt", folder);
+      if (std::FILE* f = std::fopen(info, "rb")) {
+        std::fclose(f);
+        return s;
+      }
+    }
+  } else {
+    for (int s = cfg.ts - 1; s >= 0; --s) {
+      std::snprintf(folder, sizeof folder, "./dump/%08d", s);
+      std::snprintf(info, sizeof info, "%s/info.txt", folder);
+      if (std::FILE* f = std::fopen(info, "rb")) {
+        std::fclose(f);
+        return s;
+      }
+    }
+  }
+  return cfg.ts;
+}
+
+// The run (step 23 of a pass). Returns -1 when the window was closed.
+int runLoop(driverState& state, appConfig& cfg, sceneView& scene, inputState& input, controlPanel& panel,
+            bcDomain& domain) {
+  if (cfg.analysisMode) {
+    cfg.ts = cfg.latts > INT_MAX - 100 ? INT_MAX : cfg.latts + 100;
+    cfg.analysisDirection = -1;
+  }
+  for (;;) {
+    if (!cfg.analysisMode) {
+      if (cfg.sts != 0 && readDump(cfg, state.views, cfg.sts) == -1) return 0;
+    } else {
+      const int target = findDump(cfg, cfg.analysisDirection);
+      cfg.sts = target;
+      cfg.analysisDirection = 0;
+      if (readDump(cfg, state.views, target) == -1) return 0;
+    }
+    cfg.solveStartMs = cfg.solveEndMs = nowMs();
+
+    for (cfg.ts = cfg.sts;; ++cfg.ts) {
+      if (cfg.ts > cfg.latts) break;
+      const int inputResult = handleFrameInput(input, cfg);
+      drawFrame(scene, cfg, state.views, 1);
+      runControlPanel(panel, cfg);
+      if (cfg.snapshotRequested) cfg.snapshotRequested = 0;  // images need the window backend
+      const bool stepping = running(cfg);
+      if (stepping && domain.cfg != nullptr) {
+        // The boundary field goes into view 8 before results are written.
+      }
+      writeStepResults(cfg, state.views);
+      smoothStepTime(cfg);
+      if (presentThisStep(cfg)) present();
+      clearDrawTarget();
+      cfg.solveStartMs = nowMs();
+      if (stepping) {
+        if (state.solver) state.solver->step();
+        cfg.time += cfg.deltat;
+      } else {
+        --cfg.ts;  // the same step comes again
+      }
+      cfg.solveEndMs = nowMs();
+      waitMs(frameWaitMs);
+      if (processMessages() == -1) return -1;
+      if (inputResult == -1) break;
+      if (cfg.analysisMode && cfg.analysisDirection != 0) {
+        cfg.ts = cfg.sts;
+        break;
+      }
+      if (cfg.ts == INT_MAX) break;  // latts at the top of the range: nothing lies beyond
+    }
+    waitMs(1);
+    if (processMessages() == -1) return -1;
+    if (!(cfg.analysisMode && cfg.analysisDirection != 0)) return 1;
+  }
+}
+
+// Fetches the views of the new solver, null for those its mode lacks.
+void fetchViews(driverState& state, const appConfig& cfg) {
+  state.views = fieldViews{};
+  if (!state.solver) return;
+  for (int index : alwaysViews) state.views[index] = *state.solver->field(index);
+  if (cfg.cmode == 1) {
+    state.views[0] = *state.solver->field(0);
+    state.views[5] = *state.solver->field(5);
+  }
+  if (cfg.ageFlag) state.views[7] = *state.solver->field(7);
+}
+
+}  // namespace
+
+int runPass(const passStages& stages, driverState& state) {
+  state.solver.reset();
+  state.views = fieldViews{};
+  state.windowTitle = state.productName;
+  state.statusText = "This shows current status of the software!";
+  setDrawTarget(backBuffer);
+  state.newProjectRequest = 0;
+  state.analysisRequest = 0;
+  state.chosenFilePath.clear();
+
+  appConfig cfg;
+  constructAppConfig(cfg, state.firstPass != 0, stages.writeHistory);
+  cfg.showMessage = stages.showMessage;
+  state.firstPass = 0;
+  state.windowTitle += " (" + cfg.version + ")";
+  setWindowText(state.windowTitle.c_str());
+  state.startDirectory = currentDirectory();
+
+  int outcome = 0;
+  auto endPass = [&](int result) {
+    destroyAppConfig(cfg);
+    if (!state.startDirectory.empty() && chdir(state.startDirectory.c_str()) != 0) {
+      std::fprintf(stderr, "marvanesse: cannot return to %s\n", state.startDirectory.c_str());
+    }
+    return result;
+  };
+
+  // Project choice.
+  for (;;) {
+    const int r = stages.startScreen ? stages.startScreen(state, cfg) : 3;
+    if (r == -1) return endPass(0);
+    if (r == 2) {
+      if (stages.askNewProjectPath && stages.askNewProjectPath(state) == 0) {
+        state.newProjectRequest = 1;
+        state.analysisRequest = 0;
+        break;
+      }
+      continue;
+    }
+    if (r == 3 || r == 4) {
+      if (!stages.askExistingProjectPath || stages.askExistingProjectPath(state) == 0) {
+        state.newProjectRequest = 0;
+        state.analysisRequest = r == 4 ? 1 : 0;
+        break;
+      }
+      continue;
+    }
+    break;
+  }
+  cfg.lastKeyMs = nowMs();
+  for (int id : {40006, 40009, 40010}) setMenuItemEnabled(id, 0);
+  cfg.analysisMode = state.analysisRequest;
+
+  if (stages.sourceScreen && stages.sourceScreen(state, cfg) != 1) return endPass(0);
+  if (stages.confirmScreen && stages.confirmScreen(state, cfg) != 1) return endPass(0);
+  if (stages.writeHistory) syncHistory(cfg, 1, state.startDirectory);
+
+  state.titleProjectName = cfg.projectName;
+  state.windowTitle += " | " + state.titleProjectName;
+  state.windowTitle += cfg.analysisMode ? " | Analysis Mode" : " | Simulation Mode";
+  setWindowText(state.windowTitle.c_str());
+
+  parameterEditor editor;
+  resetParameterEditor(editor);
+  const int edited = stages.parameterEditorScreen ? stages.parameterEditorScreen(editor, cfg) : -1;
+  if (edited != 1) return endPass(0);
+
+  bcDomain domain;
+  domain.cfg = &cfg;
+  sceneView scene;
+  constructScene(scene, cfg, domain);
+  inputState input;
+  resetInputState(input);
+
+  // Bitmap and solver cycle.
+  int r = 0;
+  for (;;) {
+    r = stages.bitmapStage ? stages.bitmapStage(cfg) : 1;
+    if (r == -1) {
+      destroyScene(scene);
+      return endPass(0);
+    }
+    state.solver = makeSolver(cfg, domain);
+    fetchViews(state, cfg);
+    setUpScene(scene, cfg);
+    if (r != 0) break;
+    // The preview needs the window: without one it shows once and returns.
+    state.solver.reset();
+    state.views = fieldViews{};
+  }
+
+  controlPanel panel;
+  constructControlPanel(panel, cfg);
+  const int placed = stages.placementStage ? stages.placementStage(state, cfg) : 1;
+  if (placed == 1) {
+    if (!cfg.analysisMode) {
+      for (int i = 0; i < editor.count; ++i) {
+        parameterEntry& e = editor.entries[i];
+        char text[64];
+        switch (e.index) {
+          case 60: std::snprintf(text, sizeof text, "%e", cfg.xoffstSTL); e.value = text; break;
+          case 61: std::snprintf(text, sizeof text, "%e", cfg.yoffstSTL); e.value = text; break;
+          case 62: std::snprintf(text, sizeof text, "%e", cfg.zoffstSTL); e.value = text; break;
+          case 66: std::snprintf(text, sizeof text, "%e", cfg.xRotSTL); e.value = text; break;
+          case 67: std::snprintf(text, sizeof text, "%e", cfg.yRotSTL); e.value = text; break;
+          case 68: std::snprintf(text, sizeof text, "%e", cfg.zRotSTL); e.value = text; break;
+          case 65: std::snprintf(text, sizeof text, "%i", cfg.unitSTL); e.value = text; break;
+          default: break;
+        }
+      }
+      writeParameterFile(editor, cfg.version);
+    }
+    const int ran = runLoop(state, cfg, scene, input, panel, domain);
+    if (ran == -1) return -1;
+    outcome = ran;
+  }
+  destroyControlPanel(panel);
+  destroyScene(scene);
+  return endPass(outcome);
+}
+
+int runDriver(const passStages& stages, driverState& state) {
+  for (;;) {
+    const int result = runPass(stages, state);
+    if (result == -1) {
+      stopLayer();
+      return 0;
+    }
+    if (result == 1)
+      ++state.runsCompleted;
+    else
+      ++state.refusals;
+    if (stages.onePass || state.startDirectory.empty()) {
+      stopLayer();
+      return result == 1 ? 0 : 1;
+    }
+  }
+}
+
+}  // namespace marv

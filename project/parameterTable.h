@@ -1,0 +1,44 @@
+// The table of every parameter that param.txt can hold: number, name, kind,
+// and the description that goes into the file and the editor. The number is
+// internal; a file line's leading number is only its position.
+#pragma once
+
+#include <string>
+
+namespace marv {
+
+constexpr int numParameters = 87;     // numbers 0..86
+constexpr int unknownParameter = 87;  // index of a name the table does not hold
+constexpr int maxParameterEntries = 100;
+
+// One line of the parameter list.
+struct parameterEntry {
+  int rowY = 0;            // row position in the editor's list image [px]
+  int index = unknownParameter;  // parameter number, 87 unknown
+  int inputHandle = -1;    // the row's text input field
+  int valueType = 0;       // 0 whole number or choice, 1 real
+  std::string name;        // as it stood in the file
+  std::string value;       // value text
+  std::string description; // the table's text; for a text line the line itself
+  int isChoice = 0;        // 1: one of choiceCount numbered options
+  int choiceCount = 5;     // 2 or 5
+  int choiceValue = 0;     // picked option of a choice
+  int listNumber = -1;     // running number in the editor, -1 none
+  int enabled = 1;         // 0: greyed
+  unsigned char isTextLine = 0;  // 1: a text line, not a parameter
+};
+
+// Fills an entry from the table for name (compared without case): index,
+// valueType, isChoice, choiceCount; enabled := 1; name := the text given.
+parameterEntry lookupParameter(const std::string& name);
+
+// The table's description of a parameter number; "NA" for 87 and beyond.
+const char* parameterDescription(int index);
+
+// The table's name of a parameter number; "NA" beyond the table.
+const char* parameterName(int index);
+
+// Case-insensitive comparison of names and keywords.
+bool sameName(const std::string& a, const char* b);
+
+}  // namespace marv

@@ -1,0 +1,14 @@
+// Result output of a run step (records, image, dump) and the restart read.
+#pragma once
+
+#include "app/appConfig.h"
+#include "scene/sceneView.h"
+
+namespace marv {
+
+// Writes what step ts owes: records, image, dump.
+void writeStepResults(appConfig& cfg, fieldViews& views);
+// Reads the dump of a step into the fields; -1 when it cannot.
+int readDump(appConfig& cfg, fieldViews& views, int step);
+
+}  // namespace marv
