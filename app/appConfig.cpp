@@ -11,7 +11,7 @@ namespace marv {
 
 namespace {
 
-constexpr int baseTextSize = 20;   // [px]
+constexpr int baseTextSize = 20;     // [px]
 constexpr int smallestTextSize = 8;  // [px] below this the layout collapses
 constexpr int largestTextSize = 96;  // [px]
 

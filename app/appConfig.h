@@ -17,11 +17,11 @@
 
 namespace marv {
 
-constexpr double notGiven = -123456.0;    // a number field that no file set
-constexpr double dashValue = -246912.0;   // the value "-": free, no constraint
-constexpr int numColourTypes = 9;         // boundary types 0..8 with tables
-constexpr int maxColourSlots = 51;        // colour list limit, presets 0..7
-constexpr int maxBitmapSlices = 10;       // slices per bitmap plane
+constexpr double notGiven = -123456.0;   // a number field that no file set
+constexpr double dashValue = -246912.0;  // the value "-": free, no constraint
+constexpr int numColourTypes = 9;        // boundary types 0..8 with tables
+constexpr int maxColourSlots = 51;       // colour list limit, presets 0..7
+constexpr int maxBitmapSlices = 10;      // slices per bitmap plane
 constexpr const char* programVersion = "2021R3.0";
 constexpr const char* productWord = "Marvanesse+";
 
@@ -50,103 +50,103 @@ struct appConfig {
   int lastInletType = 6;
   std::array<const char*, numColourTypes> bcTypeNames{"Free",   "Black", "Blue", "Red",       "Green",
                                                       "Yellow", "Cyan",  "STL",  "Non-Preset"};
-  std::array<double, numColourTypes> bcU{};          // velocity or dashValue [m/s]
-  std::array<double, numColourTypes> bcV{};          // [m/s]
-  std::array<double, numColourTypes> bcW{};          // [m/s]
-  std::array<double, numColourTypes> bcTemp{};       // temperature or dashValue [K]
-  std::array<double, numColourTypes> bcMassfr{};     // mass fraction or dashValue
-  std::array<double, numColourTypes> bcAge{};        // age value, 0 for every type [s]
-  std::array<double, numColourTypes> bcFixU{};       // 1.0 imposed, 0.0 free
+  std::array<double, numColourTypes> bcU{};       // velocity or dashValue [m/s]
+  std::array<double, numColourTypes> bcV{};       // [m/s]
+  std::array<double, numColourTypes> bcW{};       // [m/s]
+  std::array<double, numColourTypes> bcTemp{};    // temperature or dashValue [K]
+  std::array<double, numColourTypes> bcMassfr{};  // mass fraction or dashValue
+  std::array<double, numColourTypes> bcAge{};     // age value, 0 for every type [s]
+  std::array<double, numColourTypes> bcFixU{};    // 1.0 imposed, 0.0 free
   std::array<double, numColourTypes> bcFixV{};
   std::array<double, numColourTypes> bcFixW{};
   std::array<std::uint8_t, numColourTypes> bcFixTemp{};    // 1 temperature imposed
   std::array<std::uint8_t, numColourTypes> bcFixMassfr{};  // 1 mass fraction imposed
   std::array<std::uint8_t, numColourTypes> bcNoFlow{};     // 1 inflow colour with zero velocity
   std::array<int, 10> bcTypePresent{};                     // type t occurs in the case
-  double massfrwallk = 0.0;    // mass fraction of Black walls
-  double massfrwall = 0.0;     // mass fraction of Non-Preset walls
-  double massfrwallSTL = 0.0;  // mass fraction of the STL surface
-  int speciesFlag = 0;         // 1 when a species mass fraction is simulated
+  double massfrwallk = 0.0;                                // mass fraction of Black walls
+  double massfrwall = 0.0;                                 // mass fraction of Non-Preset walls
+  double massfrwallSTL = 0.0;                              // mass fraction of the STL surface
+  int speciesFlag = 0;                                     // 1 when a species mass fraction is simulated
 
   // ---------------------------------------------------------------- parameters (param.txt)
-  int cmode = 0;          // 0 constant density, 1 thermo-fluid
-  int ibm = 1;            // immersed boundary on
-  int domx = 1024;        // nominal screen width [px]
-  int parallel = 0;       // level of parallelism 0..4
-  int nprocs = 0;         // threads asked for, 0 none
-  int npx = 0;            // tiles along x
-  int npy = 0;            // tiles along y
-  int npz = 0;            // tiles along z
-  int nx = 1;             // mesh points along x
-  int ny = 1;             // mesh points along y
-  int nz = 1;             // mesh points along z
-  double lx = 1.0;        // domain size [m]
-  double ly = 1.0;        // [m]
-  double lz = 1.0;        // [m]
-  double deltat = 0.0;    // time step [s]
-  int sts = 0;            // start step
-  int latts = 300;        // end step
-  double cfl = 0.25;      // target Courant number
-  int nfil = 0;           // filter interval [steps]
-  double wfil = 0.0;      // filter weight
-  int npfil = 0;          // pressure filter interval [steps]
-  double wpfil = 0.0;     // pressure filter weight
-  double omega = 1.8;     // over-relaxation factor
-  double peps = 1.0e-6;   // pressure tolerance
-  int loopmax = 1000;     // pressure sweep limit
-  double presw = 100000.0;  // mean pressure [Pa]
-  double uinw = 0.0, vinw = 0.0, winw = 0.0;  // initial velocity [m/s]
-  double rhow = 1.0;      // density [kg/m^3]
-  double tempw = 300.0;   // initial temperature [K]
-  double massfrw = 0.0;   // initial mass fraction
+  int cmode = 0;                                                            // 0 constant density, 1 thermo-fluid
+  int ibm = 1;                                                              // immersed boundary on
+  int domx = 1024;                                                          // nominal screen width [px]
+  int parallel = 0;                                                         // level of parallelism 0..4
+  int nprocs = 0;                                                           // threads asked for, 0 none
+  int npx = 0;                                                              // tiles along x
+  int npy = 0;                                                              // tiles along y
+  int npz = 0;                                                              // tiles along z
+  int nx = 1;                                                               // mesh points along x
+  int ny = 1;                                                               // mesh points along y
+  int nz = 1;                                                               // mesh points along z
+  double lx = 1.0;                                                          // domain size [m]
+  double ly = 1.0;                                                          // [m]
+  double lz = 1.0;                                                          // [m]
+  double deltat = 0.0;                                                      // time step [s]
+  int sts = 0;                                                              // start step
+  int latts = 300;                                                          // end step
+  double cfl = 0.25;                                                        // target Courant number
+  int nfil = 0;                                                             // filter interval [steps]
+  double wfil = 0.0;                                                        // filter weight
+  int npfil = 0;                                                            // pressure filter interval [steps]
+  double wpfil = 0.0;                                                       // pressure filter weight
+  double omega = 1.8;                                                       // over-relaxation factor
+  double peps = 1.0e-6;                                                     // pressure tolerance
+  int loopmax = 1000;                                                       // pressure sweep limit
+  double presw = 100000.0;                                                  // mean pressure [Pa]
+  double uinw = 0.0, vinw = 0.0, winw = 0.0;                                // initial velocity [m/s]
+  double rhow = 1.0;                                                        // density [kg/m^3]
+  double tempw = 300.0;                                                     // initial temperature [K]
+  double massfrw = 0.0;                                                     // initial mass fraction
   double uinb = 0.0, vinb = 0.0, winb = 0.0, tempb = 300.0, massfrb = 0.0;  // Blue inflow
   double uinr = 0.0, vinr = 0.0, winr = 0.0, tempr = 300.0, massfrr = 0.0;  // Red inflow
   double uing = 0.0, ving = 0.0, wing = 0.0, tempg = 300.0, massfrg = 0.0;  // Green inflow
   double uiny = 0.0, viny = 0.0, winy = 0.0, tempy = 300.0, massfry = 0.0;  // Yellow inflow
   double uinc = 0.0, vinc = 0.0, winc = 0.0, tempc = 300.0, massfrc = 0.0;  // Cyan inflow
-  double tempwallk = 300.0;    // Black wall temperature [K]
-  double tempwall = 300.0;     // Non-Preset wall temperature [K]
-  double tempwallSTL = 300.0;  // STL wall temperature [K]
-  double xoffstSTL = 0.0, yoffstSTL = 0.0, zoffstSTL = 0.0;  // model offset [m]
-  int normVecDirSTL = 0;  // 1: model normals point inward
-  int coordSTL = 0;       // 1: model in left-handed coordinates
-  int unitSTL = 0;        // model unit: m, cm, mm, inch, ft
-  double xRotSTL = 0.0, yRotSTL = 0.0, zRotSTL = 0.0;  // model rotation [deg]
-  double mu = 1.0e-5;     // dynamic viscosity [kg/(m s)]
-  double pr = 0.7;        // Prandtl number
-  double sc = 1.0;        // Schmidt number
-  double cs = 0.17;       // Smagorinsky constant, dashValue when off
-  double sct = 0.7;       // turbulent Schmidt number, dashValue when off
-  int nfig = 1000;        // image interval [steps]
-  int nfile = 1000;       // dump interval [steps]
-  int ndiv = 4;           // display sampling interval [nodes]
-  double gfx = 0.0;       // body force [m/s^2]
-  double gfy = 0.0;       // [m/s^2]
-  float presRelax = 1.0f;          // pressure evolution relaxation
-  int openPresFlag = 0;            // 1: Dirichlet pressure on open faces
-  std::uint8_t presAdjustFlag = 1; // 1: hold the mean pressure at presw
-  double wfilWallBC = 0.25;        // wall construction filter weight
-  int inumColorsThresMax = 10;     // colour purge threshold
-  int mLoopMax = 7;                // mask filter passes
-  float bcFactor = 0.95f;          // boundary build factor
-  std::uint8_t ageFlag = 0;        // 1: simulate the age variable
+  double tempwallk = 300.0;                                                 // Black wall temperature [K]
+  double tempwall = 300.0;                                                  // Non-Preset wall temperature [K]
+  double tempwallSTL = 300.0;                                               // STL wall temperature [K]
+  double xoffstSTL = 0.0, yoffstSTL = 0.0, zoffstSTL = 0.0;                 // model offset [m]
+  int normVecDirSTL = 0;                                                    // 1: model normals point inward
+  int coordSTL = 0;                                                         // 1: model in left-handed coordinates
+  int unitSTL = 0;                                                          // model unit: m, cm, mm, inch, ft
+  double xRotSTL = 0.0, yRotSTL = 0.0, zRotSTL = 0.0;                       // model rotation [deg]
+  double mu = 1.0e-5;                                                       // dynamic viscosity [kg/(m s)]
+  double pr = 0.7;                                                          // Prandtl number
+  double sc = 1.0;                                                          // Schmidt number
+  double cs = 0.17;                                                         // Smagorinsky constant, dashValue when off
+  double sct = 0.7;                 // turbulent Schmidt number, dashValue when off
+  int nfig = 1000;                  // image interval [steps]
+  int nfile = 1000;                 // dump interval [steps]
+  int ndiv = 4;                     // display sampling interval [nodes]
+  double gfx = 0.0;                 // body force [m/s^2]
+  double gfy = 0.0;                 // [m/s^2]
+  float presRelax = 1.0f;           // pressure evolution relaxation
+  int openPresFlag = 0;             // 1: Dirichlet pressure on open faces
+  std::uint8_t presAdjustFlag = 1;  // 1: hold the mean pressure at presw
+  double wfilWallBC = 0.25;         // wall construction filter weight
+  int inumColorsThresMax = 10;      // colour purge threshold
+  int mLoopMax = 7;                 // mask filter passes
+  float bcFactor = 0.95f;           // boundary build factor
+  std::uint8_t ageFlag = 0;         // 1: simulate the age variable
 
   // ---------------------------------------------------------------- derived grid and screen
-  double dx = 1.0, dy = 1.0, dz = 1.0;  // mesh spacing [m]
-  int ndivX = 4, ndivY = 4, ndivZ = 4;  // display sampling per axis [nodes]
+  double dx = 1.0, dy = 1.0, dz = 1.0;         // mesh spacing [m]
+  int ndivX = 4, ndivY = 4, ndivZ = 4;         // display sampling per axis [nodes]
   std::vector<double> xCoord, yCoord, zCoord;  // node coordinates [m]
   std::vector<float> pixelX, pixelY, pixelZ;   // node screen positions [px]
-  int pixPerCell = 0;       // [px]
-  double pixPerMetre = 0.0; // [px/m]
-  int domPixX = 0, domPixY = 0, domPixZ = 0;  // domain on screen [px]
-  int domPixW = 0, domPixH = 0;               // drawn domain area [px]
-  int bitmapScreenWidth = 0;   // bitmap stage window [px]
-  int bitmapScreenHeight = 0;  // [px]
+  int pixPerCell = 0;                          // [px]
+  double pixPerMetre = 0.0;                    // [px/m]
+  int domPixX = 0, domPixY = 0, domPixZ = 0;   // domain on screen [px]
+  int domPixW = 0, domPixH = 0;                // drawn domain area [px]
+  int bitmapScreenWidth = 0;                   // bitmap stage window [px]
+  int bitmapScreenHeight = 0;                  // [px]
 
   // ---------------------------------------------------------------- threads
-  int maxThreads = 1;  // what the runtime offers
-  int numThreads = 1;  // threads of the solver
-  std::vector<int> threadX, threadY, threadZ;   // tile coordinates per thread
+  int maxThreads = 1;                                               // what the runtime offers
+  int numThreads = 1;                                               // threads of the solver
+  std::vector<int> threadX, threadY, threadZ;                       // tile coordinates per thread
   std::vector<int> tileI0, tileI1, tileJ0, tileJ1, tileK0, tileK1;  // tile ranges per thread
 
   // ---------------------------------------------------------------- display (viz.txt)
@@ -210,34 +210,34 @@ struct appConfig {
   float cameraPerspectiveDeg = 60.0f;  // [deg]
   int probeRecordInterval = 10;        // [steps]
   int numProbes = 0;
-  int forceRecInterval = 10;           // [steps]
+  int forceRecInterval = 10;  // [steps]
   std::uint8_t showForce = 0;
   int numRecForce = 0;
-  int heatLossRecInterval = 10;        // [steps]
+  int heatLossRecInterval = 10;  // [steps]
   std::uint8_t showHeatLoss = 0;
   int numRecHeatLoss = 0;
 
   // ---------------------------------------------------------------- layout (from textHeight)
-  int textHeight = 20;    // [px]
-  int textGap = 6;        // [px]
-  int buttonSize = 64;    // [px]
-  int startWidth = 1080, startHeight = 560;    // project screens [px]
-  int sceneWidth = 1080, sceneHeight = 560;    // [px]
-  int screenWidth = 1080, screenHeight = 560;  // run window [px]
+  int textHeight = 20;                                                       // [px]
+  int textGap = 6;                                                           // [px]
+  int buttonSize = 64;                                                       // [px]
+  int startWidth = 1080, startHeight = 560;                                  // project screens [px]
+  int sceneWidth = 1080, sceneHeight = 560;                                  // [px]
+  int screenWidth = 1080, screenHeight = 560;                                // run window [px]
   int marginLeft = 10, marginRight = 10, marginTop = 10, marginBottom = 21;  // [px]
-  int bitmapGap = 5;       // [px]
-  int bottomStrip = 63;    // [px]
-  int colourBarX = 320;    // [px]
-  int listGap = 3;         // [px]
-  int cancelX = 0, cancelY = 0, proceedX = 0, proceedY = 0;  // default button places [px]
-  choiceGroup unitSelector;  // m, cm, mm, inch, feet
+  int bitmapGap = 5;                                                         // [px]
+  int bottomStrip = 63;                                                      // [px]
+  int colourBarX = 320;                                                      // [px]
+  int listGap = 3;                                                           // [px]
+  int cancelX = 0, cancelY = 0, proceedX = 0, proceedY = 0;                  // default button places [px]
+  choiceGroup unitSelector;                                                  // m, cm, mm, inch, feet
 
   // ---------------------------------------------------------------- run state
-  double time = 0.0;     // simulated time [s]
-  int fixedDeltat = 0;   // 1: deltat given, never adapted
-  int ts = 0;            // step counter
-  double presResidual = -1.0e10;  // last pressure change
-  int presIterations = 0;         // sweeps of the last step
+  double time = 0.0;               // simulated time [s]
+  int fixedDeltat = 0;             // 1: deltat given, never adapted
+  int ts = 0;                      // step counter
+  double presResidual = -1.0e10;   // last pressure change
+  int presIterations = 0;          // sweeps of the last step
   std::string absProjPath = "./";  // last project (.history)
 
   // ---------------------------------------------------------------- colour and bitmap tables
@@ -253,7 +253,7 @@ struct appConfig {
   std::array<choiceGroup, maxColourSlots> symmetrySelectors;  // "XY" "YZ" "ZX" "OFF"
   std::array<choiceGroup, maxColourSlots> inverseSelectors;   // "ON" "OFF"
   std::vector<std::int32_t> bitmapXY, bitmapYZ, bitmapZX;     // colour codes, 10 slices each
-  int stlPresent = 0;  // 1 when bc.stl was loaded
+  int stlPresent = 0;                                         // 1 when bc.stl was loaded
 
   // ---------------------------------------------------------------- records (force, heat loss)
   std::array<int, numColourTypes> forceRecFlag{};     // colour takes part in force.txt
@@ -262,10 +262,10 @@ struct appConfig {
   std::array<double, numColourTypes> heatValues{};    // last heat loss per colour [W]
 
   // ---------------------------------------------------------------- timing and input
-  double stepMsSmoothed = 0.0;  // smoothed time per step [ms]
+  double stepMsSmoothed = 0.0;                          // smoothed time per step [ms]
   int solveStartMs = 0, solveEndMs = 0, drawEndMs = 0;  // [ms]
-  int lastKeyMs = 0;      // debounce stamp [ms]
-  int keyDelayMs = 400;   // [ms]
+  int lastKeyMs = 0;                                    // debounce stamp [ms]
+  int keyDelayMs = 400;                                 // [ms]
   int quitPromptFlag = 0;
   int quitConfirmed = 0;
   int inputBusy = 0;

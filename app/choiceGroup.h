@@ -8,15 +8,15 @@
 namespace marv {
 
 struct choiceGroup {
-  int radius = 0;     // circle radius [px]
-  int gap = 0;        // gap between options [px]
-  int count = 0;      // number of options
-  int x = 0;          // place of the row [px]
-  int y = 0;          // place of the row [px]
-  int width = 0;      // pixel width of the row [px]
-  int selected = 0;   // the chosen option
-  int hover = -1;     // option under the mouse, -1 none
-  int pressed = -1;   // option pressed during a click, -1 none
+  int radius = 0;                 // circle radius [px]
+  int gap = 0;                    // gap between options [px]
+  int count = 0;                  // number of options
+  int x = 0;                      // place of the row [px]
+  int y = 0;                      // place of the row [px]
+  int width = 0;                  // pixel width of the row [px]
+  int selected = 0;               // the chosen option
+  int hover = -1;                 // option under the mouse, -1 none
+  int pressed = -1;               // option pressed during a click, -1 none
   std::array<int, 10> optionX{};  // left edge of each option [px]
   std::array<std::string, 10> labels{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
   int prepared = 0;    // 0 until the pixel places were computed

@@ -33,8 +33,7 @@ std::string currentDirectory() {
 // The presentation rule: about 30 updates per second, every frame while
 // something holds the run.
 bool presentThisStep(const appConfig& cfg) {
-  if (cfg.quitPromptFlag == 1 || cfg.showHelpShortcutFlag == 1 || cfg.inputBusy == 1 || cfg.panelBusy == 1)
-    return true;
+  if (cfg.quitPromptFlag == 1 || cfg.showHelpShortcutFlag == 1 || cfg.inputBusy == 1 || cfg.panelBusy == 1) return true;
   const double q = 33.0 / cfg.stepMsSmoothed;
   if (!(q < 2147483648.0 && q > -2147483649.0)) return false;  // infinite or out of range: negative
   const int interval = static_cast<int>(q);
@@ -252,13 +251,34 @@ int runPass(const passStages& stages, driverState& state) {
         parameterEntry& e = editor.entries[i];
         char text[64];
         switch (e.index) {
-          case 60: std::snprintf(text, sizeof text, "%e", cfg.xoffstSTL); e.value = text; break;
-          case 61: std::snprintf(text, sizeof text, "%e", cfg.yoffstSTL); e.value = text; break;
-          case 62: std::snprintf(text, sizeof text, "%e", cfg.zoffstSTL); e.value = text; break;
-          case 66: std::snprintf(text, sizeof text, "%e", cfg.xRotSTL); e.value = text; break;
-          case 67: std::snprintf(text, sizeof text, "%e", cfg.yRotSTL); e.value = text; break;
-          case 68: std::snprintf(text, sizeof text, "%e", cfg.zRotSTL); e.value = text; break;
-          case 65: std::snprintf(text, sizeof text, "%i", cfg.unitSTL); e.value = text; break;
+          case 60:
+            std::snprintf(text, sizeof text, "%e", cfg.xoffstSTL);
+            e.value = text;
+            break;
+          case 61:
+            std::snprintf(text, sizeof text, "%e", cfg.yoffstSTL);
+            e.value = text;
+            break;
+          case 62:
+            std::snprintf(text, sizeof text, "%e", cfg.zoffstSTL);
+            e.value = text;
+            break;
+          case 66:
+            std::snprintf(text, sizeof text, "%e", cfg.xRotSTL);
+            e.value = text;
+            break;
+          case 67:
+            std::snprintf(text, sizeof text, "%e", cfg.yRotSTL);
+            e.value = text;
+            break;
+          case 68:
+            std::snprintf(text, sizeof text, "%e", cfg.zRotSTL);
+            e.value = text;
+            break;
+          case 65:
+            std::snprintf(text, sizeof text, "%i", cfg.unitSTL);
+            e.value = text;
+            break;
           default: break;
         }
       }

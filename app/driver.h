@@ -21,8 +21,8 @@ struct driverState {
   std::string windowTitle;
   std::string statusText;
   std::string titleProjectName = "projName";
-  std::string startDirectory;   // working directory when the pass began
-  std::string chosenFilePath;   // path from a dialog or the project screens
+  std::string startDirectory;  // working directory when the pass began
+  std::string chosenFilePath;  // path from a dialog or the project screens
   std::uint8_t newProjectRequest = 0;
   std::uint8_t analysisRequest = 0;
   std::unique_ptr<solverCommon> solver;  // the last pass's solver, destroyed at the next
@@ -34,16 +34,16 @@ struct driverState {
 // The screens of a pass. Each returns the stage's result as the driver
 // expects it; a null entry accepts at once.
 struct passStages {
-  int (*startScreen)(driverState&, appConfig&) = nullptr;          // 2 new, 3 load, 4 analysis, -1 back
-  int (*askNewProjectPath)(driverState&) = nullptr;                // 0 chosen, -1 cancelled
-  int (*askExistingProjectPath)(driverState&) = nullptr;           // 0 chosen, -1 cancelled
-  int (*sourceScreen)(driverState&, appConfig&) = nullptr;         // 1 go on
-  int (*confirmScreen)(driverState&, appConfig&) = nullptr;        // 1: in the project folder
+  int (*startScreen)(driverState&, appConfig&) = nullptr;                // 2 new, 3 load, 4 analysis, -1 back
+  int (*askNewProjectPath)(driverState&) = nullptr;                      // 0 chosen, -1 cancelled
+  int (*askExistingProjectPath)(driverState&) = nullptr;                 // 0 chosen, -1 cancelled
+  int (*sourceScreen)(driverState&, appConfig&) = nullptr;               // 1 go on
+  int (*confirmScreen)(driverState&, appConfig&) = nullptr;              // 1: in the project folder
   int (*parameterEditorScreen)(parameterEditor&, appConfig&) = nullptr;  // 1 accepted
-  int (*bitmapStage)(appConfig&) = nullptr;                        // 1 done, 0 preview, -1 cancelled
-  int (*placementStage)(driverState&, appConfig&) = nullptr;       // 1 proceed, -1 cancel
-  messageSink showMessage = nullptr;                               // dialog with OK
-  bool onePass = false;      // stop after the first pass (batch)
+  int (*bitmapStage)(appConfig&) = nullptr;                              // 1 done, 0 preview, -1 cancelled
+  int (*placementStage)(driverState&, appConfig&) = nullptr;             // 1 proceed, -1 cancel
+  messageSink showMessage = nullptr;                                     // dialog with OK
+  bool onePass = false;                                                  // stop after the first pass (batch)
   bool writeHistory = true;  // read and write .history in the start directory
 };
 

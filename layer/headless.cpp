@@ -24,9 +24,9 @@ struct headlessImage {
 };
 
 struct headlessPixels {
-  int width = 0;                    // [px]
-  int height = 0;                   // [px]
-  std::vector<std::uint8_t> rgba;   // width*height*4, zero until captured
+  int width = 0;                   // [px]
+  int height = 0;                  // [px]
+  std::vector<std::uint8_t> rgba;  // width*height*4, zero until captured
   bool live = false;
 };
 

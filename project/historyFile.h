@@ -11,7 +11,7 @@ namespace marv {
 
 constexpr int numHistoryKeys = 3;
 
-const char* historyKeyName(int number);              // "NA" beyond 2
+const char* historyKeyName(int number);                    // "NA" beyond 2
 parameterEntry lookupHistoryKey(const std::string& name);  // index 3 when unknown
 // One line without its end: "%-40s %d" for the numbers, "%-40s %-40s" for the path.
 std::string formatHistoryLine(int number, double value, const std::string& text);

@@ -14,8 +14,8 @@ struct parameterEditor {
   std::array<parameterEntry, maxParameterEntries> entries;  // the list, file order
   std::array<int, maxParameterEntries> enabledByNumber{};   // enabled state by parameter number
   std::array<double, maxParameterEntries> transferTable{};  // values by number, notGiven when absent
-  int count = 0;          // entries in use
-  int numberedRows = 0;   // entries that show a list number
+  int count = 0;                                            // entries in use
+  int numberedRows = 0;                                     // entries that show a list number
 };
 
 // A fresh editor: no entries, every number enabled, transfer table notGiven.

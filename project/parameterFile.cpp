@@ -116,15 +116,16 @@ std::string formatParameterFile(const parameterEditor& editor, const std::string
   std::snprintf(line, sizeof line, "//   Marvanesse+ parameter file...              -- %s --                //\n",
                 version.c_str());
   out += line;
-  out += "//--------------------------------------------------------------------------//\n"
-         "//   You may directly edit this file, but follow below rules. Each          //\n"
-         "//   parameter entry consists of three blocks divided by [SPACE] or         //\n"
-         "//   double-slash(//). The order of these entries can be arbitorary.        //\n"
-         "//   Example:                                                               //\n"
-         "//   003:name     0.00123456789   // some explanation of the parameter      //\n"
-         "//   ^^^^^^^^^    ^^^^^^^^^^^^^     ^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^     //\n"
-         "//   1st block      2nd block          3rd block starts after (//).         //\n"
-         "//==========================================================================//\n";
+  out +=
+      "//--------------------------------------------------------------------------//\n"
+      "//   You may directly edit this file, but follow below rules. Each          //\n"
+      "//   parameter entry consists of three blocks divided by [SPACE] or         //\n"
+      "//   double-slash(//). The order of these entries can be arbitorary.        //\n"
+      "//   Example:                                                               //\n"
+      "//   003:name     0.00123456789   // some explanation of the parameter      //\n"
+      "//   ^^^^^^^^^    ^^^^^^^^^^^^^     ^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^^     //\n"
+      "//   1st block      2nd block          3rd block starts after (//).         //\n"
+      "//==========================================================================//\n";
   for (int i = 0; i < editor.count; ++i) {
     const parameterEntry& e = editor.entries[i];
     if (e.isTextLine) {

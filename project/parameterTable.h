@@ -13,18 +13,18 @@ constexpr int maxParameterEntries = 100;
 
 // One line of the parameter list.
 struct parameterEntry {
-  int rowY = 0;            // row position in the editor's list image [px]
+  int rowY = 0;                  // row position in the editor's list image [px]
   int index = unknownParameter;  // parameter number, 87 unknown
-  int inputHandle = -1;    // the row's text input field
-  int valueType = 0;       // 0 whole number or choice, 1 real
-  std::string name;        // as it stood in the file
-  std::string value;       // value text
-  std::string description; // the table's text; for a text line the line itself
-  int isChoice = 0;        // 1: one of choiceCount numbered options
-  int choiceCount = 5;     // 2 or 5
-  int choiceValue = 0;     // picked option of a choice
-  int listNumber = -1;     // running number in the editor, -1 none
-  int enabled = 1;         // 0: greyed
+  int inputHandle = -1;          // the row's text input field
+  int valueType = 0;             // 0 whole number or choice, 1 real
+  std::string name;              // as it stood in the file
+  std::string value;             // value text
+  std::string description;       // the table's text; for a text line the line itself
+  int isChoice = 0;              // 1: one of choiceCount numbered options
+  int choiceCount = 5;           // 2 or 5
+  int choiceValue = 0;           // picked option of a choice
+  int listNumber = -1;           // running number in the editor, -1 none
+  int enabled = 1;               // 0: greyed
   unsigned char isTextLine = 0;  // 1: a text line, not a parameter
 };
 

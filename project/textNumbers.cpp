@@ -2,12 +2,12 @@
 // file replacement that every writer of a user file goes through.
 #include "project/textNumbers.h"
 
+#include <unistd.h>
 #include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <unistd.h>
 
 namespace marv {
 
@@ -25,6 +25,13 @@ int truncToInt(double value) {
   if (value >= 2147483647.0) return INT_MAX;
   if (value <= -2147483648.0) return INT_MIN;
   return static_cast<int>(value);
+}
+
+float narrowToFloat(double value) {
+  constexpr double largest = 3.4028234663852886e38;
+  if (value > largest) return static_cast<float>(largest);
+  if (value < -largest) return static_cast<float>(-largest);
+  return static_cast<float>(value);
 }
 
 bool nextToken(tokenReader& reader, std::string& out) {

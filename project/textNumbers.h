@@ -18,6 +18,10 @@ double parseNumber(const std::string& text);
 // saturate at its ends.
 int truncToInt(double value);
 
+// Narrowing into single precision, saturating at the largest finite float
+// instead of leaving the range (NaN stays NaN).
+float narrowToFloat(double value);
+
 // Blank-separated tokens of a file, each at most textBufferSize - 1 bytes: a
 // longer run of non-blank bytes continues as the next token.
 struct tokenReader {

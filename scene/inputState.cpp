@@ -12,8 +12,8 @@ void resetInputState(inputState& input) {
 }
 
 int handleFrameInput(inputState&, appConfig& cfg) {
-  const bool held = mouseButtons() != 0 || keyDown(keyLeftShift) || keyDown(keyRightShift) ||
-                    keyDown(keyLeftCtrl) || keyDown(keyRightCtrl);
+  const bool held = mouseButtons() != 0 || keyDown(keyLeftShift) || keyDown(keyRightShift) || keyDown(keyLeftCtrl) ||
+                    keyDown(keyRightCtrl);
   cfg.inputBusy = held ? 1 : 0;
   if (keyDown(keyEsc) && cfg.showHelpShortcutFlag == 0) cfg.quitPromptFlag = 1;
   if (keyDown(keyEnter)) cfg.quitPromptFlag = 0;

@@ -14,8 +14,8 @@ namespace marv {
 using fieldViews = std::array<array3d<double>, 12>;
 
 struct sceneView {
-  appConfig* cfg = nullptr;     // the pass's record, not owned
-  bcDomain* domain = nullptr;   // not owned
+  appConfig* cfg = nullptr;    // the pass's record, not owned
+  bcDomain* domain = nullptr;  // not owned
 };
 
 void constructScene(sceneView& scene, appConfig& cfg, bcDomain& domain);

@@ -1,0 +1,162 @@
+// param.txt reading and writing: file order, text lines, unknown and repeated
+// names, the value filter, the line limit, and damaged files.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "project/parameterFile.h"
+#include "testSupport.h"
+
+namespace {
+
+using marv::parameterEditor;
+
+struct readResult {
+  parameterEditor editor;
+  int count = 0;
+};
+
+readResult readFromText(const std::string& text) {
+  auto folder = marvtest::scratchFolder("param");
+  marvtest::writeText(folder / "param.txt", text);
+  readResult r;
+  marv::resetParameterEditor(r.editor);
+  marv::appConfig cfg;
+  r.count = marv::readParameterFile(r.editor, cfg, (folder / "param.txt").string());
+  std::filesystem::remove_all(folder);
+  return r;
+}
+
+TEST(ParameterFile, KeepsOrderTextLinesUnknownAndRepeatedNames) {
+  const readResult r = readFromText(
+      "// a comment that goes\n"
+      "# a mark that goes\n"
+      "---- Boundary ----\n"
+      "012:latts 500 // x\n"
+      "\n"
+      "900:LATTS 700\n"
+      "003:nosuchname 4.5 // kept\n"
+      "name 1.0\n"
+      "005:cfl 0.3\n");
+  ASSERT_EQ(r.count, 6);
+  const auto& e = r.editor.entries;
+  EXPECT_EQ(e[0].isTextLine, 1);
+  EXPECT_EQ(e[0].description, "---- Boundary ----\n");
+  EXPECT_EQ(e[1].index, 16);
+  EXPECT_EQ(e[1].value, "500");
+  EXPECT_EQ(e[2].index, 16) << "names compare without case";
+  EXPECT_EQ(e[2].name, "LATTS");
+  EXPECT_EQ(e[2].value, "700");
+  EXPECT_EQ(e[3].index, marv::unknownParameter);
+  EXPECT_EQ(e[3].description, "NA");
+  EXPECT_EQ(e[4].isTextLine, 1) << "a line not starting with a digit is text";
+  EXPECT_EQ(e[4].description, "name 1.0\n");
+  EXPECT_EQ(e[5].index, 17);
+  EXPECT_EQ(e[5].valueType, 1);
+  EXPECT_STREQ(e[5].description.c_str(), marv::parameterDescription(17));
+}
+
+TEST(ParameterFile, FiltersValuesToNumberCharacters) {
+  const readResult r = readFromText("1:peps 1.5e-3abc\n2:nx 3,5\n3:ny\n4:uinb -\n5:cmode\t1//c\n");
+  ASSERT_EQ(r.count, 5);
+  EXPECT_EQ(r.editor.entries[0].value, "1.5e-3");
+  EXPECT_EQ(r.editor.entries[1].value, "35");
+  EXPECT_EQ(r.editor.entries[2].value, "");
+  EXPECT_EQ(r.editor.entries[3].value, "-");
+  EXPECT_EQ(r.editor.entries[4].value, "1");
+  EXPECT_EQ(r.editor.entries[4].isChoice, 1);
+  EXPECT_EQ(r.editor.entries[4].choiceCount, 2);
+}
+
+TEST(ParameterFile, NameNeedsAColon) {
+  const readResult r = readFromText("12latts 500\n");
+  ASSERT_EQ(r.count, 1);
+  EXPECT_EQ(r.editor.entries[0].name, "");
+  EXPECT_EQ(r.editor.entries[0].index, marv::unknownParameter);
+}
+
+TEST(ParameterFile, WritesExactHeadAndLinesAndReadsBackTheSameList) {
+  const readResult r = readFromText("---- Case ----\n7:nx 65\n1:cmode 0\n");
+  const std::string text = marv::formatParameterFile(r.editor, "2021R3.0");
+  const std::string head =
+      "//==========================================================================//\n"
+      "//   Marvanesse+ parameter file...              -- 2021R3.0 --                //\n";
+  EXPECT_EQ(text.substr(0, head.size()), head);
+  const std::string body =
+      "//==========================================================================//\n"
+      "---- Case ----\n\n"
+      "002:nx                                     65  // " +
+      std::string(marv::parameterDescription(8)) +
+      "\n"
+      "003:cmode                                   0  // " +
+      marv::parameterDescription(0) + "\n#End of file";
+  ASSERT_GE(text.size(), body.size());
+  EXPECT_EQ(text.substr(text.size() - body.size()), body);
+
+  // A written file reads back as the same list and writes the same text.
+  const readResult again = readFromText(text);
+  ASSERT_EQ(again.count, r.count);
+  EXPECT_EQ(marv::formatParameterFile(again.editor, "2021R3.0"), text);
+}
+
+TEST(ParameterFile, HeadOnlyGivesNoEntriesAndMissingFileIsRefused) {
+  const readResult r = readFromText(marv::formatParameterFile(parameterEditor{}, "v"));
+  EXPECT_EQ(r.count, 0);
+  parameterEditor editor;
+  marv::appConfig cfg;
+  EXPECT_EQ(marv::readParameterFile(editor, cfg, "/nonexistent/param.txt"), -1);
+}
+
+TEST(ParameterFile, ReadsAtMostHundredLinesCommentsIncluded) {
+  std::string text;
+  for (int i = 0; i < 11; ++i) text += "// head\n";
+  for (int i = 0; i < 150; ++i) text += std::to_string(i) + ":nx " + std::to_string(i) + "\n";
+  const readResult r = readFromText(text);
+  EXPECT_EQ(r.count, 89);
+  EXPECT_EQ(r.editor.entries[88].value, "88");
+}
+
+TEST(ParameterFile, EndMarkDoesNotEndReading) {
+  const readResult r = readFromText("1:nx 5\n#End of file\n2:ny 6\n");
+  EXPECT_EQ(r.count, 2);
+}
+
+TEST(ParameterFile, WriteGoesThroughRenameAndFailsCleanly) {
+  auto folder = marvtest::scratchFolder("write");
+  marvtest::inFolder here(folder);
+  readResult r = readFromText("1:nx 5\n");
+  EXPECT_EQ(marv::writeParameterFile(r.editor, "v"), -1) << "no input folder: nothing is written";
+  EXPECT_FALSE(std::filesystem::exists("input"));
+  std::filesystem::create_directory("input");
+  marvtest::writeText("input/param.txt", "old");
+  EXPECT_EQ(marv::writeParameterFile(r.editor, "v"), 1);
+  EXPECT_EQ(marvtest::readText("input/param.txt"), marv::formatParameterFile(r.editor, "v"));
+  EXPECT_FALSE(std::filesystem::exists("input/param.txt.tmp"));
+}
+
+// Every damaged file under tests/data/param reads without fault, keeps at most
+// 100 entries of bounded length, and survives a write and a second read.
+TEST(ParameterFile, DamagedFilesReadSafely) {
+  int files = 0;
+  for (const auto& item : std::filesystem::directory_iterator(MARV_TEST_DATA "/param")) {
+    ++files;
+    parameterEditor editor;
+    marv::resetParameterEditor(editor);
+    marv::appConfig cfg;
+    const int count = marv::readParameterFile(editor, cfg, item.path().string());
+    ASSERT_GE(count, 0) << item.path();
+    ASSERT_LE(count, 100) << item.path();
+    for (int i = 0; i < count; ++i) {
+      EXPECT_LT(editor.entries[i].description.size(), 1000u) << item.path() << " at entry " << i;
+      EXPECT_LT(editor.entries[i].value.size(), 400u) << item.path() << " at entry " << i;
+    }
+    const readResult again = readFromText(marv::formatParameterFile(editor, "v"));
+    // Behind the eleven-line head of a written file only 89 lines fit.
+    EXPECT_EQ(again.count, std::min(count, 89)) << item.path();
+  }
+  EXPECT_GE(files, 5);
+}
+
+}  // namespace
