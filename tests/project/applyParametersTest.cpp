@@ -1,0 +1,226 @@
+// applyParameters: derived values of representative cases, the colour tables,
+// the refusals, thread counts and tile layouts.
+#include <gtest/gtest.h>
+#include <omp.h>
+
+#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "project/applyParameters.h"
+#include "testSupport.h"
+
+namespace {
+
+using marv::appConfig;
+using marv::dashValue;
+
+struct applied {
+  appConfig cfg;
+  int result = 0;
+  std::vector<std::string> messages;
+};
+
+std::vector<std::string>* messageLog = nullptr;
+void logMessage(appConfig&, const char* text) {
+  if (messageLog) messageLog->push_back(text);
+}
+
+// Applies a list of (name, value) pairs in a scratch project without files,
+// with the runtime offering maxThreads threads.
+using valueList = std::vector<std::pair<const char*, const char*>>;
+
+applied apply(const valueList& values, int maxThreads = 2) {
+  auto folder = marvtest::scratchFolder("apply");
+  marvtest::inFolder here(folder);
+  applied a;
+  messageLog = &a.messages;
+  a.cfg.showMessage = logMessage;
+  marv::parameterEditor editor;
+  marv::resetParameterEditor(editor);
+  for (const auto& [name, value] : values) {
+    marv::parameterEntry e = marv::lookupParameter(name);
+    e.value = value;
+    editor.entries[editor.count++] = e;
+  }
+  marv::takeChoiceValues(editor);
+  omp_set_num_threads(maxThreads);
+  a.result = marv::applyParameters(editor, a.cfg, editor.count);
+  messageLog = nullptr;
+  return a;
+}
+
+TEST(ApplyParameters, TwoDimensionalAdaptiveCase) {
+  const applied a = apply({{"nx", "65"}, {"ny", "33"}, {"lx", "2"}, {"ly", "1"}, {"domx", "512"}, {"mu", "0.01"},
+                           {"uinb", "1.0"}, {"vinb", "-"}});
+  ASSERT_EQ(a.result, 1);
+  const appConfig& c = a.cfg;
+  EXPECT_EQ(c.nz, 1);
+  EXPECT_DOUBLE_EQ(c.lz, 0.0);
+  EXPECT_DOUBLE_EQ(c.dz, 1.0);
+  EXPECT_EQ(c.ibm, 0);
+  EXPECT_DOUBLE_EQ(c.dx, 2.0 / 64);
+  EXPECT_DOUBLE_EQ(c.dy, 1.0 / 32);
+  // deltat = 0.5 min(cfl h / U, 0.5 cfl h^2 / nu) with U = 1 from the Blue inflow.
+  const double h = 1.0 / 32, nu = 0.01;
+  EXPECT_DOUBLE_EQ(c.deltat, 0.5 * std::min(0.25 * h / 1.0, 0.5 * 0.25 * h * h / nu));
+  EXPECT_EQ(c.fixedDeltat, 0);
+  // Screen: 512 / 65 = 7 pixels per cell.
+  EXPECT_EQ(c.pixPerCell, 7);
+  EXPECT_DOUBLE_EQ(c.pixPerMetre, 7 / (2.0 / 64));
+  EXPECT_EQ(c.domPixX, 448);
+  EXPECT_EQ(c.domPixY, 224);
+  EXPECT_EQ(c.marginTop, 30) << "two-dimensional cases triple the top margin";
+  EXPECT_EQ(c.screenWidth, 448 + 10 + 10);
+  EXPECT_EQ(c.screenHeight, 30 + c.marginBottom + 224 + c.bottomStrip);
+  // y grows upward on screen.
+  EXPECT_FLOAT_EQ(c.pixelY[0], 224.0f + 30.0f + 0.5f);
+  EXPECT_FLOAT_EQ(c.pixelY[32], 30.0f + 0.5f);
+  EXPECT_FLOAT_EQ(c.pixelX[64], 448.0f + 10.0f + 0.5f);
+  EXPECT_EQ(c.bitmapXY.size(), 65u * 33u * 10u);
+  EXPECT_EQ(c.bitmapYZ.size(), 33u * 10u);
+  // Colour tables: a dashed component is free and the colour is no wall.
+  EXPECT_EQ(c.bcV[2], dashValue);
+  EXPECT_EQ(c.bcFixU[2], 1.0);
+  EXPECT_EQ(c.bcFixV[2], 0.0);
+  EXPECT_EQ(c.bcNoFlow[2], 0);
+  EXPECT_EQ(c.bcNoFlow[3], 1) << "Red with all velocities zero is a wall";
+  EXPECT_EQ(c.speciesFlag, 0);
+}
+
+TEST(ApplyParameters, ThreeDimensionalFixedStepThermo) {
+  const applied a = apply({{"cmode", "1"}, {"nx", "17"}, {"ny", "9"}, {"nz", "5"}, {"lx", "2"}, {"lz", "0.5"},
+                           {"deltat", "1e-4"}, {"cfl", "0"}, {"rhow", "5"}, {"tempw", "350"}, {"ndiv", "0"}});
+  ASSERT_EQ(a.result, 1) << "a given deltat does not look at cfl";
+  const appConfig& c = a.cfg;
+  EXPECT_EQ(c.fixedDeltat, 1);
+  EXPECT_DOUBLE_EQ(c.deltat, 1e-4);
+  EXPECT_DOUBLE_EQ(c.dz, 0.5 / 4);
+  EXPECT_EQ(c.ibm, 1);
+  EXPECT_DOUBLE_EQ(c.rhow, 100000.0 * 0.02897 / 8.3144598 / 350.0) << "thermo mode derives the density";
+  EXPECT_EQ(c.ndiv, 1);
+  EXPECT_EQ(c.ndivZ, static_cast<int>(0.125 / 0.125 + 0.5));
+  EXPECT_EQ(c.ndivY, static_cast<int>(0.125 / 0.125 + 0.5));
+  EXPECT_GE(c.domPixH, c.domPixX / 2) << "3D raises the drawn height";
+  EXPECT_DOUBLE_EQ(c.zCrosssectionXY, 0.25 - 0.125);
+  EXPECT_EQ(c.zCoord.size(), 5u);
+  EXPECT_DOUBLE_EQ(c.zCoord[4], 0.5);
+}
+
+TEST(ApplyParameters, SpecialValuesAndFlags) {
+  const applied a = apply({{"nx", "3"}, {"ny", "3"}, {"presRelax", "-1"}, {"wfilWallBC", "2"}, {"cs", "0"},
+                           {"sct", "0"}, {"openPresFlag", "1"}, {"presAdjustFlag", "1"}, {"ageFlag", "7"},
+                           {"massfrb", "-"}, {"deltat", "0"}});
+  ASSERT_EQ(a.result, 1);
+  const appConfig& c = a.cfg;
+  EXPECT_EQ(c.presRelax, 0.0f);
+  EXPECT_EQ(c.wfilWallBC, 1.0);
+  EXPECT_EQ(c.cs, dashValue);
+  EXPECT_EQ(c.sct, dashValue);
+  EXPECT_EQ(c.presAdjustFlag, 0);
+  EXPECT_EQ(c.ageFlag, 1);
+  EXPECT_EQ(c.speciesFlag, 1) << "a dashed mass fraction counts";
+  EXPECT_EQ(c.fixedDeltat, 0) << "deltat 0 is adaptive";
+  EXPECT_DOUBLE_EQ(c.deltat, 0.5 * std::min(0.25 * 0.5, 0.5 * 0.25 * 0.25 / 1e-5)) << "U is never below 1";
+  EXPECT_EQ(c.bcFixTemp[1], 1);
+  EXPECT_EQ(c.bcFixMassfr[8], 1);
+  EXPECT_EQ(c.bcTemp[7], 300.0);
+}
+
+TEST(ApplyParameters, Refusals) {
+  struct refusal {
+    valueList values;
+    bool message;
+  };
+  const std::vector<refusal> cases = {
+      {{{"nx", "1"}, {"ny", "5"}}, false},
+      {{{"ny", "5"}}, false},
+      {{{"nx", "0"}, {"ny", "5"}}, true},
+      {{{"nx", "5"}, {"ny", "-3"}}, true},
+      {{{"nx", "5"}, {"ny", "5"}, {"cfl", "0"}}, true},
+      {{{"nx", "5"}, {"ny", "5"}, {"cmode", "2"}}, true},
+      {{{"nx", "2000"}, {"ny", "5"}, {"domx", "1024"}}, true},
+      {{{"nx", "5"}, {"ny", "5"}, {"nz", "5"}, {"npz", "2"}}, true},
+      {{{"nx", "5"}, {"ny", "5"}, {"npx", "2"}, {"npy", "2"}}, true},
+      {{{"nx", "5"}, {"ny", "5"}, {"lx", "1e999"}}, true},
+      {{{"nx", "50000"}, {"ny", "50000"}, {"nz", "50"}, {"domx", "60000"}}, true},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    const applied a = apply(cases[i].values, 2);
+    EXPECT_EQ(a.result, -1) << "case " << i;
+    EXPECT_EQ(a.messages.size(), cases[i].message ? 1u : 0u) << "case " << i;
+  }
+}
+
+TEST(ApplyParameters, ThreadCountFromLevelAndNprocs) {
+  EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}}, 8).cfg.numThreads, 1);
+  EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}, {"parallel", "1"}}, 8).cfg.numThreads, 2);
+  EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}, {"parallel", "2"}}, 4).cfg.numThreads, 2);
+  EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}, {"parallel", "3"}}, 16).cfg.numThreads, 8);
+  EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}, {"parallel", "4"}}, 6).cfg.numThreads, 6);
+  const applied limited = apply({{"nx", "9"}, {"ny", "9"}, {"nprocs", "64"}}, 4);
+  EXPECT_EQ(limited.cfg.numThreads, 4) << "nprocs above the machine is limited";
+  EXPECT_EQ(limited.cfg.nprocs, 4);
+}
+
+TEST(ApplyParameters, TileLayoutsByPrimeFactors) {
+  struct layout {
+    int threads, nz, npx, npy, npz;
+  };
+  const layout cases[] = {
+      {1, 9, 1, 1, 1}, {6, 9, 1, 1, 6}, {12, 9, 1, 2, 6}, {8, 1, 2, 4, 1}, {59, 9, 1, 1, 59}, {59, 1, 1, 59, 1},
+  };
+  for (const layout& l : cases) {
+    const std::string nz = std::to_string(l.nz), n = std::to_string(l.threads);
+    const applied a = apply({{"nx", "9"}, {"ny", "9"}, {"nz", nz.c_str()}, {"nprocs", n.c_str()}}, 64);
+    ASSERT_EQ(a.result, 1);
+    EXPECT_EQ(a.cfg.npx, l.npx) << l.threads << " threads, nz " << l.nz;
+    EXPECT_EQ(a.cfg.npy, l.npy) << l.threads << " threads, nz " << l.nz;
+    EXPECT_EQ(a.cfg.npz, l.npz) << l.threads << " threads, nz " << l.nz;
+  }
+}
+
+TEST(ApplyParameters, GivenLayoutStandsAndTilesCoverTheGrid) {
+  const applied a = apply({{"nx", "9"}, {"ny", "7"}, {"nz", "1"}, {"npx", "2"}, {"npy", "3"}, {"npz", "4"}}, 8);
+  ASSERT_EQ(a.result, 1);
+  const appConfig& c = a.cfg;
+  EXPECT_EQ(c.npz, 1) << "two dimensions force npz to 1";
+  ASSERT_EQ(c.numThreads, 6);
+  // Every node belongs to exactly one tile.
+  std::vector<int> owner(9 * 7, 0);
+  for (int t = 0; t < 6; ++t) {
+    EXPECT_EQ(c.tileK0[t], 0);
+    EXPECT_EQ(c.tileK1[t], 1);
+    for (int j = c.tileJ0[t]; j < c.tileJ1[t]; ++j)
+      for (int i = c.tileI0[t]; i < c.tileI1[t]; ++i) ++owner[i + 9 * j];
+  }
+  for (int n = 0; n < 9 * 7; ++n) EXPECT_EQ(owner[n], 1) << "at node " << n;
+}
+
+TEST(SplitAxis, WidthsAndTheLastTile) {
+  auto split = [](int n, int np) {
+    std::vector<int> coords(np);
+    for (int c = 0; c < np; ++c) coords[c] = c;
+    std::vector<int> s, e;
+    marv::splitAxis(n, np, coords, np, s, e);
+    std::vector<std::pair<int, int>> r;
+    for (int c = 0; c < np; ++c) r.push_back({s[c], e[c]});
+    return r;
+  };
+  using ranges = std::vector<std::pair<int, int>>;
+  EXPECT_EQ(split(9, 4), (ranges{{0, 3}, {3, 6}, {6, 9}, {9, 9}}));
+  EXPECT_EQ(split(7, 5), (ranges{{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 7}}));
+  EXPECT_EQ(split(16, 4), (ranges{{0, 4}, {4, 8}, {8, 12}, {12, 16}}));
+  EXPECT_EQ(split(1, 1), (ranges{{0, 1}}));
+  for (int n : {1, 2, 3, 7, 16, 17, 65}) {
+    for (int np = 1; np <= 8; ++np) {
+      const ranges r = split(n, np);
+      EXPECT_EQ(r.front().first, 0) << "n=" << n << " np=" << np;
+      EXPECT_EQ(r.back().second, n) << "n=" << n << " np=" << np;
+      for (int c = 1; c < np; ++c) EXPECT_EQ(r[c].first, r[c - 1].second) << "n=" << n << " np=" << np << " c=" << c;
+    }
+  }
+}
+
+}  // namespace

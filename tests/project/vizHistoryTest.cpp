@@ -1,0 +1,152 @@
+// viz.txt and .history: exact line formats, round trips, the rules of the
+// readers (later key wins, unknown keys, clamped cross-sections, blank in a
+// path) and damaged files.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "project/historyFile.h"
+#include "project/vizFile.h"
+#include "testSupport.h"
+
+namespace {
+
+using marv::appConfig;
+
+int countLines(const std::string& text) {
+  int n = 0;
+  for (char c : text) n += c == '\n';
+  return n;
+}
+
+TEST(VizFile, WritesSeventyOneLinesWithTheRepeatedKey) {
+  appConfig cfg;
+  cfg.particleDivNum = 12;
+  const std::string text = marv::formatVizFile(cfg);
+  EXPECT_EQ(countLines(text), 71);
+  std::istringstream in(text);
+  std::string line, previous;
+  int seen = 0;
+  while (std::getline(in, line)) {
+    if (line.rfind("particleDivNum ", 0) == 0) {
+      ++seen;
+      EXPECT_EQ(line, "particleDivNum                           12");
+      if (seen == 2) {
+        EXPECT_EQ(previous.substr(0, 21), "animationRotationFlag");
+      }
+    }
+    previous = line;
+  }
+  EXPECT_EQ(seen, 2);
+  EXPECT_EQ(marv::formatVizLine(16, 0.99), "CorrVectorThres                          9.90000000e-01");
+  EXPECT_EQ(marv::formatVizLine(2, 1.9), "showOutlineFlag                          1");
+  EXPECT_STREQ(marv::vizKeyName(70), "NA");
+  EXPECT_EQ(marv::lookupVizKey("cameratheta1").index, 53);
+  EXPECT_EQ(marv::lookupVizKey("nothing").index, marv::unknownVizKey);
+}
+
+TEST(VizFile, RoundTripAndReaderRules) {
+  auto folder = marvtest::scratchFolder("viz");
+  marvtest::inFolder here(folder);
+  std::filesystem::create_directory("input");
+  appConfig written;
+  written.lx = 2.0;
+  written.ly = 1.0;
+  written.lz = 1.0;
+  written.useLightingFlag = 1;
+  written.cameraRadius = 123.5f;
+  written.manualMaxValue = -3.25e-7;
+  written.numTracerParticles = 77;
+  marv::syncViz(written, 1);
+  EXPECT_FALSE(std::filesystem::exists("input/viz.txt.tmp"));
+
+  appConfig read;
+  read.lx = 2.0;
+  read.ly = 1.0;
+  read.lz = 1.0;
+  marv::syncViz(read, 0);
+  EXPECT_EQ(read.useLightingFlag, 1);
+  EXPECT_FLOAT_EQ(read.cameraRadius, 123.5f);
+  EXPECT_DOUBLE_EQ(read.manualMaxValue, -3.25e-7);
+  EXPECT_EQ(read.numTracerParticles, 77);
+  EXPECT_EQ(marv::formatVizFile(read), marv::formatVizFile(written));
+
+  // Later key wins, unknown keys are read over, flags take any non-zero,
+  // cross-sections are limited to the domain.
+  marvtest::writeText("input/viz.txt",
+                      "numProbes 3\nbogusKey 9\nNUMPROBES 5\npolygonFrames 0.5\nzCrosssectionXY 5\n"
+                      "xCrosssectionYZ -1\nyCrosssectionXZ 0.5\n");
+  appConfig cfg;
+  cfg.lx = 2.0;
+  cfg.ly = 1.0;
+  cfg.lz = 1.0;
+  marv::syncViz(cfg, 0);
+  EXPECT_EQ(cfg.numProbes, 5);
+  EXPECT_EQ(cfg.polygonFrames, 1);
+  EXPECT_DOUBLE_EQ(cfg.zCrosssectionXY, 1.0);
+  EXPECT_DOUBLE_EQ(cfg.xCrosssectionYZ, 0.0);
+  EXPECT_DOUBLE_EQ(cfg.yCrosssectionXZ, 0.5);
+  EXPECT_EQ(marv::formatVizFile(cfg).find("bogusKey"), std::string::npos);
+}
+
+TEST(VizFile, MissingAndDamagedFilesLeaveDefaults) {
+  auto folder = marvtest::scratchFolder("vizbad");
+  marvtest::inFolder here(folder);
+  appConfig cfg;
+  marv::syncViz(cfg, 0);
+  EXPECT_EQ(marv::formatVizFile(cfg), marv::formatVizFile(appConfig{}));
+
+  std::filesystem::create_directory("input");
+  std::mt19937 random(5);
+  std::string noise;
+  for (int i = 0; i < 20000; ++i) noise.push_back(static_cast<char>(random() & 255));
+  for (const std::string& text : {noise, std::string(5000, 'x') + " 1\n", std::string("numProbes"),
+                                  std::string("numProbes 1e300\nshowForce nan\ncameraRadius 1e300\n")}) {
+    marvtest::writeText("input/viz.txt", text);
+    appConfig damaged;
+    marv::syncViz(damaged, 0);
+    EXPECT_EQ(countLines(marv::formatVizFile(damaged)), 71);
+  }
+  appConfig huge;
+  marv::syncViz(huge, 0);
+  EXPECT_EQ(huge.numProbes, 2147483647) << "whole numbers saturate";
+  EXPECT_EQ(huge.showForce, 0) << "nan reads as 0";
+}
+
+TEST(HistoryFile, WritesDefaultsWhenMissingAndReadsBack) {
+  auto folder = marvtest::scratchFolder("history");
+  marvtest::inFolder here(folder);
+  appConfig cfg;
+  marv::syncHistory(cfg, 0, "");
+  ASSERT_TRUE(std::filesystem::exists(".history"));
+  EXPECT_EQ(marvtest::readText(".history"),
+            marv::formatHistoryLine(0, 20, "") + "\n" + marv::formatHistoryLine(1, 0, "") + "\n" +
+                marv::formatHistoryLine(2, 0, "./") + "\n");
+  EXPECT_EQ(marv::formatHistoryLine(0, 24, ""), "fontSize                                 24");
+
+  cfg.textHeight = 28;
+  cfg.langFlag = 1;
+  cfg.absProjPath = "/home/user/cases/pipe";
+  marv::syncHistory(cfg, 1, folder.string());
+  appConfig back;
+  marv::syncHistory(back, 0, "");
+  EXPECT_EQ(back.textHeight, 28);
+  EXPECT_EQ(back.langFlag, 1);
+  EXPECT_EQ(back.absProjPath, "/home/user/cases/pipe");
+}
+
+TEST(HistoryFile, PathWithBlankIsCutAtTheBlank) {
+  auto folder = marvtest::scratchFolder("historyblank");
+  marvtest::inFolder here(folder);
+  appConfig cfg;
+  cfg.absProjPath = "/home/user/my cases/pipe";
+  marv::syncHistory(cfg, 1, "");
+  appConfig back;
+  marv::syncHistory(back, 0, "");
+  EXPECT_EQ(back.absProjPath, "/home/user/my");
+}
+
+}  // namespace
