@@ -80,6 +80,7 @@ passStages batchStages(const batchOptions& given) {
   stages.showMessage = batchMessage;
   stages.onePass = true;
   stages.writeHistory = false;
+  stages.splash = false;
   return stages;
 }
 

@@ -118,6 +118,7 @@ int runLoop(driverState& state, appConfig& cfg, sceneView& scene, inputState& in
       if (stepping) {
         if (state.solver) state.solver->step();
         cfg.time += cfg.deltat;
+        ++state.stepsTaken;
       } else {
         --cfg.ts;  // the same step comes again
       }
@@ -162,7 +163,7 @@ int runPass(const passStages& stages, driverState& state) {
   state.chosenFilePath.clear();
 
   appConfig cfg;
-  constructAppConfig(cfg, state.firstPass != 0, stages.writeHistory);
+  constructAppConfig(cfg, state.firstPass != 0 && stages.splash, stages.writeHistory);
   cfg.showMessage = stages.showMessage;
   state.firstPass = 0;
   state.windowTitle += " (" + cfg.version + ")";
@@ -284,7 +285,9 @@ int runPass(const passStages& stages, driverState& state) {
       }
       writeParameterFile(editor, cfg.version);
     }
+    state.stepsTaken = 0;
     const int ran = runLoop(state, cfg, scene, input, panel, domain);
+    state.endTime = cfg.time;
     if (ran == -1) return -1;
     outcome = ran;
   }

@@ -28,6 +28,8 @@ struct driverState {
   std::unique_ptr<solverCommon> solver;  // the last pass's solver, destroyed at the next
   fieldViews views{};                    // header copies of the solver's fields
   int runsCompleted = 0;                 // passes whose run loop ended
+  int stepsTaken = 0;                    // solver steps of the last run
+  double endTime = 0.0;                  // simulated time at the end of the last run [s]
   int refusals = 0;                      // passes that a stage ended early
 };
 
@@ -45,6 +47,7 @@ struct passStages {
   messageSink showMessage = nullptr;                                     // dialog with OK
   bool onePass = false;                                                  // stop after the first pass (batch)
   bool writeHistory = true;  // read and write .history in the start directory
+  bool splash = true;        // show the splash in the first pass
 };
 
 // Runs passes until the window closes (or, with onePass, after one pass).

@@ -52,8 +52,14 @@ applied apply(const valueList& values, int maxThreads = 2) {
 }
 
 TEST(ApplyParameters, TwoDimensionalAdaptiveCase) {
-  const applied a = apply({{"nx", "65"}, {"ny", "33"}, {"lx", "2"}, {"ly", "1"}, {"domx", "512"}, {"mu", "0.01"},
-                           {"uinb", "1.0"}, {"vinb", "-"}});
+  const applied a = apply({{"nx", "65"},
+                           {"ny", "33"},
+                           {"lx", "2"},
+                           {"ly", "1"},
+                           {"domx", "512"},
+                           {"mu", "0.01"},
+                           {"uinb", "1.0"},
+                           {"vinb", "-"}});
   ASSERT_EQ(a.result, 1);
   const appConfig& c = a.cfg;
   EXPECT_EQ(c.nz, 1);
@@ -90,8 +96,17 @@ TEST(ApplyParameters, TwoDimensionalAdaptiveCase) {
 }
 
 TEST(ApplyParameters, ThreeDimensionalFixedStepThermo) {
-  const applied a = apply({{"cmode", "1"}, {"nx", "17"}, {"ny", "9"}, {"nz", "5"}, {"lx", "2"}, {"lz", "0.5"},
-                           {"deltat", "1e-4"}, {"cfl", "0"}, {"rhow", "5"}, {"tempw", "350"}, {"ndiv", "0"}});
+  const applied a = apply({{"cmode", "1"},
+                           {"nx", "17"},
+                           {"ny", "9"},
+                           {"nz", "5"},
+                           {"lx", "2"},
+                           {"lz", "0.5"},
+                           {"deltat", "1e-4"},
+                           {"cfl", "0"},
+                           {"rhow", "5"},
+                           {"tempw", "350"},
+                           {"ndiv", "0"}});
   ASSERT_EQ(a.result, 1) << "a given deltat does not look at cfl";
   const appConfig& c = a.cfg;
   EXPECT_EQ(c.fixedDeltat, 1);
@@ -109,9 +124,17 @@ TEST(ApplyParameters, ThreeDimensionalFixedStepThermo) {
 }
 
 TEST(ApplyParameters, SpecialValuesAndFlags) {
-  const applied a = apply({{"nx", "3"}, {"ny", "3"}, {"presRelax", "-1"}, {"wfilWallBC", "2"}, {"cs", "0"},
-                           {"sct", "0"}, {"openPresFlag", "1"}, {"presAdjustFlag", "1"}, {"ageFlag", "7"},
-                           {"massfrb", "-"}, {"deltat", "0"}});
+  const applied a = apply({{"nx", "3"},
+                           {"ny", "3"},
+                           {"presRelax", "-1"},
+                           {"wfilWallBC", "2"},
+                           {"cs", "0"},
+                           {"sct", "0"},
+                           {"openPresFlag", "1"},
+                           {"presAdjustFlag", "1"},
+                           {"ageFlag", "7"},
+                           {"massfrb", "-"},
+                           {"deltat", "0"}});
   ASSERT_EQ(a.result, 1);
   const appConfig& c = a.cfg;
   EXPECT_EQ(c.presRelax, 0.0f);

@@ -122,9 +122,9 @@ TEST(HistoryFile, WritesDefaultsWhenMissingAndReadsBack) {
   appConfig cfg;
   marv::syncHistory(cfg, 0, "");
   ASSERT_TRUE(std::filesystem::exists(".history"));
-  EXPECT_EQ(marvtest::readText(".history"),
-            marv::formatHistoryLine(0, 20, "") + "\n" + marv::formatHistoryLine(1, 0, "") + "\n" +
-                marv::formatHistoryLine(2, 0, "./") + "\n");
+  EXPECT_EQ(marvtest::readText(".history"), marv::formatHistoryLine(0, 20, "") + "\n" +
+                                                marv::formatHistoryLine(1, 0, "") + "\n" +
+                                                marv::formatHistoryLine(2, 0, "./") + "\n");
   EXPECT_EQ(marv::formatHistoryLine(0, 24, ""), "fontSize                                 24");
 
   cfg.textHeight = 28;

@@ -1,0 +1,76 @@
+// The driver's pass on a project without a screen: the run loop's count from
+// sts to latts, param.txt rewritten in its own format, and the passes that
+// end early with their exit status.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "app/batchStages.h"
+#include "app/driver.h"
+#include "project/parameterFile.h"
+#include "testSupport.h"
+
+namespace {
+
+struct batchRun {
+  int status = 0;
+  marv::driverState state;
+  std::string paramAfter;
+};
+
+batchRun runProject(const std::string& paramText, bool analysis = false, bool withParam = true) {
+  auto folder = marvtest::scratchFolder("driver");
+  if (withParam) marvtest::writeText(folder / "input" / "param.txt", paramText);
+  batchRun run;
+  marv::batchOptions options;
+  options.projectDir = folder.string();
+  options.analysis = analysis;
+  const auto before = std::filesystem::current_path();
+  run.status = marv::runDriver(marv::batchStages(options), run.state);
+  EXPECT_EQ(std::filesystem::current_path(), before) << "a pass ends in its start folder";
+  run.paramAfter = marvtest::readText(folder / "input" / "param.txt");
+  std::filesystem::remove_all(folder);
+  return run;
+}
+
+TEST(Driver, RunsFromStartStepToEndStepInclusive) {
+  for (int latts : {0, 1, 2, 17}) {
+    const batchRun run = runProject("1:nx 5\n2:ny 5\n3:deltat 0.5\n4:latts " + std::to_string(latts) + "\n");
+    EXPECT_EQ(run.status, 0) << "latts " << latts;
+    EXPECT_EQ(run.state.stepsTaken, latts + 1) << "latts " << latts;
+    EXPECT_DOUBLE_EQ(run.state.endTime, 0.5 * (latts + 1)) << "latts " << latts;
+  }
+  const batchRun none = runProject("1:nx 5\n2:ny 5\n3:latts -1\n");
+  EXPECT_EQ(none.status, 0);
+  EXPECT_EQ(none.state.stepsTaken, 0);
+}
+
+TEST(Driver, RewritesParamTxtInItsOwnFormat) {
+  const batchRun run = runProject("// mine\n1:nx 5\n2:ny 5\n3:cmode 1.7\n4:latts 0\n");
+  ASSERT_EQ(run.status, 0);
+  EXPECT_EQ(run.paramAfter.rfind("//======", 0), 0u);
+  EXPECT_NE(run.paramAfter.find("003:cmode                                   1  // "), std::string::npos)
+      << "a choice is written as its option number";
+  EXPECT_EQ(run.paramAfter.find("// mine"), std::string::npos);
+}
+
+TEST(Driver, AnalysisModeLeavesParamTxtAlone) {
+  const std::string text = "1:nx 5\n2:ny 5\n3:latts 3\n";
+  const batchRun run = runProject(text, true);
+  EXPECT_EQ(run.paramAfter, text);
+  EXPECT_EQ(run.state.stepsTaken, 0) << "Analysis mode never steps";
+}
+
+TEST(Driver, EarlyEndsGiveNonZeroStatus) {
+  EXPECT_NE(runProject("", false, false).status, 0) << "no param.txt";
+  EXPECT_NE(runProject("1:nx 1\n2:ny 5\n").status, 0) << "mesh refused";
+  EXPECT_NE(runProject("1:nx 5\n2:ny 5\n3:cfl -1\n").status, 0) << "cfl refused";
+  EXPECT_NE(runProject("1:nx 5\n2:ny 5\n3:sts 10\n").status, 0) << "no restart dump";
+  marv::driverState state;
+  marv::batchOptions options;
+  options.projectDir = "/nonexistent/project";
+  EXPECT_NE(marv::runDriver(marv::batchStages(options), state), 0);
+}
+
+}  // namespace
