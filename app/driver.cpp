@@ -12,6 +12,7 @@
 #include "layer/layer.h"
 #include "project/historyFile.h"
 #include "project/parameterFile.h"
+#include "project/vizFile.h"
 #include "result/stepResults.h"
 #include "scene/inputState.h"
 #include "widgets/controlPanel.h"
@@ -245,6 +246,7 @@ int runPass(const passStages& stages, driverState& state) {
 
   controlPanel panel;
   constructControlPanel(panel, cfg);
+  syncViz(cfg, 1);
   const int placed = stages.placementStage ? stages.placementStage(state, cfg) : 1;
   if (placed == 1) {
     if (!cfg.analysisMode) {
