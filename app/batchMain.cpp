@@ -12,8 +12,10 @@ int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--analysis") == 0) {
       options.analysis = true;
+    } else if (std::strcmp(argv[i], "--quiet") == 0) {
+      options.quiet = true;
     } else if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
-      std::printf("usage: marvanesse-batch [--analysis] PROJECT_DIR\n");
+      std::printf("usage: marvanesse-batch [--analysis] [--quiet] PROJECT_DIR\n");
       return 0;
     } else if (options.projectDir.empty() && argv[i][0] != '-') {
       options.projectDir = argv[i];
@@ -23,7 +25,7 @@ int main(int argc, char** argv) {
     }
   }
   if (options.projectDir.empty()) {
-    std::fprintf(stderr, "usage: marvanesse-batch [--analysis] PROJECT_DIR\n");
+    std::fprintf(stderr, "usage: marvanesse-batch [--analysis] [--quiet] PROJECT_DIR\n");
     return 2;
   }
   if (marv::startLayer() != 0) {

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string>
 
+#include "app/runProgress.h"
+#include "layer/layer.h"
 #include "project/parameterFile.h"
 
 namespace marv {
@@ -62,6 +64,14 @@ int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
   return result;
 }
 
+runProgress progress;
+
+void runStep(const appConfig& cfg, bool final) {
+  if (progress.out == nullptr) startProgress(progress, stdout, nowMs());
+  reportProgress(progress, cfg, nowMs(), final);
+  if (final) progress = runProgress{};
+}
+
 int acceptStage(appConfig&) { return 1; }
 int acceptPlacement(driverState&, appConfig&) { return 1; }
 
@@ -78,6 +88,7 @@ passStages batchStages(const batchOptions& given) {
   stages.bitmapStage = acceptStage;
   stages.placementStage = acceptPlacement;
   stages.showMessage = batchMessage;
+  stages.runStep = options.quiet ? nullptr : runStep;
   stages.onePass = true;
   stages.writeHistory = false;
   stages.splash = false;

@@ -11,6 +11,7 @@ namespace marv {
 struct batchOptions {
   std::string projectDir;  // the project folder
   bool analysis = false;   // open in Analysis mode
+  bool quiet = false;      // no progress line
 };
 
 passStages batchStages(const batchOptions& options);

@@ -84,8 +84,8 @@ int findDump(const appConfig& cfg, int direction) {
 }
 
 // The run (step 23 of a pass). Returns -1 when the window was closed.
-int runLoop(driverState& state, appConfig& cfg, sceneView& scene, inputState& input, controlPanel& panel,
-            bcDomain& domain) {
+int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneView& scene, inputState& input,
+            controlPanel& panel, bcDomain& domain) {
   if (cfg.analysisMode) {
     cfg.ts = cfg.latts > INT_MAX - 100 ? INT_MAX : cfg.latts + 100;
     cfg.analysisDirection = -1;
@@ -124,6 +124,7 @@ int runLoop(driverState& state, appConfig& cfg, sceneView& scene, inputState& in
         --cfg.ts;  // the same step comes again
       }
       cfg.solveEndMs = nowMs();
+      if (stages.runStep) stages.runStep(cfg, false);
       waitMs(frameWaitMs);
       if (processMessages() == -1) return -1;
       if (inputResult == -1) break;
@@ -133,6 +134,7 @@ int runLoop(driverState& state, appConfig& cfg, sceneView& scene, inputState& in
       }
       if (cfg.ts == INT_MAX) break;  // latts at the top of the range: nothing lies beyond
     }
+    if (stages.runStep) stages.runStep(cfg, true);
     waitMs(1);
     if (processMessages() == -1) return -1;
     if (!(cfg.analysisMode && cfg.analysisDirection != 0)) return 1;
@@ -288,7 +290,7 @@ int runPass(const passStages& stages, driverState& state) {
       writeParameterFile(editor, cfg.version);
     }
     state.stepsTaken = 0;
-    const int ran = runLoop(state, cfg, scene, input, panel, domain);
+    const int ran = runLoop(stages, state, cfg, scene, input, panel, domain);
     state.endTime = cfg.time;
     if (ran == -1) return -1;
     outcome = ran;
