@@ -249,6 +249,7 @@ struct appConfig {
   std::array<std::uint32_t, maxColourSlots> savedColorsCodes{};
   std::array<int, maxColourSlots> savedStretchPlane{}, savedSymmetricPlane{}, savedInverseFlag{};
   std::array<std::uint32_t, maxColourSlots> RemovedColorCodes{};
+  int numRemovedColors = 0;  // entries of RemovedColorCodes in use, at most 50
   std::array<choiceGroup, maxColourSlots> stretchSelectors;   // "XY" "YZ" "ZX" "OFF"
   std::array<choiceGroup, maxColourSlots> symmetrySelectors;  // "XY" "YZ" "ZX" "OFF"
   std::array<choiceGroup, maxColourSlots> inverseSelectors;   // "ON" "OFF"

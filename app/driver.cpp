@@ -223,7 +223,7 @@ int runPass(const passStages& stages, driverState& state) {
   if (edited != 1) return endPass(0);
 
   bcDomain domain;
-  domain.cfg = &cfg;
+  constructDomain(domain, cfg);
   sceneView scene;
   constructScene(scene, cfg, domain);
   inputState input;

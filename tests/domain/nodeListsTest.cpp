@@ -1,0 +1,204 @@
+// Node lists and solidMask built from hand-made bcFlag fields: which nodes
+// enter each list, in which order, and how often.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "domain/bcDomain.h"
+#include "domain/nodeLists.h"
+#include "tests/testGrid.h"
+
+namespace marv {
+namespace {
+
+using ijk = std::tuple<int, int, int>;
+
+std::vector<ijk> indicesOf(const cellList& list) {
+  std::vector<ijk> out;
+  for (const cellNode& c : list) out.emplace_back(c.i, c.j, c.k);
+  return out;
+}
+
+std::string show(const std::vector<ijk>& v) {
+  std::string s;
+  for (auto [i, j, k] : v) s += "(" + std::to_string(i) + "," + std::to_string(j) + "," + std::to_string(k) + ")";
+  return s;
+}
+
+// A domain of the given size, all fluid, with presets: Black and Non-Preset
+// present; Blue flows along +x with everything fixed; Red has all velocities
+// zero (a wall); Green leaves u free and fixes v = 1.
+struct listCase {
+  appConfig cfg;
+  bcDomain domain;
+  explicit listCase(int nx, int ny, int nz) {
+    testing::setGrid(cfg, nx, ny, nz);
+    constructDomain(domain, cfg);
+    cfg.bcTypePresent = {1, 1, 1, 1, 1, 0, 0, 0, 1, 0};
+    for (int t = 2; t <= 6; ++t) cfg.bcFixU[t] = cfg.bcFixV[t] = cfg.bcFixW[t] = 1.0;
+    cfg.bcU[2] = 1.0;
+    cfg.bcNoFlow[3] = cfg.bcNoFlow[5] = cfg.bcNoFlow[6] = 1;
+    cfg.bcU[4] = dashValue, cfg.bcFixU[4] = 0.0, cfg.bcV[4] = 1.0;
+    cfg.bcFixMassfr = {0, 1, 1, 0, 1, 0, 0, 1, 1};
+    cfg.bcFixTemp = {0, 1, 0, 1, 0, 0, 0, 1, 1};
+  }
+  void set(int i, int j, int k, int t) { domain.bcFlag(i, j, k) = t; }
+};
+
+TEST(NodeLists, EveryNodeCheckIsAgainstItsOwnFlatIndex) {
+  listCase c(4, 3, 2);
+  for (int n = 0; n < c.domain.bcFlag.count(); ++n) c.domain.bcFlag[n] = 1 + n % 9;
+  buildNodeLists(c.domain, c.cfg);
+  for (const cellList* list : {&c.domain.wallCells, &c.domain.faceWallCells, &c.domain.inletCells}) {
+    for (const cellNode& e : *list) {
+      ASSERT_EQ(e.at, e.i + 4 * e.j + 12 * e.k) << " at " << show({{e.i, e.j, e.k}});
+      ASSERT_EQ(e.type, c.domain.bcFlag[e.at]) << " at " << show({{e.i, e.j, e.k}});
+    }
+  }
+}
+
+TEST(NodeLists, WallCellsRunByTypeThenKJIAndHonourPresenceNoFlowAndTypeNine) {
+  listCase c(3, 3, 1);
+  c.set(2, 2, 0, 8);   // Non-Preset, later in the grid but type 8
+  c.set(0, 1, 0, 1);   // Black
+  c.set(1, 0, 0, 3);   // Red: inlet colour with no flow, a wall
+  c.set(2, 0, 0, 2);   // Blue flows: not a wall
+  c.set(1, 1, 0, 9);   // solid: always, though bcTypePresent[9] is 0
+  c.set(0, 0, 0, 10);  // build-only types enter no list
+  c.set(0, 2, 0, 11);
+  c.set(1, 2, 0, 5);  // Yellow not present
+  const cellList walls = makeWallCells(c.domain.bcFlag, c.cfg);
+  const std::vector<ijk> expected{{0, 1, 0}, {1, 0, 0}, {2, 2, 0}, {1, 1, 0}};
+  EXPECT_EQ(indicesOf(walls), expected) << show(indicesOf(walls));
+
+  const cellList inlets = makeInletCells(c.domain.bcFlag, c.cfg);
+  ASSERT_EQ(inlets.size(), 1u);
+  EXPECT_EQ(inlets[0].type, 2);
+
+  buildSolidMask(c.domain, c.cfg);
+  EXPECT_EQ(c.domain.solidMask(1, 0, 0), 3) << "a no-flow inlet stays solid";
+  EXPECT_EQ(c.domain.solidMask(2, 0, 0), 0) << "a flowing inlet is open";
+  EXPECT_EQ(c.domain.solidMask(1, 2, 0), 5) << "an inlet colour with all velocities zero is solid";
+}
+
+TEST(NodeLists, FaceWallCellsCountACornerOncePerFaceInZYXOrder) {
+  listCase c(3, 3, 3);
+  c.set(0, 0, 0, 1);  // corner: three faces
+  c.set(1, 0, 2, 1);  // edge: two faces (y low, z high)
+  c.set(1, 1, 1, 1);  // centre: no face
+  const cellList faces = makeFaceWallCells(c.domain.bcFlag, c.cfg);
+  // z planes (j, i; k = 0 then nz-1), y planes (k, i), x planes (k, j).
+  const std::vector<ijk> expected{{0, 0, 0}, {1, 0, 2}, {0, 0, 0}, {1, 0, 2}, {0, 0, 0}};
+  EXPECT_EQ(indicesOf(faces), expected) << show(indicesOf(faces));
+  // Two dimensions: no z planes, so the corner counts twice.
+  listCase flat(3, 3, 1);
+  flat.set(0, 0, 0, 1);
+  EXPECT_EQ(makeFaceWallCells(flat.domain.bcFlag, flat.cfg).size(), 2u);
+}
+
+TEST(NodeLists, EdgePairsPairEveryFaceNodeWithItsInnerNeighbour) {
+  for (int nx : {1, 2, 3, 7})
+    for (int ny : {1, 2, 3, 16})
+      for (int nz : {1, 2, 3, 17}) {
+        listCase c(nx, ny, nz);
+        const pairList pairs = makeEdgePairs(c.domain.bcFlag);
+        const std::size_t expected = 2 * ny * nz + 2 * nx * nz + (nz != 1 ? 2 * nx * ny : 0);
+        ASSERT_EQ(pairs.size(), expected) << " at " << nx << "x" << ny << "x" << nz;
+        for (std::size_t p = 0; p < pairs.size(); ++p) {
+          const edgePair& e = pairs[p];
+          const std::string where = " at pair " + std::to_string(p) + " of " + std::to_string(nx) + "x" +
+                                    std::to_string(ny) + "x" + std::to_string(nz);
+          // The group follows from the position in the list.
+          const int group = p < std::size_t(2 * ny * nz) ? 0 : p < std::size_t(2 * ny * nz + 2 * nx * nz) ? 1 : 2;
+          const int n[3] = {nx, ny, nz}, t[3] = {e.i, e.j, e.k}, s[3] = {e.si, e.sj, e.sk};
+          const bool low = p % 2 == 0;
+          ASSERT_EQ(t[group], low ? 0 : n[group] - 1) << where;
+          const int inner = low ? std::min(1, n[group] - 1) : std::max(n[group] - 2, 0);
+          ASSERT_EQ(s[group], inner) << where;
+          for (int a = 0; a < 3; ++a)
+            if (a != group) {
+              ASSERT_EQ(s[a], t[a]) << where << " axis " << a;
+            }
+          ASSERT_EQ(e.at, e.i + nx * e.j + nx * ny * e.k) << where;
+          ASSERT_EQ(e.from, e.si + nx * e.sj + nx * ny * e.sk) << where;
+        }
+      }
+}
+
+TEST(NodeLists, OpenCellsTakeFluidAndFreeInletComponentsPerGroup) {
+  listCase c(3, 2, 1);
+  // Row j = 0: Green (u free), Black, Blue. Row j = 1: fluid.
+  c.set(0, 0, 0, 4);
+  c.set(1, 0, 0, 1);
+  c.set(2, 0, 0, 2);
+  const cellList open = makeOpenCells(c.domain.bcFlag, c.cfg);
+  // X group (k, j; i = 0 then 2): Green at (0,0) by its free u, Blue closed,
+  // fluid (0,1), (2,1). Y group (k, i; j = 0 then 1): only fluid of j = 1
+  // (Green's v is fixed).
+  const std::vector<ijk> expected{{0, 0, 0}, {0, 1, 0}, {2, 1, 0}, {0, 1, 0}, {1, 1, 0}, {2, 1, 0}};
+  EXPECT_EQ(indicesOf(open), expected) << show(indicesOf(open));
+  // An all-fluid cube: each corner stands once in each of the three groups.
+  listCase cube(2, 2, 2);
+  const cellList all = makeOpenCells(cube.domain.bcFlag, cube.cfg);
+  EXPECT_EQ(all.size(), 24u);
+}
+
+TEST(NodeLists, ScalarAndAgeListsFollowTheirTablesAndFlags) {
+  listCase c(4, 4, 1);
+  c.set(0, 1, 0, 2);   // Blue at the low x face, blowing in: age reset
+  c.set(3, 1, 0, 2);   // Blue at the high x face, blowing out: no reset
+  c.set(2, 2, 0, 3);   // Red: no-flow inlet, an age wall
+  c.set(1, 2, 0, 7);   // STL
+  c.set(3, 3, 0, 11);  // inside an inlet body: no list
+  // Cyan inside with every component free: an interior reset.
+  c.cfg.bcFixU[6] = c.cfg.bcFixV[6] = 0.0, c.cfg.bcU[6] = c.cfg.bcV[6] = dashValue, c.cfg.bcNoFlow[6] = 0;
+  c.set(2, 3, 0, 6);  // on the face j = ny-1: not interior
+
+  buildNodeLists(c.domain, c.cfg);
+  EXPECT_TRUE(c.domain.massfrCells.empty()) << "no species";
+  EXPECT_TRUE(c.domain.tempCells.empty()) << "cmode 0";
+  EXPECT_TRUE(c.domain.ageWallCells.empty()) << "no age";
+
+  c.cfg.speciesFlag = 1, c.cfg.cmode = 1, c.cfg.ageFlag = 1;
+  c.set(1, 1, 0, 6);  // Cyan inside, free: a reset node
+  c.set(2, 1, 0, 4);  // Green inside: u free but v fixed, so no reset
+  buildNodeLists(c.domain, c.cfg);
+  const std::vector<ijk> massfr{{0, 1, 0}, {2, 1, 0}, {3, 1, 0}, {1, 2, 0}};  // types 2, 4, 2, 7
+  EXPECT_EQ(indicesOf(c.domain.massfrCells), massfr) << show(indicesOf(c.domain.massfrCells));
+  const std::vector<ijk> temp{{1, 2, 0}, {2, 2, 0}};  // types 7, 3
+  EXPECT_EQ(indicesOf(c.domain.tempCells), temp) << show(indicesOf(c.domain.tempCells));
+  const std::vector<ijk> ageWall{{1, 2, 0}, {2, 2, 0}};
+  EXPECT_EQ(indicesOf(c.domain.ageWallCells), ageWall) << show(indicesOf(c.domain.ageWallCells));
+  const std::vector<ijk> ageInlet{{0, 1, 0}, {1, 1, 0}};  // faces first, then interior
+  EXPECT_EQ(indicesOf(c.domain.ageInletCells), ageInlet) << show(indicesOf(c.domain.ageInletCells));
+  EXPECT_EQ(c.domain.ageInletCells[1].type, 6);
+}
+
+TEST(Domain, ConstructionSizesEveryFieldAndPointsTheDrawnObjectsAtTheGrid) {
+  for (int nz : {1, 3}) {
+    appConfig cfg;
+    testing::setGrid(cfg, 5, 4, nz, 2.0, 1.5, 1.0);
+    bcDomain d;
+    constructDomain(d, cfg);
+    EXPECT_EQ(d.cfg, &cfg);
+    EXPECT_EQ(d.bcFlag.nx * d.bcFlag.ny * d.bcFlag.nz, 20 * nz);
+    EXPECT_EQ(d.imageZ.count(), 20 * nz);
+    EXPECT_FLOAT_EQ(d.gridX[4], 2.0f);
+    EXPECT_EQ(d.grid.gridNy, 4);
+    EXPECT_EQ(d.typeMasks[0].data, nullptr);
+    for (int t = 1; t < 9; ++t) {
+      EXPECT_EQ(d.typeMasks[t].count(), 20 * nz) << " at t=" << t;
+      EXPECT_EQ(d.outlines[t].grid, nz < 2 ? &d.grid : nullptr) << " at t=" << t;
+      EXPECT_EQ(d.surfaces[t].grid, nz < 2 ? nullptr : &d.grid) << " at t=" << t;
+    }
+  }
+  appConfig huge;
+  huge.nx = huge.ny = huge.nz = 2000;
+  bcDomain d;
+  EXPECT_THROW(constructDomain(d, huge), std::length_error);
+}
+
+}  // namespace
+}  // namespace marv
