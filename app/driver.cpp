@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "domain/bcDomain.h"
+#include "domain/bmpTxt.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
 #include "project/parameterFile.h"
@@ -108,9 +109,10 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       runControlPanel(panel, cfg);
       if (cfg.snapshotRequested) cfg.snapshotRequested = 0;  // images need the window backend
       const bool stepping = running(cfg);
-      if (stepping && domain.cfg != nullptr) {
-        // The boundary field goes into view 8 before results are written.
-      }
+      // The boundary field goes into view 8, from where the dump stores it.
+      const array3d<double>& display = state.views[8];
+      if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
+        copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
       writeStepResults(cfg, state.views);
       smoothStepTime(cfg);
       if (presentThisStep(cfg)) present();
@@ -248,6 +250,7 @@ int runPass(const passStages& stages, driverState& state) {
 
   controlPanel panel;
   constructControlPanel(panel, cfg);
+  writeBmpTxt(cfg);
   syncViz(cfg, 1);
   const int placed = stages.placementStage ? stages.placementStage(state, cfg) : 1;
   if (placed == 1) {

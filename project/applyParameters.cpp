@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string>
 
+#include "domain/bmpTxt.h"
 #include "project/parameterFields.h"
 #include "project/textNumbers.h"
 #include "project/vizFile.h"
@@ -337,6 +338,7 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
   cfg.zCrosssectionXY = cfg.lz * 0.5 - cfg.dz;
   cfg.xCrosssectionYZ = cfg.lx * 0.5;
   cfg.yCrosssectionXZ = cfg.ly * 0.5;
+  readBmpTxt(cfg);
   syncViz(cfg, 0);
 
   // 17. and 18. Threads and their layout.

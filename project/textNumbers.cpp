@@ -51,10 +51,14 @@ bool nextToken(tokenReader& reader, std::string& out) {
 }
 
 bool replaceFileAtomically(const std::string& path, const std::string& text) {
+  return replaceFileAtomically(path, text.data(), text.size());
+}
+
+bool replaceFileAtomically(const std::string& path, const void* bytes, std::size_t size) {
   const std::string temporary = path + ".tmp";
   std::FILE* f = std::fopen(temporary.c_str(), "wb");
   if (f == nullptr) return false;
-  const bool written = std::fwrite(text.data(), 1, text.size(), f) == text.size();
+  const bool written = size == 0 || std::fwrite(bytes, 1, size, f) == size;
   const bool flushed = std::fflush(f) == 0 && fsync(fileno(f)) == 0;
   const bool closed = std::fclose(f) == 0;
   if (!written || !flushed || !closed || std::rename(temporary.c_str(), path.c_str()) != 0) {

@@ -36,4 +36,7 @@ bool nextToken(tokenReader& reader, std::string& out);
 // temporary file could not be written or renamed; the old file then stands.
 bool replaceFileAtomically(const std::string& path, const std::string& text);
 
+// The same for a block of bytes.
+bool replaceFileAtomically(const std::string& path, const void* bytes, std::size_t size);
+
 }  // namespace marv

@@ -1,10 +1,39 @@
-// Step results. Dumps are not written by this build yet, so a restart from
-// a dump is refused and the run ends, as with a missing dump.
+// What a step of the run writes, and the restart read. Records of probes,
+// force and heat loss join here once they exist.
 #include "result/stepResults.h"
+
+#include <cstdio>
+
+#include "layer/layer.h"
+#include "project/vizFile.h"
+#include "result/dumpFiles.h"
 
 namespace marv {
 
-void writeStepResults(appConfig&, fieldViews&) {}
-int readDump(appConfig&, fieldViews&, int) { return -1; }
+namespace {
+
+// An interval of 0 or below turns its output off; step 0 and the last step
+// are covered by their own tests.
+bool onInterval(int ts, int interval) { return interval > 0 && ts % interval == 0; }
+
+}  // namespace
+
+void writeStepResults(appConfig& cfg, fieldViews& views) {
+  if (cfg.ts > cfg.latts) return;
+  if (cfg.sts >= 1 && cfg.ts == cfg.sts) return;
+  // Analysis mode shows stored dumps: it never writes over them.
+  if (cfg.analysisMode) return;
+  const bool ends = cfg.ts == 0 || cfg.ts == cfg.latts;
+  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile)) syncViz(cfg, 1);
+  if (ends || onInterval(cfg.ts, cfg.nfig)) {
+    char path[64];
+    std::snprintf(path, sizeof path, "./figs/%08d.jpg", cfg.ts);
+    saveScreenJpeg(0, 0, cfg.screenWidth - 1, cfg.screenHeight - cfg.textHeight - cfg.textGap, path, 80, 1);
+  }
+  if (!ends && !onInterval(cfg.ts, cfg.nfile)) return;
+  writeDump(cfg, views);
+}
+
+int readDump(appConfig& cfg, fieldViews& views, int step) { return readDumpFields(cfg, views, step); }
 
 }  // namespace marv

@@ -1,0 +1,241 @@
+// Dumps: info.txt, the output schedule, bit-exact round trips, resampling on
+// another mesh, refusals that leave the fields untouched, and the XDMF files
+// read back against the raw files they describe.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <random>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "result/dumpFiles.h"
+#include "result/stepResults.h"
+#include "testSupport.h"
+
+namespace {
+
+using marv::appConfig;
+using marv::fieldViews;
+using marv::ownedArray3d;
+
+// A case's grid and its solver fields, owned here, with the views the driver
+// would hold.
+struct dumpCase {
+  appConfig cfg;
+  std::vector<ownedArray3d<double>> fields;
+  fieldViews views{};
+
+  dumpCase(int nx, int ny, int nz, double lx, double ly, double lz, int cmode = 0, int ageFlag = 0) {
+    cfg.nx = nx;
+    cfg.ny = ny;
+    cfg.nz = nz;
+    cfg.cmode = cmode;
+    cfg.ageFlag = static_cast<std::uint8_t>(ageFlag);
+    cfg.xCoord.resize(nx);
+    cfg.yCoord.resize(ny);
+    cfg.zCoord.resize(nz);
+    for (int i = 0; i < nx; ++i) cfg.xCoord[i] = i * lx / (nx - 1);
+    for (int j = 0; j < ny; ++j) cfg.yCoord[j] = j * ly / (ny - 1);
+    for (int k = 0; k < nz; ++k) cfg.zCoord[k] = nz > 1 ? k * lz / (nz - 1) : 0.0;
+    for (int v = 0; v < 12; ++v) fields.emplace_back(nx, ny, nz);
+    for (int v = 0; v < 12; ++v) views[v] = fields[v];
+  }
+  // f(view, x, y, z) into every field.
+  template <class F>
+  void set(F f) {
+    for (int v = 0; v < 12; ++v)
+      for (int k = 0; k < cfg.nz; ++k)
+        for (int j = 0; j < cfg.ny; ++j)
+          for (int i = 0; i < cfg.nx; ++i) views[v](i, j, k) = f(v, cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]);
+  }
+};
+
+std::vector<std::string> messages;
+void keepMessage(appConfig&, const char* text) { messages.push_back(text); }
+
+struct inProject {
+  std::filesystem::path folder = marvtest::scratchFolder("dump");
+  marvtest::inFolder here{folder};
+  inProject() { std::filesystem::create_directories("dump"), std::filesystem::create_directories("input"); }
+};
+
+TEST(DumpInfo, FormatAndExtentKeys) {
+  dumpCase c(3, 5, 1, 2.0, 1.0, 0.0);
+  c.cfg.deltat = 1e-3;
+  c.cfg.time = 0.25;
+  EXPECT_EQ(marv::formatDumpInfo(c.cfg),
+            "cmode:    0\ndeltat:  1.000000e-03\ntime:    2.500000e-01\nmesh:           3          5          1\n"
+            "x0-x1(m):   0.000000e+00   2.000000e+00\ny0-y1(m):   0.000000e+00   1.000000e+00\n"
+            "z0-z1(m):   0.000000e+00   0.000000e+00\n");
+  EXPECT_EQ(marv::extentKey(1.0), marv::extentKey(1.0 + 0.00004));
+  EXPECT_NE(marv::extentKey(1.0), marv::extentKey(1.001));
+  EXPECT_EQ(marv::extentKey(0.0), 0);
+  EXPECT_EQ(marv::extentKey(1e300), 2147483647) << "saturates instead of wrapping";
+}
+
+TEST(StepResults, DumpScheduleRestartAndDisabledIntervals) {
+  inProject project;
+  auto dumped = [](int step) { return std::filesystem::exists(marv::dumpFolder(step) + "/info.txt"); };
+  dumpCase c(5, 5, 1, 1.0, 1.0, 0.0);
+  c.cfg.nfile = 100;
+  c.cfg.nfig = 1000;
+  c.cfg.latts = 250;
+  for (c.cfg.ts = 0; c.cfg.ts <= 260; ++c.cfg.ts) marv::writeStepResults(c.cfg, c.views);
+  for (int s = 0; s <= 260; ++s) EXPECT_EQ(dumped(s), s == 0 || s == 100 || s == 200 || s == 250) << "at step " << s;
+  EXPECT_TRUE(std::filesystem::exists("input/viz.txt"));
+
+  std::filesystem::remove_all("dump");
+  std::filesystem::create_directory("dump");
+  c.cfg.sts = 100;
+  for (c.cfg.ts = 100; c.cfg.ts <= 250; ++c.cfg.ts) marv::writeStepResults(c.cfg, c.views);
+  EXPECT_FALSE(dumped(100)) << "a restart writes nothing at its first step";
+  EXPECT_TRUE(dumped(200));
+
+  std::filesystem::remove_all("dump");
+  std::filesystem::create_directory("dump");
+  c.cfg.sts = 0;
+  c.cfg.nfile = 0;
+  for (c.cfg.ts = 0; c.cfg.ts <= 250; ++c.cfg.ts) marv::writeStepResults(c.cfg, c.views);
+  EXPECT_TRUE(dumped(0));
+  EXPECT_TRUE(dumped(250));
+  EXPECT_FALSE(dumped(100)) << "nfile 0 turns the periodic dumps off";
+
+  std::filesystem::remove_all("dump");
+  std::filesystem::create_directory("dump");
+  c.cfg.analysisMode = 1;
+  c.cfg.ts = 0;
+  marv::writeStepResults(c.cfg, c.views);
+  EXPECT_FALSE(dumped(0)) << "Analysis mode never writes a dump";
+}
+
+TEST(Dump, RoundTripIsBitExactOnTheSameMesh) {
+  for (int nz : {1, 4}) {
+    inProject project;
+    dumpCase written(7, 3, nz, 1.5, 0.5, 0.25, 1, 1);
+    std::mt19937_64 random(nz);
+    std::uniform_real_distribution<double> value(-1e3, 1e3);
+    written.set([&](int, double, double, double) { return value(random); });
+    written.cfg.ts = 40;
+    written.cfg.time = 1.25;
+    written.cfg.deltat = 3e-4;
+    marv::writeDump(written.cfg, written.views);
+    EXPECT_FALSE(std::filesystem::exists(marv::dumpFolder(40) + "/ufld.raw.tmp"));
+
+    dumpCase read(7, 3, nz, 1.5, 0.5, 0.25, 1, 1);
+    ASSERT_EQ(marv::readDump(read.cfg, read.views, 40), 1);
+    EXPECT_EQ(read.cfg.time, 1.25);
+    EXPECT_DOUBLE_EQ(read.cfg.deltat, 3e-4);
+    for (int v : {0, 1, 2, 3, 4, 5, 6, 7}) {
+      for (int n = 0; n < read.views[v].count(); ++n)
+        ASSERT_EQ(read.views[v][n], written.views[v][n]) << "view " << v << " at n=" << n << " nz=" << nz;
+    }
+    EXPECT_EQ(read.views[8][0], 0.0) << "bc.raw is not read back";
+  }
+}
+
+TEST(Dump, ResamplesATwiceFinerMeshExactlyForLinearFields) {
+  for (int nz : {1, 5}) {
+    inProject project;
+    const int fz = nz == 1 ? 1 : 2 * nz - 1;
+    dumpCase fine(17, 9, fz, 2.0, 1.0, 0.5);
+    auto linear = [](int v, double x, double y, double z) { return v + 3.0 * x - 2.0 * y + 0.5 * z; };
+    fine.set(linear);
+    fine.cfg.ts = 7;
+    marv::writeDump(fine.cfg, fine.views);
+
+    dumpCase coarse(9, 5, nz, 2.0, 1.0, 0.5);
+    ASSERT_EQ(marv::readDump(coarse.cfg, coarse.views, 7), 1);
+    for (int k = 0; k < nz; ++k)
+      for (int j = 0; j < 5; ++j)
+        for (int i = 0; i < 9; ++i) {
+          const double expect = linear(1, coarse.cfg.xCoord[i], coarse.cfg.yCoord[j], coarse.cfg.zCoord[k]);
+          EXPECT_NEAR(coarse.views[1](i, j, k), expect, 1e-12) << "at i=" << i << " j=" << j << " k=" << k;
+        }
+  }
+}
+
+TEST(Dump, RefusalsLeaveFieldsUntouched) {
+  inProject project;
+  messages.clear();
+  dumpCase written(5, 5, 1, 1.0, 1.0, 0.0);
+  written.set([](int, double x, double, double) { return x; });
+  written.cfg.ts = 3;
+  marv::writeDump(written.cfg, written.views);
+
+  dumpCase other(5, 5, 1, 1.01, 1.0, 0.0);
+  other.cfg.showMessage = keepMessage;
+  EXPECT_EQ(marv::readDump(other.cfg, other.views, 3), -1) << "another domain size";
+  EXPECT_EQ(marv::readDump(other.cfg, other.views, 4), -1) << "no such dump";
+
+  marvtest::writeText(marv::dumpFolder(3) + "/vfld.raw", std::string(100, 'x'));
+  dumpCase read(5, 5, 1, 1.0, 1.0, 0.0);
+  read.cfg.showMessage = keepMessage;
+  read.set([](int, double, double, double) { return -7.0; });
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 3), -1) << "a short field file";
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_NE(messages[0].find("vfld.raw"), std::string::npos) << messages[0];
+  EXPECT_EQ(read.views[1](2, 2, 0), -7.0) << "nothing was read";
+
+  std::filesystem::remove(marv::dumpFolder(3) + "/vfld.raw");
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 3), 1) << "a missing file keeps its field";
+  EXPECT_EQ(read.views[2](2, 2, 0), -7.0);
+  EXPECT_EQ(read.views[1](4, 0, 0), 1.0);
+
+  marvtest::writeText(marv::dumpFolder(9) + "/info.txt",
+                      "cmode: 0\ndeltat: 1\ntime: 0\nmesh: 1 5 1\n"
+                      "x: 0 1\ny: 0 1\nz: 0 0\n");
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 9), -1) << "a single point across x";
+  marvtest::writeText(marv::dumpFolder(10) + "/info.txt", "cmode: 0\ndeltat:");
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 10), -1) << "truncated info.txt";
+  EXPECT_EQ(messages.size(), 3u);
+}
+
+TEST(Dump, ModeChangeGoesThroughResamplingAndKeepsMissingFields) {
+  inProject project;
+  dumpCase written(5, 5, 1, 1.0, 1.0, 0.0, 0, 0);
+  written.set([](int v, double x, double, double) { return v * 10.0 + x; });
+  written.cfg.ts = 0;
+  marv::writeDump(written.cfg, written.views);
+  dumpCase read(5, 5, 1, 1.0, 1.0, 0.0, 1, 1);
+  read.set([](int, double, double, double) { return -1.0; });
+  ASSERT_EQ(marv::readDump(read.cfg, read.views, 0), 1);
+  EXPECT_NEAR(read.views[1](3, 1, 0), 10.75, 1e-12);
+  EXPECT_EQ(read.views[0](3, 1, 0), -1.0) << "no density in a constant-density dump";
+  EXPECT_EQ(read.views[5](3, 1, 0), -1.0) << "no temperature either";
+  EXPECT_EQ(read.views[7](3, 1, 0), -1.0) << "no age in a dump without it";
+}
+
+// Reads the XDMF files back as a visualisation tool would: each binary data
+// item names a raw file whose size is the product of its dimensions times 8.
+TEST(Dump, XdmfFilesDescribeTheRawFiles) {
+  inProject project;
+  dumpCase c(6, 4, 3, 1.0, 1.0, 1.0);
+  for (int step : {0, 5, 10}) {
+    c.cfg.ts = step;
+    c.cfg.time = step * 0.1;
+    marv::writeDump(c.cfg, c.views);
+  }
+  const std::regex item(
+      "<DataItem Dimensions=\"(\\d+) (\\d+) (\\d+)\"[^>]*Format=\"Binary\" Endian=\"Little\">([^<]+)<");
+  auto check = [&](const std::string& xmf, const std::filesystem::path& base, int expectedItems) {
+    const std::string text = marvtest::readText(xmf);
+    int items = 0;
+    for (auto m = std::sregex_iterator(text.begin(), text.end(), item); m != std::sregex_iterator(); ++m) {
+      ++items;
+      const long long bytes = std::stoll((*m)[1]) * std::stoll((*m)[2]) * std::stoll((*m)[3]) * 8;
+      EXPECT_EQ(static_cast<long long>(std::filesystem::file_size(base / (*m)[4].str())), bytes) << (*m)[4];
+    }
+    EXPECT_EQ(items, expectedItems) << xmf;
+    return text;
+  };
+  check(marv::dumpFolder(5) + "/dump.xmf", marv::dumpFolder(5), 6);  // u v w p massfr boundary
+  const std::string series = check("dump/series.xmf", "dump", 18);
+  EXPECT_NE(series.find("CollectionType=\"Temporal\""), std::string::npos);
+  EXPECT_NE(series.find("<Time Value=\"0.5\"/>"), std::string::npos);
+  EXPECT_NE(series.find("Dimensions=\"3 4 6\""), std::string::npos) << "z, y, x order";
+}
+
+}  // namespace
