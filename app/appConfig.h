@@ -238,6 +238,7 @@ struct appConfig {
   int ts = 0;                      // step counter
   double presResidual = -1.0e10;   // last pressure change
   int presIterations = 0;          // sweeps of the last step
+  double maxCfl = 0.0;             // Courant number of the last frame
   std::string absProjPath = "./";  // last project (.history)
 
   // ---------------------------------------------------------------- colour and bitmap tables
@@ -249,7 +250,7 @@ struct appConfig {
   std::array<std::uint32_t, maxColourSlots> savedColorsCodes{};
   std::array<int, maxColourSlots> savedStretchPlane{}, savedSymmetricPlane{}, savedInverseFlag{};
   std::array<std::uint32_t, maxColourSlots> RemovedColorCodes{};
-  int numRemovedColors = 0;  // entries of RemovedColorCodes in use, at most 50
+  int numRemovedColors = 0;                                   // entries of RemovedColorCodes in use, at most 50
   std::array<choiceGroup, maxColourSlots> stretchSelectors;   // "XY" "YZ" "ZX" "OFF"
   std::array<choiceGroup, maxColourSlots> symmetrySelectors;  // "XY" "YZ" "ZX" "OFF"
   std::array<choiceGroup, maxColourSlots> inverseSelectors;   // "ON" "OFF"

@@ -3,6 +3,8 @@
 // the frame is complete.
 #include "scene/sceneView.h"
 
+#include <algorithm>
+
 #include "layer/layer.h"
 
 namespace marv {
@@ -14,7 +16,14 @@ void constructScene(sceneView& scene, appConfig& cfg, bcDomain& domain) {
 
 void setUpScene(sceneView&, appConfig&) {}
 
-void drawFrame(sceneView&, appConfig& cfg, fieldViews&, int) { cfg.drawEndMs = nowMs(); }
+void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int) {
+  // The statistics come first: the adaptive time step of the coming solve
+  // is taken from this frame's peaks.
+  scene.stats = scanVelocity(views[1], views[2], views[3]);
+  if (cfg.fixedDeltat == 0 && cfg.ts >= 10) cfg.deltat = adaptiveDeltat(cfg.cfl, cfg.dx, cfg.dy, scene.stats);
+  cfg.maxCfl = cfg.deltat * std::max(scene.stats.peakU / cfg.dx, scene.stats.peakV / cfg.dy);
+  cfg.drawEndMs = nowMs();
+}
 
 void destroyScene(sceneView& scene) { scene = sceneView{}; }
 

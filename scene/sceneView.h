@@ -7,6 +7,7 @@
 
 #include "app/appConfig.h"
 #include "domain/bcDomain.h"
+#include "scene/velocityStatistics.h"
 #include "solver/array3d.h"
 
 namespace marv {
@@ -16,6 +17,7 @@ using fieldViews = std::array<array3d<double>, 12>;
 struct sceneView {
   appConfig* cfg = nullptr;    // the pass's record, not owned
   bcDomain* domain = nullptr;  // not owned
+  velocityStatistics stats;    // of the last frame
 };
 
 void constructScene(sceneView& scene, appConfig& cfg, bcDomain& domain);

@@ -1,0 +1,36 @@
+// The frame's velocity statistics and the adaptive time step taken from them.
+#include <gtest/gtest.h>
+
+#include "scene/velocityStatistics.h"
+
+namespace {
+
+using marv::ownedArray3d;
+
+TEST(VelocityStatistics, PeaksSpeedsAndAdaptiveStep) {
+  ownedArray3d<double> u(3, 2, 1), v(3, 2, 1), w;
+  u(0, 0, 0) = -4.0;
+  u(2, 1, 0) = 3.0;
+  v(1, 1, 0) = 0.5;
+  const marv::velocityStatistics s = marv::scanVelocity(u, v, w);
+  EXPECT_DOUBLE_EQ(s.peakU, 4.0) << "the negative extreme counts by magnitude";
+  EXPECT_DOUBLE_EQ(s.peakV, 0.5);
+  EXPECT_DOUBLE_EQ(s.peakW, 0.0) << "an empty w counts as 0";
+  EXPECT_DOUBLE_EQ(s.maxSpeed, 4.0);
+  EXPECT_DOUBLE_EQ(s.minSpeed, 0.0);
+  EXPECT_DOUBLE_EQ(marv::adaptiveDeltat(0.25, 0.1, 0.2, s), 0.25 * std::min(0.1 / 4.0, 0.2 / 0.5));
+
+  ownedArray3d<double> still(4, 4, 4);
+  const marv::velocityStatistics calm = marv::scanVelocity(still, still, still);
+  EXPECT_DOUBLE_EQ(calm.minSpeed, 0.0) << "equal extremes: half of the largest";
+  EXPECT_DOUBLE_EQ(marv::adaptiveDeltat(0.25, 0.1, 0.2, calm), 0.25 * 1e5 * 0.1) << "still fluid";
+}
+
+TEST(VelocityStatistics, ValuesAreRoundedToSinglePrecision) {
+  ownedArray3d<double> u(1, 1, 1), v(1, 1, 1), w(1, 1, 1);
+  u(0, 0, 0) = 1.0 + 1e-12;
+  const marv::velocityStatistics s = marv::scanVelocity(u, v, w);
+  EXPECT_EQ(s.peakU, 1.0);
+}
+
+}  // namespace
