@@ -1,5 +1,5 @@
-// Solver construction by cmode. The flow solvers are not part of this build
-// yet, so a run steps time without advancing any field.
+// Solver construction by cmode. The two time steps are not part of this
+// build yet, so a run steps time without advancing any field.
 #include "solver/solverCommon.h"
 
 namespace marv {

@@ -1,0 +1,146 @@
+// The boundary stage: at the end of every time step the lists prepared by
+// the domain build overwrite the nodes they own, in the staircase form (ibm
+// = 0: walls are solid nodes) or the immersed form (ibm = 1: ghost nodes
+// take values through their image points inside the fluid). The list walks
+// are not divided among threads: one thread runs them between two barriers,
+// so their result is that of one ordered pass; the mean removal is
+// collective.
+#include "domain/gridSampling.h"
+#include "solver/solverCommon.h"
+
+namespace marv {
+
+namespace {
+
+// Field value at the image point of node at.
+double imageSample(const bcDomain& bc, const array3d<double>& q, int at) {
+  return sampleField(*bc.cfg, bc.imageX.data[at], bc.imageY.data[at], bc.imageZ.data[at], q);
+}
+
+// q(target) = q(source) for every pair: a zero normal gradient on every
+// outer plane. Later pairs win on edges and corners (z over y over x).
+void copyEdges(const bcDomain& bc, const array3d<double>& q) {
+  double* f = q.data;
+  for (const edgePair& e : bc.edgePairs) f[e.at] = f[e.from];
+}
+
+// Zero gradient at a solid node: its six neighbours +x, -x, +y, -y, +z, -z,
+// each clamped to the grid, in that order; every fluid neighbour overwrites
+// q, so the last one decides, and a node with none keeps its value.
+void copyFluidNeighbour(const bcDomain& bc, const array3d<double>& q, const cellNode& c) {
+  const array3d<int>& flag = bc.bcFlag;
+  const int nx = flag.nx, ny = flag.ny, nz = flag.nz, nxy = flag.nxy;
+  const int xp = c.i + 1 < nx ? c.i + 1 : nx - 1, xm = c.i > 0 ? c.i - 1 : 0;
+  const int yp = c.j + 1 < ny ? c.j + 1 : ny - 1, ym = c.j > 0 ? c.j - 1 : 0;
+  const int zp = c.k + 1 < nz ? c.k + 1 : nz - 1, zm = c.k > 0 ? c.k - 1 : 0;
+  const int row = nx * c.j + nxy * c.k;
+  const int around[6] = {xp + row,
+                         xm + row,
+                         c.i + nx * yp + nxy * c.k,
+                         c.i + nx * ym + nxy * c.k,
+                         c.i + nx * c.j + nxy * zp,
+                         c.i + nx * c.j + nxy * zm};
+  for (int n : around)
+    if (flag.data[n] == fluidType) q.data[c.at] = q.data[n];
+}
+
+}  // namespace
+
+void applyVelocity(const bcDomain& bc, const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
+  const appConfig& cfg = *bc.cfg;
+  for (const edgePair& e : bc.edgePairs) {
+    u.data[e.at] = u.data[e.from];
+    v.data[e.at] = v.data[e.from];
+    w.data[e.at] = w.data[e.from];
+  }
+  if (cfg.ibm != 1) {
+    // Staircase: no slip on walls; inlets impose their fixed components,
+    // u = (1 - fixU)*u + fixU*U, so a free component keeps what the copy gave.
+    for (const cellNode& c : bc.wallCells) u.data[c.at] = v.data[c.at] = w.data[c.at] = 0.0;
+    for (const cellNode& c : bc.inletCells) {
+      const int t = c.type;
+      u.data[c.at] = (1.0 - cfg.bcFixU[t]) * u.data[c.at] + cfg.bcFixU[t] * cfg.bcU[t];
+      v.data[c.at] = (1.0 - cfg.bcFixV[t]) * v.data[c.at] + cfg.bcFixV[t] * cfg.bcV[t];
+      w.data[c.at] = (1.0 - cfg.bcFixW[t]) * w.data[c.at] + cfg.bcFixW[t] * cfg.bcW[t];
+    }
+    return;
+  }
+  // Immersed: a ghost node gets u = (0 - S(u))*0.5 + 0, half the mirror
+  // value; wall nodes on the outer planes are held at 0; an inlet ghost gets
+  // B = (2U - S(u))*0.5 + 0.5U in its fixed components.
+  for (const cellNode& c : bc.wallCells) {
+    u.data[c.at] = (0.0 - imageSample(bc, u, c.at)) * 0.5 + 0.0;
+    v.data[c.at] = (0.0 - imageSample(bc, v, c.at)) * 0.5 + 0.0;
+    w.data[c.at] = (0.0 - imageSample(bc, w, c.at)) * 0.5 + 0.0;
+  }
+  for (const cellNode& c : bc.faceWallCells) u.data[c.at] = v.data[c.at] = w.data[c.at] = 0.0;
+  for (const cellNode& c : bc.inletCells) {
+    const int t = c.type;
+    const double bu = (2.0 * cfg.bcU[t] - imageSample(bc, u, c.at)) * 0.5 + 0.5 * cfg.bcU[t];
+    const double bv = (2.0 * cfg.bcV[t] - imageSample(bc, v, c.at)) * 0.5 + 0.5 * cfg.bcV[t];
+    const double bw = (2.0 * cfg.bcW[t] - imageSample(bc, w, c.at)) * 0.5 + 0.5 * cfg.bcW[t];
+    u.data[c.at] = cfg.bcFixU[t] * bu + (1.0 - cfg.bcFixU[t]) * u.data[c.at];
+    v.data[c.at] = cfg.bcFixV[t] * bv + (1.0 - cfg.bcFixV[t]) * v.data[c.at];
+    w.data[c.at] = cfg.bcFixW[t] * bw + (1.0 - cfg.bcFixW[t]) * w.data[c.at];
+  }
+}
+
+void applyScalar(const bcDomain& bc, const array3d<double>& q, const std::array<double, numColourTypes>& values,
+                 const cellList& cells) {
+  copyEdges(bc, q);
+  if (bc.cfg->ibm != 1) {
+    for (const cellNode& c : cells) {
+      const double value = values[c.type];
+      if (value != 0.0)
+        q.data[c.at] = value;
+      else
+        copyFluidNeighbour(bc, q, c);
+    }
+    return;
+  }
+  // Immersed: a fixed value V enters as (2V - S(q))*0.5 + 0.5V; V = 0 is
+  // adiabatic and mirrors the image value.
+  for (const cellNode& c : cells) {
+    const double value = values[c.type];
+    const double image = imageSample(bc, q, c.at);
+    q.data[c.at] = value != 0.0 ? (2.0 * value - image) * 0.5 + 0.5 * value : image;
+  }
+}
+
+void setScalar(const array3d<double>& q, const std::array<double, numColourTypes>& values, const cellList& cells) {
+  for (const cellNode& c : cells) q.data[c.at] = values[c.type];
+}
+
+void applyPressure(const bcDomain& bc, const array3d<double>& p) {
+  copyEdges(bc, p);
+  if (bc.cfg->openPresFlag == 1)
+    for (const cellNode& c : bc.openCells) p.data[c.at] = 0.0;
+  if (bc.cfg->ibm != 1) {
+    for (const cellNode& c : bc.wallCells) copyFluidNeighbour(bc, p, c);
+  } else {
+    for (const cellNode& c : bc.wallCells) p.data[c.at] = imageSample(bc, p, c.at);
+  }
+}
+
+// Part of the constant-density step: velocity, mass fraction and pressure
+// walks on one thread, then the mean removal on all, then the age walks.
+void solverCommon::boundaryStage(int t) {
+  const appConfig& c = *cfg;
+  teamSingle([&] {
+    applyVelocity(*bc, ufld, vfld, wfld);
+    if (c.speciesFlag) applyScalar(*bc, yfld, c.bcMassfr, bc->massfrCells);
+    applyPressure(*bc, pfld);
+  });
+  if (c.presAdjustFlag) {
+    const double mean = meanPressure(t, c.numThreads);
+    removeMean(pfld, mean, t);
+  }
+  if (c.ageFlag) {
+    teamSingle([&] {
+      applyScalar(*bc, afld, c.bcAge, bc->ageWallCells);
+      setScalar(afld, c.bcAge, bc->ageInletCells);
+    });
+  }
+}
+
+}  // namespace marv

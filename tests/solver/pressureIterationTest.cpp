@@ -1,0 +1,240 @@
+// The pressure iteration: convergence on a manufactured Poisson problem with
+// 1 and 2 threads, the rules of the test every 20 sweeps, the
+// under-relaxation, and the mean removal.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <tuple>
+
+#include "domain/bcDomain.h"
+#include "solver/solverCommon.h"
+#include "tests/testGrid.h"
+
+namespace marv {
+namespace {
+
+// A solver whose step is the pressure iteration alone.
+class pressureOnly : public solverCommon {
+ public:
+  using solverCommon::solverCommon;
+  void step() override {
+    runStep([&](int t) { solvePressure(t); });
+  }
+  // relaxPressure(pfld, pOld) on every thread.
+  void relaxOnTeam() {
+    runStep([&](int t) { relaxPressure(pfld, convZ, t); });
+  }
+  // One collective mean removal on all threads; returns the mean found.
+  double removeMeanOnTeam() {
+    double found = 0.0;
+    runStep([&](int t) {
+      const double mean = meanPressure(t, cfg->numThreads);
+      removeMean(pfld, mean, t);
+      if (t == 0) found = mean;
+    });
+    return found;
+  }
+};
+
+// p = x^2 + y^2 (+ z^2): the seven-point Laplacian of a quadratic is exact,
+// so the discrete solution is this field itself.
+double exact(double x, double y, double z) { return x * x + y * y + z * z; }
+
+struct poissonCase {
+  appConfig cfg;
+  bcDomain domain;
+  std::unique_ptr<pressureOnly> solver;
+  // Grid n x n (x nz), tiles npx x npy x npz; boundary nodes hold the exact
+  // solution, interior nodes start at 0, ppeRhs = 4 (6 in three dimensions).
+  poissonCase(int n, int nz, int npx, int npy, int npz) {
+    testing::setGrid(cfg, n, n, nz, 1.0, 1.0, 1.0);
+    testing::setTiles(cfg, npx, npy, npz);
+    cfg.presw = 1.0;
+    constructDomain(domain, cfg);
+    solver = std::make_unique<pressureOnly>(cfg, domain);
+    for (int k = 0; k < nz; ++k)
+      for (int j = 0; j < n; ++j)
+        for (int i = 0; i < n; ++i) {
+          const bool inner = i > 0 && i < n - 1 && j > 0 && j < n - 1 && (nz == 1 || (k > 0 && k < nz - 1));
+          solver->pfld(i, j, k) = inner ? 0.0 : exact(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]);
+          solver->tau11(i, j, k) = nz == 1 ? 4.0 : 6.0;
+        }
+  }
+  double maxError() const {
+    double worst = 0.0;
+    for (int k = 0; k < cfg.nz; ++k)
+      for (int j = 0; j < cfg.ny; ++j)
+        for (int i = 0; i < cfg.nx; ++i)
+          worst =
+              std::fmax(worst, std::fabs(solver->pfld(i, j, k) - exact(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k])));
+    return worst;
+  }
+};
+
+// The same test body with one thread and with two, split along each axis.
+const std::tuple<int, int, int> layouts2D[] = {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}};
+const std::tuple<int, int, int> layouts3D[] = {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}};
+
+std::string label(int n, int nz, const std::tuple<int, int, int>& l) {
+  return " at n=" + std::to_string(n) + " nz=" + std::to_string(nz) + " tiles " + std::to_string(std::get<0>(l)) + "x" +
+         std::to_string(std::get<1>(l)) + "x" + std::to_string(std::get<2>(l));
+}
+
+TEST(PressureIteration, ManufacturedPoissonConvergesWithOneAndTwoThreads) {
+  for (int n : {3, 7, 16, 17, 65})
+    for (const auto& l : layouts2D) {
+      poissonCase c(n, 1, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+      c.cfg.peps = 1e-13, c.cfg.loopmax = 20000;
+      c.solver->step();
+      EXPECT_TRUE(c.solver->converged) << label(n, 1, l);
+      EXPECT_EQ(c.cfg.presIterations % 20, 0) << label(n, 1, l);
+      EXPECT_LT(c.cfg.presResidual, 1e-13) << label(n, 1, l);
+      EXPECT_LT(c.maxError(), 1e-9) << label(n, 1, l);
+    }
+  for (int n : {3, 7, 17})
+    for (const auto& l : layouts3D) {
+      poissonCase c(n, n, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+      c.cfg.peps = 1e-13, c.cfg.loopmax = 20000;
+      c.solver->step();
+      EXPECT_TRUE(c.solver->converged) << label(n, n, l);
+      EXPECT_LT(c.maxError(), 1e-9) << label(n, n, l);
+    }
+}
+
+// One thread against the iteration written out plainly: the lexicographic
+// in-place sweep and the test of sweeps 0, 20, ...
+TEST(PressureIteration, OneThreadFollowsThePlainLexicographicSweep) {
+  for (int nz : {1, 9}) {  // dx = dy = dz
+    poissonCase c(9, nz, 1, 1, 1);
+    c.cfg.peps = 0.0;  // never met: the iteration runs to loopmax
+    c.cfg.loopmax = 41;
+    c.cfg.omega = 1.6;
+    const appConfig& g = c.cfg;
+    ownedArray3d<double> ref(9, 9, nz), prev(9, 9, nz);
+    copyFrom(ref, c.solver->pfld);
+    copyFrom(prev, c.solver->pfld);
+    const double ax = 1 / g.dx / g.dx, ay = 1 / g.dy / g.dy, az = nz > 1 ? 1 / g.dz / g.dz : 0.0;
+    const double d2 = g.dx * g.dx;  // dx = dy = dz here
+    const double relax = g.omega * 0.5 * d2 / (nz > 1 ? 3.0 : 2.0);
+    double residual = 0.0;
+    for (int sweep = 0; sweep < 41; ++sweep) {
+      for (int k = nz > 1 ? 1 : 0; k < (nz > 1 ? nz - 1 : 1); ++k)
+        for (int j = 1; j < 8; ++j)
+          for (int i = 1; i < 8; ++i) {
+            const double zs = nz > 1 ? ref(i, j, k + 1) + ref(i, j, k - 1) : 0.0;
+            ref(i, j, k) = relax * (ax * (ref(i + 1, j, k) + ref(i - 1, j, k)) +
+                                    ay * (ref(i, j + 1, k) + ref(i, j - 1, k)) + az * zs - c.solver->tau11(i, j, k)) +
+                           (1.0 - g.omega) * ref(i, j, k);
+          }
+      if (sweep % 20 == 0) {
+        residual = 0.0;
+        for (int n = 0; n < ref.count(); ++n)
+          residual = std::fmax(residual, std::fabs(ref[n] - prev[n])), prev[n] = ref[n];
+      }
+    }
+    c.solver->step();
+    EXPECT_EQ(c.cfg.presIterations, 41) << " at nz=" << nz;
+    EXPECT_EQ(c.solver->sweepCount, 41) << " at nz=" << nz;
+    EXPECT_NEAR(c.cfg.presResidual, residual, 1e-12 * residual) << " at nz=" << nz;
+    for (int n = 0; n < ref.count(); ++n)
+      ASSERT_NEAR(c.solver->pfld[n], ref[n], 1e-12 * (1.0 + std::fabs(ref[n]))) << " at nz=" << nz << " n=" << n;
+  }
+}
+
+TEST(PressureIteration, TestsFallOnEveryTwentiethSweepAndTheComparisonIsStrict) {
+  // A field that already solves the equation converges at the test of sweep 0.
+  poissonCase solved(7, 1, 1, 1, 1);
+  for (int j = 1; j < 6; ++j)
+    for (int i = 1; i < 6; ++i) solved.solver->pfld(i, j, 0) = exact(solved.cfg.xCoord[i], solved.cfg.yCoord[j], 0.0);
+  solved.solver->step();
+  EXPECT_EQ(solved.cfg.presIterations, 0);
+  EXPECT_EQ(solved.solver->sweepCount, 1);
+
+  // The residual after sweep 0, with a tolerance equal to it and one just above.
+  poissonCase probe(7, 1, 1, 1, 1);
+  probe.cfg.peps = 0.0, probe.cfg.loopmax = 1;
+  probe.solver->step();
+  const double r0 = probe.cfg.presResidual;
+  ASSERT_GT(r0, 0.0);
+  for (double peps : {r0, std::nextafter(r0, 1.0)}) {
+    poissonCase c(7, 1, 1, 1, 1);
+    c.cfg.peps = peps, c.cfg.loopmax = 20;
+    c.solver->step();
+    EXPECT_EQ(c.cfg.presIterations, peps > r0 ? 0 : 20) << " at peps=" << peps;
+    EXPECT_EQ(c.solver->sweepCount, peps > r0 ? 1 : 20) << " at peps=" << peps;
+  }
+
+  // A tolerance met only after sweep 0 is found at sweep 20, not before.
+  poissonCase late(17, 1, 1, 1, 1);
+  late.cfg.peps = r0 * 1e-3, late.cfg.loopmax = 21;
+  late.solver->step();
+  EXPECT_TRUE(late.cfg.presIterations == 20 || late.cfg.presIterations == 21) << late.cfg.presIterations;
+
+  // loopmax = 0 touches nothing.
+  poissonCase none(7, 1, 1, 1, 1);
+  none.cfg.loopmax = 0, none.cfg.presResidual = 123.0, none.cfg.presIterations = 77;
+  none.solver->step();
+  EXPECT_EQ(none.cfg.presResidual, 123.0);
+  EXPECT_EQ(none.cfg.presIterations, 77);
+  EXPECT_EQ(none.solver->pfld(3, 3, 0), 0.0);
+}
+
+TEST(PressureIteration, UnderRelaxationAveragesInteriorNodesWithTheOldPressure) {
+  // A whole iteration on one thread, with and without relaxation.
+  poissonCase full(16, 1, 1, 1, 1), half(16, 1, 1, 1, 1);
+  for (poissonCase* c : {&full, &half}) {
+    for (int n = 0; n < c->solver->pfld.count(); ++n) c->solver->pfld[n] += 1.0;  // old pressure 1 inside
+    c->cfg.loopmax = 20;
+  }
+  half.cfg.presRelax = 0.5f;
+  full.solver->step();
+  half.solver->step();
+  for (int j = 0; j < 16; ++j)
+    for (int i = 0; i < 16; ++i) {
+      const bool inner = i > 0 && i < 15 && j > 0 && j < 15;
+      const double expected = inner ? 0.5 * full.solver->pfld(i, j, 0) + 0.5 : full.solver->pfld(i, j, 0);
+      ASSERT_DOUBLE_EQ(half.solver->pfld(i, j, 0), expected) << " at i=" << i << " j=" << j;
+    }
+  // The operation alone on every tile layout: interior nodes only.
+  for (const auto& l : layouts3D) {
+    poissonCase c(7, 7, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+    c.cfg.presRelax = 0.25f;
+    for (int n = 0; n < c.solver->pfld.count(); ++n) c.solver->pfld[n] = 8.0, c.solver->convZ[n] = 4.0;
+    c.solver->relaxOnTeam();
+    for (int k = 0; k < 7; ++k)
+      for (int j = 0; j < 7; ++j)
+        for (int i = 0; i < 7; ++i) {
+          const bool inner = i % 6 && j % 6 && k % 6;
+          ASSERT_EQ(c.solver->pfld(i, j, k), inner ? 5.0 : 8.0)
+              << label(7, 7, l) << " i=" << i << " j=" << j << " k=" << k;
+        }
+  }
+}
+
+TEST(PressureIteration, MeanRemovalOverAllNodesWithOneAndTwoThreads) {
+  for (int nz : {1, 7})
+    for (const auto& l : nz == 1 ? std::vector(std::begin(layouts2D), std::end(layouts2D))
+                                 : std::vector(std::begin(layouts3D), std::end(layouts3D))) {
+      poissonCase c(17, nz, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+      long double sum = 0.0L;
+      for (int n = 0; n < c.solver->pfld.count(); ++n) {
+        c.solver->pfld[n] = std::sin(0.37 * n) + 3.0;
+        sum += c.solver->pfld[n];
+      }
+      const double mean = static_cast<double>(sum / c.solver->pfld.count());
+      EXPECT_NEAR(c.solver->removeMeanOnTeam(), mean, 1e-14) << label(17, nz, l);
+      double after = 0.0;
+      for (int n = 0; n < c.solver->pfld.count(); ++n) after += c.solver->pfld[n];
+      EXPECT_NEAR(after, 0.0, 1e-10) << label(17, nz, l);
+      EXPECT_NEAR(c.solver->pfld[5], std::sin(0.37 * 5) + 3.0 - mean, 1e-14) << label(17, nz, l);
+      c.cfg.presAdjustFlag = 0;
+      c.solver->pfld[5] = 1.0;
+      c.solver->removeMeanOnTeam();
+      EXPECT_EQ(c.solver->pfld[5], 1.0) << " unchanged without presAdjustFlag" << label(17, nz, l);
+    }
+}
+
+}  // namespace
+}  // namespace marv
