@@ -1,9 +1,15 @@
-// Solver construction by cmode. The two time steps are not part of this
-// build yet, so a run steps time without advancing any field.
-#include "solver/solverCommon.h"
+// Solver construction by cmode, with the initial fields of a fresh run.
+#include "solver/incompSolver.h"
 
 namespace marv {
 
-std::unique_ptr<solverCommon> makeSolver(appConfig&, bcDomain&) { return nullptr; }
+std::unique_ptr<solverCommon> makeSolver(appConfig& cfg, bcDomain& domain) {
+  if (cfg.cmode == 0) {
+    auto solver = std::make_unique<incompSolver>(cfg, domain);
+    setInitialFields(*solver);
+    return solver;
+  }
+  return nullptr;
+}
 
 }  // namespace marv
