@@ -10,6 +10,7 @@
 
 #include "domain/bcDomain.h"
 #include "domain/bmpTxt.h"
+#include "domain/nodeLists.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
 #include "project/parameterFile.h"
@@ -292,6 +293,9 @@ int runPass(const passStages& stages, driverState& state) {
       }
       writeParameterFile(editor, cfg.version);
     }
+    // Final domain construction: the node lists from the boundary types.
+    buildNodeLists(domain, cfg);
+    buildSolidMask(domain, cfg);
     state.stepsTaken = 0;
     const int ran = runLoop(stages, state, cfg, scene, input, panel, domain);
     state.endTime = cfg.time;
