@@ -1,5 +1,6 @@
 // Solver construction by cmode, with the initial fields of a fresh run.
 #include "solver/incompSolver.h"
+#include "solver/incompSolverThermo.h"
 
 namespace marv {
 
@@ -9,6 +10,7 @@ std::unique_ptr<solverCommon> makeSolver(appConfig& cfg, bcDomain& domain) {
     setInitialFields(*solver);
     return solver;
   }
+  if (cfg.cmode == 1) return std::make_unique<incompSolverThermo>(cfg, domain);
   return nullptr;
 }
 

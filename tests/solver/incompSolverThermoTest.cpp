@@ -1,0 +1,121 @@
+// The variable-density time step: a uniform field at rest stays at rest
+// under a body force, warm gas rises, the step reduces to the constant-density
+// one at uniform temperature, and the heated cavity develops its circulation.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tests/solver/cavityCase.h"
+#include "tests/solver/thermoCase.h"
+
+namespace marv {
+namespace {
+
+struct thermoBox {
+  appConfig cfg;
+  bcDomain domain;
+  std::unique_ptr<incompSolverThermo> solver;
+  thermoBox(int nx, int ny, int nz) {
+    testing::setGrid(cfg, nx, ny, nz);
+    testing::setTiles(cfg, 1, 1, 1);
+    cfg.cmode = 1;
+    cfg.ibm = 0;
+    cfg.mu = 1e-3;
+    cfg.deltat = 1e-3;
+    cfg.rhow = cfg.presw * cfg.molarMass / cfg.gasConstant / cfg.tempw;
+    setColourTables(cfg);
+    cfg.bcTypePresent = {0, 1, 0, 0, 0, 0, 0, 0, 0, 0};
+    constructDomain(domain, cfg);
+  }
+  void walls() {
+    for (int k = 0; k < cfg.nz; ++k)
+      for (int j = 0; j < cfg.ny; ++j)
+        for (int i = 0; i < cfg.nx; ++i) {
+          const bool edge =
+              i == 0 || j == 0 || i == cfg.nx - 1 || j == cfg.ny - 1 || (cfg.nz > 1 && (k == 0 || k == cfg.nz - 1));
+          domain.bcFlag(i, j, k) = edge ? 1 : 0;
+        }
+  }
+  void start() {
+    buildNodeLists(domain, cfg);
+    solver = std::make_unique<incompSolverThermo>(cfg, domain);
+  }
+};
+
+TEST(IncompSolverThermo, UniformGasAtRestStaysAtRestUnderABodyForce) {
+  for (int nz : {1, 5}) {
+    thermoBox b(7, 6, nz);
+    b.cfg.gfx = 3.0;
+    b.cfg.gfy = -9.8;
+    b.start();
+    EXPECT_EQ(b.solver->rfld(2, 2, 0), b.cfg.rhow) << "the density of the initial field is rhow";
+    for (int s = 0; s < 20; ++s) b.solver->step();
+    for (int n = 0; n < b.solver->ufld.count(); ++n) {
+      // gfx (1 - rhow/rho) vanishes up to the rounding of rhow/rho.
+      ASSERT_NEAR(b.solver->ufld[n], 0.0, 1e-14) << "nz=" << nz << " at n=" << n;
+      ASSERT_NEAR(b.solver->vfld[n], 0.0, 1e-14) << "nz=" << nz << " at n=" << n;
+      ASSERT_EQ(b.solver->tfld[n], b.cfg.tempw) << "nz=" << nz << " at n=" << n;
+    }
+  }
+}
+
+TEST(IncompSolverThermo, WarmGasRisesAndCoolGasSinks) {
+  thermoBox b(21, 21, 1);
+  b.cfg.gfy = -9.8;
+  b.cfg.tempwallk = 0.0;  // adiabatic walls
+  setColourTables(b.cfg);
+  b.walls();
+  b.start();
+  for (int j = 0; j < 21; ++j)
+    for (int i = 0; i < 21; ++i) {
+      const double r2 = (i - 6) * (i - 6) + (j - 10) * (j - 10), q2 = (i - 14) * (i - 14) + (j - 10) * (j - 10);
+      b.solver->tfld(i, j, 0) = 300.0 + 10.0 * std::exp(-r2 / 4.0) - 10.0 * std::exp(-q2 / 4.0);
+    }
+  b.solver->densityFromTemperatureAll(b.solver->rfld, b.solver->tfld);
+  EXPECT_LT(b.solver->rfld(6, 10, 0), b.cfg.rhow);
+  for (int s = 0; s < 100; ++s) b.solver->step();
+  EXPECT_GT(b.solver->vfld(6, 10, 0), 1e-3) << "the warm blob rises";
+  EXPECT_LT(b.solver->vfld(14, 10, 0), -1e-3) << "the cool blob sinks";
+  EXPECT_NEAR(b.solver->vfld(6, 10, 0), -b.solver->vfld(14, 10, 0), 0.05 * b.solver->vfld(6, 10, 0))
+      << "nearly mirror images at a small temperature difference";
+}
+
+// At uniform temperature and without a body force the variable-density step
+// is the constant-density one with rho = rhow, up to round-off.
+TEST(IncompSolverThermo, UniformTemperatureReducesToConstantDensity) {
+  testing::cavityCase reference(17, 100.0);
+  thermoBox b(17, 17, 1);
+  b.cfg.mu = reference.cfg.mu * b.cfg.rhow;  // the same kinematic viscosity
+  b.cfg.uinb = 1.0;
+  b.cfg.peps = reference.cfg.peps;
+  b.cfg.loopmax = reference.cfg.loopmax;
+  b.cfg.tempwallk = b.cfg.tempb = b.cfg.tempw;
+  setColourTables(b.cfg);
+  b.cfg.bcTypePresent = reference.cfg.bcTypePresent;
+  for (int j = 0; j < 17; ++j)
+    for (int i = 0; i < 17; ++i) b.domain.bcFlag(i, j, 0) = reference.domain.bcFlag(i, j, 0);
+  b.start();
+  reference.cfg.deltat = b.cfg.deltat = 2e-3;
+  for (int s = 0; s < 200; ++s) {
+    reference.solver->step();
+    b.solver->step();
+  }
+  for (int j = 0; j < 17; ++j)
+    for (int i = 0; i < 17; ++i) {
+      ASSERT_NEAR(b.solver->ufld(i, j, 0), reference.solver->ufld(i, j, 0), 1e-9) << "at i=" << i << " j=" << j;
+      ASSERT_NEAR(b.solver->vfld(i, j, 0), reference.solver->vfld(i, j, 0), 1e-9) << "at i=" << i << " j=" << j;
+    }
+}
+
+TEST(IncompSolverThermo, HeatedCavityCirculatesAndTransfersHeat) {
+  testing::heatedCavity c(17, 1e4, 0.71);
+  for (int s = 0; s < 400; ++s) c.advance();
+  EXPECT_GT(c.solver->vfld(2, 8, 0), 0.0) << "up along the hot wall";
+  EXPECT_LT(c.solver->vfld(14, 8, 0), 0.0) << "down along the cold wall";
+  EXPECT_GT(c.hotWallNusselt(), 1.0) << "more than conduction alone";
+  EXPECT_EQ(c.solver->tfld(0, 8, 0), c.hot);
+  EXPECT_EQ(c.solver->tfld(16, 8, 0), c.cold);
+}
+
+}  // namespace
+}  // namespace marv
