@@ -47,11 +47,11 @@ inline void storeNode(double* p, int c, double value) {
 
 // The sweep's grid constants, relax folded into the neighbour weights.
 struct sweepConstants {
-  double rax = 0.0;    // relax*ax [1/m^2 * m^2]
-  double ray = 0.0;    // relax*ay
-  double raz = 0.0;    // relax*az, 0 in two dimensions
+  double rax = 0.0;    // relax*ax [1]
+  double ray = 0.0;    // relax*ay [1]
+  double raz = 0.0;    // relax*az, 0 in two dimensions [1]
   double relax = 0.0;  // omega over the sum of the stencil weights [m^2]
-  double keep = 0.0;   // 1 - omega
+  double keep = 0.0;   // 1 - omega [1]
   int nx = 0;          // stride of j
   int nxy = 0;         // stride of k
 };
@@ -108,7 +108,10 @@ void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepCon
       }
       double west = lowI ? loadNode<true>(p, c0 - 1) : p[c0 - 1];
       int a = c0;
-      if (lowI) west = sweepStretch<ThreeD, true>(p, rhs, a, a + 1, west, s), ++a;
+      if (lowI) {
+        west = sweepStretch<ThreeD, true>(p, rhs, a, a + 1, west, s);
+        ++a;
+      }
       const int b = highI && a < c1 ? c1 - 1 : c1;
       west = sweepStretch<ThreeD, false>(p, rhs, a, b, west, s);
       if (b < c1) sweepStretch<ThreeD, true>(p, rhs, b, c1, west, s);

@@ -73,14 +73,6 @@ TEST(GridSampling, PointsOutsideTheGridReadZeroAndLessThanACellBelowExtrapolates
   EXPECT_NEAR(sampleFieldPlane(cfg, -0.1, 0.5, f), linear(-0.1, 0.5, 0.0), 1e-12);
 }
 
-TEST(GridSampling, TwoDimensionalFieldsUsePlaneZeroOnly) {
-  appConfig cfg;
-  testing::setGrid(cfg, 4, 3, 1, 3.0, 2.0);
-  ownedArray3d<double> f = linearField<double>(cfg);
-  EXPECT_NEAR(sampleField(cfg, 1.5, 0.5, 0.7, f), linear(1.5, 0.5, 0.0), 1e-12);  // z inside the one cell dz = 1
-  EXPECT_EQ(sampleField(cfg, 1.5, 0.5, 1.0, f), 0.0);                             // index 1 of an axis of one node
-}
-
 TEST(GridSampling, OnGridTakesItsSpacingFromTheCoordinateArrays) {
   const double xs[4] = {10.0, 10.5, 11.0, 11.5}, ys[3] = {-1.0, 0.0, 1.0}, zs[1] = {0.0};
   ownedArray3d<double> f(4, 3, 1);

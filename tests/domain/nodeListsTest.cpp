@@ -2,6 +2,7 @@
 // enter each list, in which order, and how often.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -22,9 +23,9 @@ std::vector<ijk> indicesOf(const cellList& list) {
 }
 
 std::string show(const std::vector<ijk>& v) {
-  std::string s;
-  for (auto [i, j, k] : v) s += "(" + std::to_string(i) + "," + std::to_string(j) + "," + std::to_string(k) + ")";
-  return s;
+  std::ostringstream s;
+  for (auto [i, j, k] : v) s << "(" << i << "," << j << "," << k << ")";
+  return s.str();
 }
 
 // A domain of the given size, all fluid, with presets: Black and Non-Preset
@@ -46,18 +47,6 @@ struct listCase {
   }
   void set(int i, int j, int k, int t) { domain.bcFlag(i, j, k) = t; }
 };
-
-TEST(NodeLists, EveryNodeCheckIsAgainstItsOwnFlatIndex) {
-  listCase c(4, 3, 2);
-  for (int n = 0; n < c.domain.bcFlag.count(); ++n) c.domain.bcFlag[n] = 1 + n % 9;
-  buildNodeLists(c.domain, c.cfg);
-  for (const cellList* list : {&c.domain.wallCells, &c.domain.faceWallCells, &c.domain.inletCells}) {
-    for (const cellNode& e : *list) {
-      ASSERT_EQ(e.at, e.i + 4 * e.j + 12 * e.k) << " at " << show({{e.i, e.j, e.k}});
-      ASSERT_EQ(e.type, c.domain.bcFlag[e.at]) << " at " << show({{e.i, e.j, e.k}});
-    }
-  }
-}
 
 TEST(NodeLists, WallCellsRunByTypeThenKJIAndHonourPresenceNoFlowAndTypeNine) {
   listCase c(3, 3, 1);
@@ -174,30 +163,6 @@ TEST(NodeLists, ScalarAndAgeListsFollowTheirTablesAndFlags) {
   const std::vector<ijk> ageInlet{{0, 1, 0}, {1, 1, 0}};  // faces first, then interior
   EXPECT_EQ(indicesOf(c.domain.ageInletCells), ageInlet) << show(indicesOf(c.domain.ageInletCells));
   EXPECT_EQ(c.domain.ageInletCells[1].type, 6);
-}
-
-TEST(Domain, ConstructionSizesEveryFieldAndPointsTheDrawnObjectsAtTheGrid) {
-  for (int nz : {1, 3}) {
-    appConfig cfg;
-    testing::setGrid(cfg, 5, 4, nz, 2.0, 1.5, 1.0);
-    bcDomain d;
-    constructDomain(d, cfg);
-    EXPECT_EQ(d.cfg, &cfg);
-    EXPECT_EQ(d.bcFlag.nx * d.bcFlag.ny * d.bcFlag.nz, 20 * nz);
-    EXPECT_EQ(d.imageZ.count(), 20 * nz);
-    EXPECT_FLOAT_EQ(d.gridX[4], 2.0f);
-    EXPECT_EQ(d.grid.gridNy, 4);
-    EXPECT_EQ(d.typeMasks[0].data, nullptr);
-    for (int t = 1; t < 9; ++t) {
-      EXPECT_EQ(d.typeMasks[t].count(), 20 * nz) << " at t=" << t;
-      EXPECT_EQ(d.outlines[t].grid, nz < 2 ? &d.grid : nullptr) << " at t=" << t;
-      EXPECT_EQ(d.surfaces[t].grid, nz < 2 ? nullptr : &d.grid) << " at t=" << t;
-    }
-  }
-  appConfig huge;
-  huge.nx = huge.ny = huge.nz = 2000;
-  bcDomain d;
-  EXPECT_THROW(constructDomain(d, huge), std::length_error);
 }
 
 }  // namespace
