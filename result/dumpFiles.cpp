@@ -222,7 +222,9 @@ int readDumpFields(appConfig& cfg, fieldViews& views, int step) {
   }
   const bool complete = readDumpInfo(folder + "/info.txt", info);
   cfg.time = info.time;
-  cfg.deltat = info.deltat;
+  // info.txt holds seven digits: a run with a fixed time step keeps the
+  // exact value of its parameter, so that a restart continues it unchanged.
+  if (!cfg.fixedDeltat) cfg.deltat = info.deltat;
   auto refuse = [&](const std::string& why) {
     if (cfg.showMessage) cfg.showMessage(cfg, ("[ERROR] The dump " + folder + " cannot be read: " + why).c_str());
     return -1;
