@@ -35,6 +35,9 @@ int main(int argc, char** argv) {
   marv::driverState state;
   const int status = marv::runDriver(marv::batchStages(options), state);
   if (status != 0 && marv::batchMessageCount() == 0)
-    std::fprintf(stderr, "marvanesse-batch: the run ended before it started (no restart dump at sts?)\n");
+    std::fprintf(stderr,
+                 options.analysis ? "marvanesse-batch: no dump to show in %s/dump\n"
+                                  : "marvanesse-batch: the run could not start: no dump of step sts in %s/dump\n",
+                 options.projectDir.c_str());
   return status;
 }

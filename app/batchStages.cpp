@@ -66,7 +66,21 @@ int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
 
 runProgress progress;
 
-void runStep(const appConfig& cfg, bool final) {
+// Without a window nobody can page through the dumps: Analysis mode reports
+// the dump it loaded and ends the run.
+void reportDump(appConfig& cfg) {
+  std::printf("Analysis: dump %08d loaded: time %e s, deltat %e s, mesh %d x %d x %d, cmode %d\n", cfg.sts, cfg.time,
+              cfg.deltat, cfg.nx, cfg.ny, cfg.nz, cfg.cmode);
+  std::fflush(stdout);
+  cfg.quitConfirmed = 1;
+}
+
+void runStep(appConfig& cfg, bool final) {
+  if (cfg.analysisMode) {
+    if (!final && !cfg.quitConfirmed) reportDump(cfg);
+    return;
+  }
+  if (options.quiet) return;
   if (progress.out == nullptr) startProgress(progress, stdout, nowMs());
   reportProgress(progress, cfg, nowMs(), final);
   if (final) progress = runProgress{};
@@ -88,7 +102,7 @@ passStages batchStages(const batchOptions& given) {
   stages.bitmapStage = acceptStage;
   stages.placementStage = acceptPlacement;
   stages.showMessage = batchMessage;
-  stages.runStep = options.quiet ? nullptr : runStep;
+  stages.runStep = runStep;
   stages.onePass = true;
   stages.writeHistory = false;
   stages.splash = false;

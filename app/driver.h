@@ -45,10 +45,10 @@ struct passStages {
   int (*bitmapStage)(appConfig&) = nullptr;                              // 1 done, 0 preview, -1 cancelled
   int (*placementStage)(driverState&, appConfig&) = nullptr;             // 1 proceed, -1 cancel
   messageSink showMessage = nullptr;                                     // dialog with OK
-  void (*runStep)(const appConfig&, bool final) = nullptr;               // after each cycle of the run loop
-  bool onePass = false;                                                  // stop after the first pass (batch)
-  bool writeHistory = true;  // read and write .history in the start directory
-  bool splash = true;        // show the splash in the first pass
+  void (*runStep)(appConfig&, bool final) = nullptr;  // after each cycle of the run loop; may end the run
+  bool onePass = false;                               // stop after the first pass (batch)
+  bool writeHistory = true;                           // read and write .history in the start directory
+  bool splash = true;                                 // show the splash in the first pass
 };
 
 // Runs passes until the window closes (or, with onePass, after one pass).

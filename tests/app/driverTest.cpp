@@ -26,6 +26,7 @@ batchRun runProject(const std::string& paramText, bool analysis = false, bool wi
   marv::batchOptions options;
   options.projectDir = folder.string();
   options.analysis = analysis;
+  options.quiet = true;
   const auto before = std::filesystem::current_path();
   run.status = marv::runDriver(marv::batchStages(options), run.state);
   EXPECT_EQ(std::filesystem::current_path(), before) << "a pass ends in its start folder";
@@ -55,11 +56,35 @@ TEST(Driver, RewritesParamTxtInItsOwnFormat) {
   EXPECT_EQ(run.paramAfter.find("// mine"), std::string::npos);
 }
 
-TEST(Driver, AnalysisModeLeavesParamTxtAlone) {
-  const std::string text = "1:nx 5\n2:ny 5\n3:latts 3\n";
-  const batchRun run = runProject(text, true);
-  EXPECT_EQ(run.paramAfter, text);
-  EXPECT_EQ(run.state.stepsTaken, 0) << "Analysis mode never steps";
+TEST(Driver, AnalysisModeShowsTheNewestDumpAndWritesNothing) {
+  auto folder = marvtest::scratchFolder("analysis");
+  const std::string text = "1:nx 5\n2:ny 5\n3:latts 25\n4:nfile 10\n5:deltat 0.1\n";
+  marvtest::writeText(folder / "input" / "param.txt", text);
+  marv::batchOptions options;
+  options.projectDir = folder.string();
+  options.quiet = true;
+  marv::driverState simulation;
+  ASSERT_EQ(marv::runDriver(marv::batchStages(options), simulation), 0);
+  for (const char* step : {"00000000", "00000010", "00000020", "00000025"})
+    EXPECT_TRUE(std::filesystem::exists(folder / "dump" / step / "info.txt")) << step;
+  const std::string written = marvtest::readText(folder / "input" / "param.txt");
+  const auto stamp = std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw");
+
+  // Lower latts: the newest dump at or below latts + 99 is still found.
+  marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 0\n");
+  options.analysis = true;
+  marv::driverState analysis;
+  EXPECT_EQ(marv::runDriver(marv::batchStages(options), analysis), 0);
+  EXPECT_EQ(analysis.stepsTaken, 0) << "Analysis mode never steps";
+  EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt"), "1:nx 5\n2:ny 5\n3:latts 0\n")
+      << "Analysis mode does not rewrite param.txt";
+  EXPECT_EQ(std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw"), stamp);
+  EXPECT_FALSE(written.empty());
+
+  std::filesystem::remove_all(folder / "dump");
+  marv::driverState empty;
+  EXPECT_NE(marv::runDriver(marv::batchStages(options), empty), 0) << "no dump at all";
+  std::filesystem::remove_all(folder);
 }
 
 TEST(Driver, EarlyEndsGiveNonZeroStatus) {
