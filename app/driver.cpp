@@ -15,6 +15,7 @@
 #include "project/historyFile.h"
 #include "project/parameterFile.h"
 #include "project/vizFile.h"
+#include "result/dumpFiles.h"
 #include "result/stepResults.h"
 #include "scene/inputState.h"
 #include "widgets/controlPanel.h"
@@ -59,32 +60,6 @@ void smoothStepTime(appConfig& cfg) {
     cfg.stepMsSmoothed = (20.0 * cfg.stepMsSmoothed + solveMs + drawMs) / 21.0;
 }
 
-// Analysis mode: the nearest stored dump in the asked direction, or ts.
-int findDump(const appConfig& cfg, int direction) {
-  char folder[64];
-  char info[96];
-  if (direction > 0) {
-    for (int s = cfg.ts + 1; s <= cfg.latts; ++s) {
-      std::snprintf(folder, sizeof folder, "./dump/%08d", s);
-      std::snprintf(info, sizeof info, "%s/info.txt", folder);
-      if (std::FILE* f = std::fopen(info, "rb")) {
-        std::fclose(f);
-        return s;
-      }
-    }
-  } else {
-    for (int s = cfg.ts - 1; s >= 0; --s) {
-      std::snprintf(folder, sizeof folder, "./dump/%08d", s);
-      std::snprintf(info, sizeof info, "%s/info.txt", folder);
-      if (std::FILE* f = std::fopen(info, "rb")) {
-        std::fclose(f);
-        return s;
-      }
-    }
-  }
-  return cfg.ts;
-}
-
 // The run (step 23 of a pass). Returns -1 when the window was closed.
 int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneView& scene, inputState& input,
             controlPanel& panel, bcDomain& domain) {
@@ -96,7 +71,7 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
     if (!cfg.analysisMode) {
       if (cfg.sts != 0 && readDump(cfg, state.views, cfg.sts) == -1) return 0;
     } else {
-      const int target = findDump(cfg, cfg.analysisDirection);
+      const int target = nearestDump(cfg.ts, cfg.latts, cfg.analysisDirection);
       cfg.sts = target;
       cfg.analysisDirection = 0;
       if (readDump(cfg, state.views, target) == -1) return 0;

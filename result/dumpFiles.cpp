@@ -147,6 +147,22 @@ bool readDumpInfo(const std::string& path, dumpInfo& info) {
   return complete;
 }
 
+int nearestDump(int from, int latts, int direction) {
+  auto present = [](long long step) {
+    std::FILE* f = std::fopen((dumpFolder(static_cast<int>(step)) + "/info.txt").c_str(), "rb");
+    if (f != nullptr) std::fclose(f);
+    return f != nullptr;
+  };
+  if (direction > 0) {
+    for (long long s = from + 1LL; s <= latts; ++s)
+      if (present(s)) return static_cast<int>(s);
+  } else if (direction < 0) {
+    for (long long s = from - 1LL; s >= 0; --s)
+      if (present(s)) return static_cast<int>(s);
+  }
+  return from;
+}
+
 int extentKey(double v) { return truncToInt(v / std::max(std::fabs(v), 1.0) * 0.5 + v * 10000.0); }
 
 void writeDump(const appConfig& cfg, const fieldViews& views) {

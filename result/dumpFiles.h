@@ -47,6 +47,11 @@ void resampleDumpField(const appConfig& cfg, const array3d<double>& target, cons
 // another domain, or (with a message) cannot be read whole.
 int readDumpFields(appConfig& cfg, fieldViews& views, int step);
 
+// Analysis mode's search: the nearest step after from (direction +1, up to
+// latts) or before it (direction -1, down to 0) whose info.txt opens; from
+// itself when there is none. The search never wraps around.
+int nearestDump(int from, int latts, int direction);
+
 // Writes ./dump/series.xmf over every dump folder that holds an info.txt.
 void writeDumpSeries();
 

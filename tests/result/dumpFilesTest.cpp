@@ -76,6 +76,19 @@ TEST(DumpInfo, FormatAndExtentKeys) {
   EXPECT_EQ(marv::extentKey(1e300), 2147483647) << "saturates instead of wrapping";
 }
 
+TEST(DumpSearch, FindsTheNearestDumpAndNeverWraps) {
+  inProject project;
+  for (int step : {0, 10, 20}) marvtest::writeText(marv::dumpFolder(step) + "/info.txt", "x");
+  std::filesystem::create_directories(marv::dumpFolder(15));  // a folder without info.txt is no dump
+  EXPECT_EQ(marv::nearestDump(130, 30, -1), 20) << "the first search starts at latts + 100";
+  EXPECT_EQ(marv::nearestDump(20, 30, -1), 10);
+  EXPECT_EQ(marv::nearestDump(10, 30, +1), 20);
+  EXPECT_EQ(marv::nearestDump(20, 30, +1), 20) << "right arrow on the last dump stays";
+  EXPECT_EQ(marv::nearestDump(0, 30, -1), 0) << "left arrow on the first dump stays";
+  EXPECT_EQ(marv::nearestDump(10, 15, +1), 10) << "nothing beyond latts";
+  EXPECT_EQ(marv::nearestDump(10, 30, 0), 10);
+}
+
 TEST(StepResults, DumpScheduleRestartAndDisabledIntervals) {
   inProject project;
   auto dumped = [](int step) { return std::filesystem::exists(marv::dumpFolder(step) + "/info.txt"); };
