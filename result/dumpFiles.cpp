@@ -77,6 +77,26 @@ std::string xdmfGrid(const dumpInfo& info, int step, const std::string& folder, 
   return out;
 }
 
+// Step numbers of the folders in ./dump named by eight digits, ascending.
+std::vector<int> dumpSteps() {
+  std::vector<int> steps;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator("./dump", error)) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() != 8 || !std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }))
+      continue;
+    steps.push_back(std::stoi(name));
+  }
+  std::sort(steps.begin(), steps.end());
+  return steps;
+}
+
+bool present(int step) {
+  std::FILE* f = std::fopen((dumpFolder(step) + "/info.txt").c_str(), "rb");
+  if (f != nullptr) std::fclose(f);
+  return f != nullptr;
+}
+
 const char* xdmfHead = "<?xml version=\"1.0\" ?>\n<Xdmf Version=\"3.0\">\n  <Domain>\n";
 const char* xdmfTail = "  </Domain>\n</Xdmf>\n";
 
@@ -148,19 +168,15 @@ bool readDumpInfo(const std::string& path, dumpInfo& info) {
 }
 
 int nearestDump(int from, int latts, int direction) {
-  auto present = [](long long step) {
-    std::FILE* f = std::fopen((dumpFolder(static_cast<int>(step)) + "/info.txt").c_str(), "rb");
-    if (f != nullptr) std::fclose(f);
-    return f != nullptr;
-  };
-  if (direction > 0) {
-    for (long long s = from + 1LL; s <= latts; ++s)
-      if (present(s)) return static_cast<int>(s);
-  } else if (direction < 0) {
-    for (long long s = from - 1LL; s >= 0; --s)
-      if (present(s)) return static_cast<int>(s);
+  // The folder is listed once instead of trying every step number, so that
+  // a huge latts costs nothing.
+  long long best = from;
+  for (int step : dumpSteps()) {
+    if (!present(step)) continue;
+    if (direction > 0 && step > from && step <= latts && (best == from || step < best)) best = step;
+    if (direction < 0 && step < from && step >= 0 && (best == from || step > best)) best = step;
   }
-  return from;
+  return static_cast<int>(best);
 }
 
 int extentKey(double v) { return truncToInt(v / std::max(std::fabs(v), 1.0) * 0.5 + v * 10000.0); }
@@ -185,15 +201,7 @@ void writeDump(const appConfig& cfg, const fieldViews& views) {
 }
 
 void writeDumpSeries() {
-  std::vector<int> steps;
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator("./dump", error)) {
-    const std::string name = entry.path().filename().string();
-    if (name.size() != 8 || !std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; }))
-      continue;
-    steps.push_back(std::stoi(name));
-  }
-  std::sort(steps.begin(), steps.end());
+  const std::vector<int> steps = dumpSteps();
   std::string xml = xdmfHead;
   xml += "    <Grid Name=\"run\" GridType=\"Collection\" CollectionType=\"Temporal\">\n";
   for (int step : steps) {
