@@ -24,9 +24,9 @@ struct headlessImage {
 };
 
 struct headlessPixels {
-  int width = 0;                    // [px]
-  int height = 0;                   // [px]
-  std::vector<std::uint8_t> rgba;   // width*height*4, zero until captured
+  int width = 0;                   // [px]
+  int height = 0;                  // [px]
+  std::vector<std::uint8_t> rgba;  // width*height*4, zero until captured
   bool live = false;
 };
 
@@ -319,5 +319,10 @@ int waitMs(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
   return 0;
 }
+
+// ---------------------------------------------------------------- backend facts
+
+int drawCallCount() { return 0; }
+int layerDrawsPixels() { return 0; }
 
 }  // namespace marv

@@ -57,14 +57,53 @@ struct matrix4 {
 // Key codes: indices of the 256-entry key table and arguments of keyDown.
 enum keyCode : int {
   keyEsc = 1,
-  key1 = 2, key2 = 3, key3 = 4, key4 = 5, key5 = 6, key6 = 7, key7 = 8, key8 = 9, key9 = 10, key0 = 11,
-  keyQ = 16, keyW = 17, keyR = 19, keyT = 20, keyY = 21, keyI = 23, keyO = 24, keyP = 25,
-  keyEnter = 28, keyLeftCtrl = 29, keyA = 30, keyS = 31, keyG = 34, keyH = 35, keyK = 37, keyL = 38,
-  keyLeftShift = 42, keyZ = 44, keyX = 45, keyC = 46, keyV = 47, keyB = 48,
-  keyRightShift = 54, keySpace = 57,
-  keyPad7 = 71, keyPad8 = 72, keyPad9 = 73, keyPad4 = 75, keyPad5 = 76, keyPad6 = 77,
-  keyPad1 = 79, keyPad2 = 80, keyPad3 = 81, keyPad0 = 82,
-  keyRightCtrl = 157, keyLeft = 203, keyRight = 205,
+  key1 = 2,
+  key2 = 3,
+  key3 = 4,
+  key4 = 5,
+  key5 = 6,
+  key6 = 7,
+  key7 = 8,
+  key8 = 9,
+  key9 = 10,
+  key0 = 11,
+  keyQ = 16,
+  keyW = 17,
+  keyR = 19,
+  keyT = 20,
+  keyY = 21,
+  keyI = 23,
+  keyO = 24,
+  keyP = 25,
+  keyEnter = 28,
+  keyLeftCtrl = 29,
+  keyA = 30,
+  keyS = 31,
+  keyG = 34,
+  keyH = 35,
+  keyK = 37,
+  keyL = 38,
+  keyLeftShift = 42,
+  keyZ = 44,
+  keyX = 45,
+  keyC = 46,
+  keyV = 47,
+  keyB = 48,
+  keyRightShift = 54,
+  keySpace = 57,
+  keyPad7 = 71,
+  keyPad8 = 72,
+  keyPad9 = 73,
+  keyPad4 = 75,
+  keyPad5 = 76,
+  keyPad6 = 77,
+  keyPad1 = 79,
+  keyPad2 = 80,
+  keyPad3 = 81,
+  keyPad0 = 82,
+  keyRightCtrl = 157,
+  keyLeft = 203,
+  keyRight = 205,
 };
 
 constexpr int mouseLeft = 1;   // bit of mouseButtons
@@ -72,133 +111,131 @@ constexpr int mouseRight = 2;  // bit of mouseButtons
 
 // ---------------------------------------------------------------- window and process
 
-int startLayer();                                              // opens the window; -1 if it cannot
-int stopLayer();                                               // closes everything
-int processMessages();                                         // handles events; -1 once the window is closed
-int setLogging(int flag);                                      // the layer's own log file on or off
-int setTextCodePage(int page);                                 // code page of strings handed in (UTF-8 here)
-int setWindowedMode(int flag);                                 // 1: a window, not full screen
-int setWindowIcon(int id);                                     // icon from the program's pictures
+int startLayer();                                                   // opens the window; -1 if it cannot
+int stopLayer();                                                    // closes everything
+int processMessages();                                              // handles events; -1 once the window is closed
+int setLogging(int flag);                                           // the layer's own log file on or off
+int setTextCodePage(int page);                                      // code page of strings handed in (UTF-8 here)
+int setWindowedMode(int flag);                                      // 1: a window, not full screen
+int setWindowIcon(int id);                                          // icon from the program's pictures
 int setGraphicsMode(int width, int height, int bits, int refresh);  // back buffer and client size
-int setResizable(int enable, int scaleContent);                // user may resize; content scales
-int setRunWhileInactive(int flag);                             // keep running without focus
-int setAllowSecondInstance(int flag);                          // a second copy may run
-int setSystemKeysOff(int flag, const char* path);              // system-menu keys do not reach the window
-int setWindowText(const char* text);                           // title bar text
-int setBackgroundColour(int r, int g, int b, int a);           // colour that clearDrawTarget uses
-void* windowHandle();                                          // platform window handle, or null
-int windowPosition(int* x, int* y);                            // position of the window
-int setWindowPosition(int x, int y);                           // move the window
-int setWindowMenu(int id);                                     // shows the menu bar of that id
-int setMenuItemEnabled(int id, int enable);                    // greys a menu item (0)
-int windowActive();                                            // 1 while the window has the focus
-int setFileDropEnabled(int flag);                              // accept files dropped on the window
-int droppedFileCount();                                        // dropped paths waiting
-int droppedFilePath(char* buffer, int size);                   // takes the oldest path; -1 if none
-int clearDroppedFiles();                                       // forgets waiting paths
+int setResizable(int enable, int scaleContent);                     // user may resize; content scales
+int setRunWhileInactive(int flag);                                  // keep running without focus
+int setAllowSecondInstance(int flag);                               // a second copy may run
+int setSystemKeysOff(int flag, const char* path);                   // system-menu keys do not reach the window
+int setWindowText(const char* text);                                // title bar text
+int setBackgroundColour(int r, int g, int b, int a);                // colour that clearDrawTarget uses
+void* windowHandle();                                               // platform window handle, or null
+int windowPosition(int* x, int* y);                                 // position of the window
+int setWindowPosition(int x, int y);                                // move the window
+int setWindowMenu(int id);                                          // shows the menu bar of that id
+int setMenuItemEnabled(int id, int enable);                         // greys a menu item (0)
+int windowActive();                                                 // 1 while the window has the focus
+int setFileDropEnabled(int flag);                                   // accept files dropped on the window
+int droppedFileCount();                                             // dropped paths waiting
+int droppedFilePath(char* buffer, int size);                        // takes the oldest path; -1 if none
+int clearDroppedFiles();                                            // forgets waiting paths
 
 // ---------------------------------------------------------------- frame control
 
-int setDrawTarget(int handle);     // backBuffer or an off-screen image
-int clearDrawTarget();             // background colour, depth cleared
-int present();                     // shows the back buffer
+int setDrawTarget(int handle);       // backBuffer or an off-screen image
+int clearDrawTarget();               // background colour, depth cleared
+int present();                       // shows the back buffer
 int setBlend(int mode, int amount);  // 0 none, 1 alpha with amount 0..255
 
 // ---------------------------------------------------------------- images
 
-int makeOffscreenImage(int width, int height, int useAlpha);  // image usable as draw target
-int makeImage(int width, int height, int notFor3d);           // image that can take a screen copy
+int makeOffscreenImage(int width, int height, int useAlpha);   // image usable as draw target
+int makeImage(int width, int height, int notFor3d);            // image that can take a screen copy
 int captureScreen(int x1, int y1, int x2, int y2, int image);  // copy a rectangle of the target
-int deleteImage(int handle);                                  // harmless for handles never made
-int loadImage(const char* path, int notFor3d);                // from a file (BMP, PNG, ...)
-int loadImageResource(int id);                                // from the program's pictures
+int deleteImage(int handle);                                   // harmless for handles never made
+int loadImage(const char* path, int notFor3d);                 // from a file (BMP, PNG, ...)
+int loadImageResource(int id);                                 // from the program's pictures
 int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth, int cellHeight,
-                         int* handles);                       // cut a picture into cells
-int imageSize(int image, int* width, int* height);            // size of an image
-int drawImage(int x, int y, int image, int transparent);      // at its own size
+                         int* handles);                                              // cut a picture into cells
+int imageSize(int image, int* width, int* height);                                   // size of an image
+int drawImage(int x, int y, int image, int transparent);                             // at its own size
 int drawImageStretched(int x1, int y1, int x2, int y2, int image, int transparent);  // to a rectangle
-int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int image, int transparent,
-                  int flipX, int flipY);                      // part of an image
+int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int image, int transparent, int flipX,
+                  int flipY);  // part of an image
 int drawImageRotated(int x, int y, double scale, double angle, int image, int transparent, int flipX,
-                     int flipY);                              // centred at (x, y)
-int setTransparentColour(int r, int g, int b);                // not drawn in images loaded later
+                     int flipY);                // centred at (x, y)
+int setTransparentColour(int r, int g, int b);  // not drawn in images loaded later
 int saveScreenJpeg(int x1, int y1, int x2, int y2, const char* path, int quality,
-                   int sampling2x1);                          // rectangle of the target as JPEG
+                   int sampling2x1);  // rectangle of the target as JPEG
 
 // ---------------------------------------------------------------- pixel images
 
-int makePixelImage(int width, int height);                               // in memory, read by pixel
+int makePixelImage(int width, int height);                                // in memory, read by pixel
 int captureToPixelImage(int x1, int y1, int x2, int y2, int handle);      // copy from the target
 int readPixel(int handle, int x, int y, int* r, int* g, int* b, int* a);  // channels 0..255
-int deletePixelImage(int handle);                                        // harmless for bad handles
+int deletePixelImage(int handle);                                         // harmless for bad handles
 
 // ---------------------------------------------------------------- 2D primitives
 
-std::uint32_t colour(int r, int g, int b);                    // packed colour
-colourRgba makeColourRgba(int r, int g, int b, int a);        // four-byte vertex colour
+std::uint32_t colour(int r, int g, int b);                                    // packed colour
+colourRgba makeColourRgba(int r, int g, int b, int a);                        // four-byte vertex colour
 int drawBox(int x1, int y1, int x2, int y2, std::uint32_t colour, int fill);  // covers x1..x2-1
 int drawBoxF(float x1, float y1, float x2, float y2, std::uint32_t colour, int fill, float thickness);
 int drawLine(int x1, int y1, int x2, int y2, std::uint32_t colour, int thickness);
 int drawLineF(float x1, float y1, float x2, float y2, std::uint32_t colour, float thickness);
 int drawCircle(int x, int y, int radius, std::uint32_t colour, int fill, int thickness);
-int drawCircleF(float x, float y, float radius, int segments, std::uint32_t colour, int fill,
-                float thickness);
+int drawCircleF(float x, float y, float radius, int segments, std::uint32_t colour, int fill, float thickness);
 int drawTriangle(int x1, int y1, int x2, int y2, int x3, int y3, std::uint32_t colour, int fill);
 int drawRoundedBoxF(float x1, float y1, float x2, float y2, float radiusX, float radiusY, int segments,
                     std::uint32_t colour, int fill, float thickness);
 
 // ---------------------------------------------------------------- 3D set-up
 
-int setZBuffer(int flag);                                   // depth test
-int setZWrite(int flag);                                    // depth write
-int setLighting(int flag);                                  // one point light
-int setCamera(vec3 position, vec3 target, vec3 up);         // left-handed world
-int setPerspective(float fov);                              // vertical angle of view [rad]
+int setZBuffer(int flag);                                                     // depth test
+int setZWrite(int flag);                                                      // depth write
+int setLighting(int flag);                                                    // one point light
+int setCamera(vec3 position, vec3 target, vec3 up);                           // left-handed world
+int setPerspective(float fov);                                                // vertical angle of view [rad]
 int setPointLight(vec3 position, float range, float a0, float a1, float a2);  // attenuation a0+a1 d+a2 d^2
-int setLightPosition(vec3 position);                        // moves the light
-vec3 worldToScreen(vec3 position);                          // pixels, z = depth 0..1 inside the view
-vec3 screenToWorld(vec3 position);                          // depth 0 near, 1 far; (-1,-1,-1) if singular
+int setLightPosition(vec3 position);                                          // moves the light
+vec3 worldToScreen(vec3 position);                                            // pixels, z = depth 0..1 inside the view
+vec3 screenToWorld(vec3 position);  // depth 0 near, 1 far; (-1,-1,-1) if singular
 
 // ---------------------------------------------------------------- 3D primitives
 
 int drawLine3d(vec3 p1, vec3 p2, std::uint32_t colour);
 int drawTriangle3d(vec3 p1, vec3 p2, vec3 p3, std::uint32_t colour, int fill);
 int drawCube3d(vec3 p1, vec3 p2, std::uint32_t diffuse, std::uint32_t specular, int fill);
-int drawSphere3d(vec3 centre, float radius, int divisions, std::uint32_t diffuse, std::uint32_t specular,
-                 int fill);
-int drawCapsule3d(vec3 p1, vec3 p2, float radius, int divisions, std::uint32_t diffuse,
-                  std::uint32_t specular, int fill);
-int drawCone3d(vec3 tip, vec3 base, float radius, int divisions, std::uint32_t diffuse,
-               std::uint32_t specular, int fill);
+int drawSphere3d(vec3 centre, float radius, int divisions, std::uint32_t diffuse, std::uint32_t specular, int fill);
+int drawCapsule3d(vec3 p1, vec3 p2, float radius, int divisions, std::uint32_t diffuse, std::uint32_t specular,
+                  int fill);
+int drawCone3d(vec3 tip, vec3 base, float radius, int divisions, std::uint32_t diffuse, std::uint32_t specular,
+               int fill);
 int drawPolygons3d(const vertex3d* vertices, int triangleCount, int image, int transparent);  // 3 per triangle
-int drawIndexedPolygons3d(const vertex3d* vertices, int vertexCount, const std::uint16_t* indices,
-                          int triangleCount, int image, int transparent);
+int drawIndexedPolygons3d(const vertex3d* vertices, int vertexCount, const std::uint16_t* indices, int triangleCount,
+                          int image, int transparent);
 
 // ---------------------------------------------------------------- geometry helpers (pure)
 
 hitResult lineTriangleHit(vec3 a, vec3 b, vec3 p1, vec3 p2, vec3 p3);  // segment a-b against a triangle
-float segmentDistance(vec3 a1, vec3 a2, vec3 b1, vec3 b2);            // least distance of two segments
-float vecLength(vec3 v);                                              // 0 if the square sum is below 1e-7
-matrix4 rotationMatrixX(float angle);                                 // about x [rad]
-matrix4 rotationMatrixY(float angle);                                 // about y [rad]
-matrix4 rotationMatrixZ(float angle);                                 // about z [rad]
+float segmentDistance(vec3 a1, vec3 a2, vec3 b1, vec3 b2);             // least distance of two segments
+float vecLength(vec3 v);                                               // 0 if the square sum is below 1e-7
+matrix4 rotationMatrixX(float angle);                                  // about x [rad]
+matrix4 rotationMatrixY(float angle);                                  // about y [rad]
+matrix4 rotationMatrixZ(float angle);                                  // about z [rad]
 
 // ---------------------------------------------------------------- text
 
-int setFontSize(int size);                                  // default font size
-int setFontThickness(int thickness);                        // default font weight
-int setFontFace(const char* name, int charSet);             // default font face
+int setFontSize(int size);                       // default font size
+int setFontThickness(int thickness);             // default font weight
+int setFontFace(const char* name, int charSet);  // default font face
 int makeFont(const char* name, int size, int thickness, int type, int charSet, int edgeSize, int italic,
-             int reserved);                                 // font handle; type 18 anti-aliased
-int fontExists(const char* name, int charSet);              // nonzero when that face is available
-int deleteFont(int handle);                                 // harmless for bad handles
+             int reserved);                     // font handle; type 18 anti-aliased
+int fontExists(const char* name, int charSet);  // nonzero when that face is available
+int deleteFont(int handle);                     // harmless for bad handles
 int drawText(int x, int y, const char* text, std::uint32_t colour, int font, std::uint32_t edgeColour,
-             int vertical);                                 // (x, y) top left
+             int vertical);  // (x, y) top left
 int drawTextFormat(int x, int y, std::uint32_t colour, int font, const char* format, ...)
-    __attribute__((format(printf, 5, 6)));                 // printf-style text
+    __attribute__((format(printf, 5, 6)));                                     // printf-style text
 int textWidth(const char* format, ...) __attribute__((format(printf, 1, 2)));  // default font [px]
 int textWidthInFont(int font, const char* format, ...)
-    __attribute__((format(printf, 2, 3)));                 // width in a font [px]; 0 for ""
+    __attribute__((format(printf, 2, 3)));  // width in a font [px]; 0 for ""
 
 // ---------------------------------------------------------------- keyboard and mouse
 
@@ -212,21 +249,26 @@ int mouseWheel(int clear);                  // notches since the last clearing c
 // ---------------------------------------------------------------- text input fields
 
 int makeTextInput(int maxLength, int cancelValid, int singleByteOnly, int numbersOnly, int doubleOnly,
-                  int enableNewLine);                          // returns a handle
-int deleteTextInput(int handle);                               // harmless for bad handles
-int activateTextInput(int handle);                             // keyboard goes to this field
-int setTextInputCursor(int position, int handle);              // cursor position in characters
+                  int enableNewLine);                              // returns a handle
+int deleteTextInput(int handle);                                   // harmless for bad handles
+int activateTextInput(int handle);                                 // keyboard goes to this field
+int setTextInputCursor(int position, int handle);                  // cursor position in characters
 int setTextInputClip(int x1, int y1, int x2, int y2, int handle);  // visible rectangle
-int drawTextInput(int x, int y, int handle, int showCursor);   // draws the field
-int textInputState(int handle);                                // 0 editing, 1 Enter, 2 cancelled
-int getTextInput(char* buffer, int size, int handle);          // copies the text out
-int setTextInput(const char* text, int handle);                // replaces the text
-int setTextInputColours(const int colours[17]);                // -1 keeps a colour
-int setTextInputFont(int font);                                // font of all fields
+int drawTextInput(int x, int y, int handle, int showCursor);       // draws the field
+int textInputState(int handle);                                    // 0 editing, 1 Enter, 2 cancelled
+int getTextInput(char* buffer, int size, int handle);              // copies the text out
+int setTextInput(const char* text, int handle);                    // replaces the text
+int setTextInputColours(const int colours[17]);                    // -1 keeps a colour
+int setTextInputFont(int font);                                    // font of all fields
 
 // ---------------------------------------------------------------- clock
 
-int nowMs();            // milliseconds since an arbitrary start, 31 bits
-int waitMs(int ms);     // sleeps; 0 yields
+int nowMs();         // milliseconds since an arbitrary start, 31 bits
+int waitMs(int ms);  // sleeps; 0 yields
+
+// ---------------------------------------------------------------- backend facts (tests, batch runs)
+
+int drawCallCount();     // draw calls the backend has issued since it started
+int layerDrawsPixels();  // 1 when drawing reaches pixels (a renderer runs), else 0
 
 }  // namespace marv

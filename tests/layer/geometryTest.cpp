@@ -1,0 +1,3 @@
+#include <gtest/gtest.h>
+#include "layer/layer.h"
+TEST(placeholder, x) {}
