@@ -1,8 +1,9 @@
 // The headless backend of the drawing layer: no window, no pixels on screen.
 // processMessages returns 0, no key or button is ever down, and drawing does
 // nothing. Images, pixel images, fonts and text inputs still get handles and
-// sizes, so that the logic above behaves as it does with a window; the clock
-// is real.
+// sizes (pictures are decoded for their size), so that the logic above
+// behaves as it does with a window; the camera converts points as the window
+// backend does; the clock is real.
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
@@ -11,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+#include "layer/camera.h"
+#include "layer/imageFile.h"
 #include "layer/layer.h"
 
 namespace marv {
@@ -44,6 +47,8 @@ struct headlessState {
   int defaultFontSize = 16;    // [px]
   int width = 640;             // back buffer [px]
   int height = 480;            // back buffer [px]
+  int target = backBuffer;     // current draw target
+  cameraState camera;          // current camera
 };
 
 headlessState state;
@@ -54,7 +59,7 @@ bool liveHandle(const std::vector<T>& table, int handle) {
 }
 
 int newImage(int width, int height) {
-  if (width <= 0 || height <= 0) return -1;
+  if (width <= 0 || height <= 0 || width > maxImageSide || height > maxImageSide) return -1;
   state.images.push_back({width, height, true});
   return static_cast<int>(state.images.size()) - 1;
 }
@@ -114,7 +119,11 @@ int clearDroppedFiles() { return 0; }
 
 // ---------------------------------------------------------------- frame control
 
-int setDrawTarget(int handle) { return handle == backBuffer || liveHandle(state.images, handle) ? 0 : -1; }
+int setDrawTarget(int handle) {
+  if (handle != backBuffer && !liveHandle(state.images, handle)) return -1;
+  state.target = handle;
+  return 0;
+}
 int clearDrawTarget() { return 0; }
 int present() { return 0; }
 int setBlend(int, int) { return 0; }
@@ -128,11 +137,26 @@ int deleteImage(int handle) {
   if (liveHandle(state.images, handle)) state.images[handle].live = false;
   return 0;
 }
-int loadImage(const char*, int) { return -1; }
-int loadImageResource(int) { return -1; }
-int loadImageSetResource(int, int count, int, int, int, int, int* handles) {
-  for (int i = 0; handles != nullptr && i < count; ++i) handles[i] = -1;
-  return -1;
+int loadImage(const char* path, int) {
+  rgbaImage picture;
+  if (path == nullptr || !loadImageFile(path, picture)) return -1;
+  return newImage(picture.width, picture.height);
+}
+int loadImageResource(int id) {
+  const std::string path = resourcePicturePath(id);
+  return path.empty() ? -1 : loadImage(path.c_str(), 0);
+}
+int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth, int cellHeight, int* handles) {
+  if (handles == nullptr || count <= 0) return -1;
+  for (int i = 0; i < count; ++i) handles[i] = -1;
+  if (columns <= 0 || rows <= 0 || loadImageResource(id) < 0) return -1;
+  state.images.back().live = false;  // only the cells are kept
+  int made = 0;
+  for (int i = 0; i < count && i < columns * rows; ++i) {
+    handles[i] = newImage(cellWidth, cellHeight);
+    made += handles[i] >= 0;
+  }
+  return made == count ? 0 : -1;
 }
 int imageSize(int image, int* width, int* height) {
   const bool ok = liveHandle(state.images, image);
@@ -206,12 +230,28 @@ int drawRoundedBoxF(float, float, float, float, float, float, int, std::uint32_t
 int setZBuffer(int) { return 0; }
 int setZWrite(int) { return 0; }
 int setLighting(int) { return 0; }
-int setCamera(vec3, vec3, vec3) { return 0; }
-int setPerspective(float) { return 0; }
+int setCamera(vec3 position, vec3 target, vec3 up) {
+  state.camera.position = position;
+  state.camera.target = target;
+  state.camera.up = up;
+  return 0;
+}
+int setPerspective(float fov) {
+  if (!(fov > 0.0f) || !(fov < 3.14159265f)) return -1;
+  state.camera.fov = fov;
+  return 0;
+}
 int setPointLight(vec3, float, float, float, float) { return 0; }
 int setLightPosition(vec3) { return 0; }
-vec3 worldToScreen(vec3) { return {-1.0f, -1.0f, -1.0f}; }
-vec3 screenToWorld(vec3) { return {-1.0f, -1.0f, -1.0f}; }
+static cameraState cameraForTarget() {
+  cameraState c = state.camera;
+  const bool image = liveHandle(state.images, state.target);
+  c.width = image ? state.images[state.target].width : state.width;
+  c.height = image ? state.images[state.target].height : state.height;
+  return c;
+}
+vec3 worldToScreen(vec3 position) { return projectPoint(cameraForTarget(), position); }
+vec3 screenToWorld(vec3 position) { return unprojectPoint(cameraForTarget(), position); }
 int drawLine3d(vec3, vec3, std::uint32_t) { return 0; }
 int drawTriangle3d(vec3, vec3, vec3, std::uint32_t, int) { return 0; }
 int drawCube3d(vec3, vec3, std::uint32_t, std::uint32_t, int) { return 0; }
