@@ -354,20 +354,20 @@ int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, 
     if (cp == '\n' || cp == '\r') continue;
     const glyph* g = glyphOf(*f, cp);
     if (g->w > 0) {
-      batchKey k = key2d();
+      batchKey k = key2d(primitive::quads);
       k.texture = f->atlas;
       k.glyphs = true;
       if (clip) std::copy(clip, clip + 4, k.clip);
-      vertex* v = reserve(k, 6);
+      vertex* v = reserve(k, 4);
       if (v == nullptr) return 0;
       const float x0 = penX + static_cast<float>(g->left), y0 = baseline - static_cast<float>(g->top);
       const float x1 = x0 + static_cast<float>(g->w), y1 = y0 + static_cast<float>(g->h);
       const float s = 1.0f / static_cast<float>(atlasSide);
       const float u0 = static_cast<float>(g->x) * s, v0 = static_cast<float>(g->y) * s;
       const float u1 = static_cast<float>(g->x + g->w) * s, v1 = static_cast<float>(g->y + g->h) * s;
-      const float xs[6] = {x0, x1, x1, x0, x1, x0}, ys[6] = {y0, y0, y1, y0, y1, y1};
-      const float us[6] = {u0, u1, u1, u0, u1, u0}, vs[6] = {v0, v0, v1, v0, v1, v1};
-      for (int i = 0; i < 6; ++i) {
+      const float xs[4] = {x0, x1, x1, x0}, ys[4] = {y0, y0, y1, y1};
+      const float us[4] = {u0, u1, u1, u0}, vs[4] = {v0, v0, v1, v1};
+      for (int i = 0; i < 4; ++i) {
         v[i] = vertex{};
         v[i].x = xs[i];
         v[i].y = ys[i];

@@ -206,6 +206,17 @@ bool startRenderer(int width, int height) {
   glEnableVertexAttribArray(4);
   glVertexAttribPointer(4, 2, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(vertex, u)));
 
+  // Indices of the quads: corners 0 1 2 and 0 2 3 of every four vertices.
+  std::vector<GLuint> indices(static_cast<std::size_t>(batchCapacity / 4) * 6);
+  for (GLuint q = 0; q < static_cast<GLuint>(batchCapacity / 4); ++q) {
+    const GLuint corner[6] = {0, 1, 2, 0, 2, 3};
+    for (int i = 0; i < 6; ++i) indices[q * 6 + i] = 4 * q + corner[i];
+  }
+  glGenBuffers(1, &state.ebo);
+  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, state.ebo);
+  glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(GLuint)), indices.data(),
+               GL_STATIC_DRAW);
+
   glEnable(GL_BLEND);
   glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
@@ -223,6 +234,7 @@ void stopRenderer() {
     for (image& img : state.images) freeImageObjects(img);
     freeImageObjects(state.backImage);
     glDeleteBuffers(1, &state.vbo);
+    glDeleteBuffers(1, &state.ebo);
     glDeleteVertexArrays(1, &state.vao);
     glDeleteProgram(state.program);
   }
@@ -264,10 +276,11 @@ void flush() {
   glBindVertexArray(state.vao);
   glBindBuffer(GL_ARRAY_BUFFER, state.vbo);
   const GLsizeiptr bytes = static_cast<GLsizeiptr>(state.vertexCount * sizeof(vertex));
-  // Orphan the buffer so that the driver need not wait for the last draw.
-  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(batchCapacity * sizeof(vertex)), nullptr, GL_STREAM_DRAW);
   glBufferSubData(GL_ARRAY_BUFFER, 0, bytes, state.vertices.data());
-  glDrawArrays(state.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, 0, state.vertexCount);
+  if (state.key.kind == primitive::quads)
+    glDrawElements(GL_TRIANGLES, state.vertexCount / 4 * 6, GL_UNSIGNED_INT, nullptr);
+  else
+    glDrawArrays(state.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, 0, state.vertexCount);
   ++state.drawCalls;
   state.vertexCount = 0;
 }

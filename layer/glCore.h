@@ -30,7 +30,9 @@ struct vertex {
   float u = 0.0f, v = 0.0f;                         // texture coordinates [-]
 };
 
-enum class primitive : int { triangles = 0, lines = 1 };
+// Quads are four corners in order round the shape, drawn as two triangles
+// through a fixed index list: a third fewer vertices than triangles.
+enum class primitive : int { triangles = 0, lines = 1, quads = 2 };
 
 // Everything that decides how a run of vertices is drawn; vertices with the
 // same key share a draw call.
@@ -93,13 +95,13 @@ struct coreState {
   bool lighting = false;                           // point light on 3D shapes
   cameraState camera;                              // current camera; size follows the draw target
   lightState light;
-  int transparentKey[3] = {-1, -1, -1};    // colour made transparent in images loaded later
-  long long drawCalls = 0;                 // draw calls issued since start
-  std::vector<vertex> vertices;            // the batch buffer, allocated once
-  int vertexCount = 0;                     // vertices in the batch
-  batchKey key;                            // how the batch is drawn
-  unsigned program = 0, vao = 0, vbo = 0;  // GL objects of the renderer
-  int uniforms[16] = {};                   // uniform locations, see glBatch.cpp
+  int transparentKey[3] = {-1, -1, -1};             // colour made transparent in images loaded later
+  long long drawCalls = 0;                          // draw calls issued since start
+  std::vector<vertex> vertices;                     // the batch buffer, allocated once
+  int vertexCount = 0;                              // vertices in the batch
+  batchKey key;                                     // how the batch is drawn
+  unsigned program = 0, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
+  int uniforms[16] = {};                            // uniform locations, see glBatch.cpp
 };
 
 coreState& core();

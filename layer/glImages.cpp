@@ -58,19 +58,17 @@ int imageFromPicture(rgbaImage& picture) {
 int texturedQuad(const image& img, const float xs[4], const float ys[4], const float us[4], const float vs[4],
                  int transparent) {
   if (img.texture == 0) return 0;
-  batchKey k = key2d();
+  batchKey k = key2d(primitive::quads);
   k.texture = img.texture;
   k.textureAlpha = transparent != 0;
-  vertex* v = reserve(k, 6);
+  vertex* v = reserve(k, 4);
   if (v == nullptr) return 0;
-  const int order[6] = {0, 1, 2, 0, 2, 3};
-  for (int i = 0; i < 6; ++i) {
-    const int c = order[i];
-    v[i] = vertex{};
-    v[i].x = xs[c];
-    v[i].y = ys[c];
-    v[i].u = us[c];
-    v[i].v = vs[c];
+  for (int c = 0; c < 4; ++c) {
+    v[c] = vertex{};
+    v[c].x = xs[c];
+    v[c].y = ys[c];
+    v[c].u = us[c];
+    v[c].v = vs[c];
   }
   return 0;
 }

@@ -33,14 +33,12 @@ void put(vertex& v, float x, float y, std::uint32_t c) {
 }
 
 void quad(float x1, float y1, float x2, float y2, std::uint32_t c) {
-  vertex* v = reserve(key2d(), 6);
+  vertex* v = reserve(key2d(primitive::quads), 4);
   if (v == nullptr) return;
   put(v[0], x1, y1, c);
   put(v[1], x2, y1, c);
   put(v[2], x2, y2, c);
-  put(v[3], x1, y1, c);
-  put(v[4], x2, y2, c);
-  put(v[5], x1, y2, c);
+  put(v[3], x1, y2, c);
 }
 
 void triangle(point a, point b, point p, std::uint32_t c) {
@@ -57,14 +55,12 @@ void thickSegment(point a, point b, float width, std::uint32_t c) {
   const float length = std::sqrt(dx * dx + dy * dy);
   if (!(length > 1e-6f) || !(width > 0.0f)) return;
   const float nx = -dy / length * 0.5f * width, ny = dx / length * 0.5f * width;
-  vertex* v = reserve(key2d(), 6);
+  vertex* v = reserve(key2d(primitive::quads), 4);
   if (v == nullptr) return;
   put(v[0], a.x + nx, a.y + ny, c);
   put(v[1], b.x + nx, b.y + ny, c);
   put(v[2], b.x - nx, b.y - ny, c);
-  put(v[3], a.x + nx, a.y + ny, c);
-  put(v[4], b.x - nx, b.y - ny, c);
-  put(v[5], a.x - nx, a.y - ny, c);
+  put(v[3], a.x - nx, a.y - ny, c);
 }
 
 // A closed convex outline: filled as a fan from its centre, or stroked as a

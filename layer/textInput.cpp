@@ -187,12 +187,12 @@ int drawTextInput(int x, int y, int handle, int showCursor) {
   if (showCursor && inputs.active == handle) {
     const int cx = x + textWidthOf(inputs.font, f->text.substr(0, f->cursor).c_str());
     const int h = std::max(textHeightOf(inputs.font), 1);
-    batchKey k = key2d();
+    batchKey k = key2d(primitive::quads);
     if (clip) std::copy(clip, clip + 4, k.clip);
-    vertex* v = reserve(k, 6);
+    vertex* v = reserve(k, 4);
     if (v != nullptr) {
-      const float xs[6] = {0, 2, 2, 0, 2, 0}, ys[6] = {0, 0, 1, 0, 1, 1};
-      for (int i = 0; i < 6; ++i) {
+      const float xs[4] = {0, 2, 2, 0}, ys[4] = {0, 0, 1, 1};
+      for (int i = 0; i < 4; ++i) {
         v[i] = vertex{};
         v[i].x = static_cast<float>(cx) + xs[i];
         v[i].y = static_cast<float>(y) + ys[i] * static_cast<float>(h);
