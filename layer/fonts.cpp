@@ -196,14 +196,7 @@ int newFont(const char* name, int size, int thickness) {
   f.face = openFace(file, f.size);
   if (f.face == nullptr) return -1;
   f.ascent = static_cast<int>(f.face->size->metrics.ascender >> 6);
-  f.live = true;
-  for (std::size_t i = 0; i < fonts.fonts.size(); ++i)
-    if (!fonts.fonts[i].live) {
-      fonts.fonts[i] = std::move(f);
-      return static_cast<int>(i);
-    }
-  fonts.fonts.push_back(std::move(f));
-  return static_cast<int>(fonts.fonts.size()) - 1;
+  return addToTable(fonts.fonts, std::move(f));
 }
 
 fontEntry* fontOf(int handle) {

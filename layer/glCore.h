@@ -157,6 +157,22 @@ extern const bool startsOffscreen;
 // Window side (window.cpp): the back buffer size changed.
 void resizeBackBuffer(int width, int height);
 
+// Puts a new object into the first free place of its table and returns the
+// handle. Handles start at 1: a record whose handle field still holds 0
+// never names a live object, so deleting 0 is always harmless.
+template <class T>
+int addToTable(std::vector<T>& table, T item) {
+  if (table.empty()) table.emplace_back();  // place 0 stays empty
+  item.live = true;
+  for (std::size_t i = 1; i < table.size(); ++i)
+    if (!table[i].live) {
+      table[i] = std::move(item);
+      return static_cast<int>(i);
+    }
+  table.push_back(std::move(item));
+  return static_cast<int>(table.size()) - 1;
+}
+
 // Colour helpers.
 inline void setColour(vertex& v, std::uint32_t c) {
   v.r = static_cast<std::uint8_t>(c >> 16);

@@ -20,17 +20,7 @@ namespace {
 
 constexpr int maxTargetSide = 16384;  // largest image the layer makes [px]
 
-int addImage(image img) {
-  std::vector<image>& table = core().images;
-  img.live = true;
-  for (std::size_t i = 0; i < table.size(); ++i)
-    if (!table[i].live) {
-      table[i] = img;
-      return static_cast<int>(i);
-    }
-  table.push_back(img);
-  return static_cast<int>(table.size()) - 1;
-}
+int addImage(image img) { return addToTable(core().images, img); }
 
 int newImage(int width, int height, const std::uint8_t* rgba, bool drawTarget) {
   if (width <= 0 || height <= 0 || width > maxTargetSide || height > maxTargetSide) return -1;
@@ -237,15 +227,7 @@ int makePixelImage(int width, int height) {
   p.width = width;
   p.height = height;
   p.rgba.assign(static_cast<std::size_t>(width) * height * 4, 0);
-  p.live = true;
-  std::vector<pixelImage>& table = core().pixelImages;
-  for (std::size_t i = 0; i < table.size(); ++i)
-    if (!table[i].live) {
-      table[i] = std::move(p);
-      return static_cast<int>(i);
-    }
-  table.push_back(std::move(p));
-  return static_cast<int>(table.size()) - 1;
+  return addToTable(core().pixelImages, std::move(p));
 }
 
 int captureToPixelImage(int x1, int y1, int x2, int y2, int handle) {

@@ -60,6 +60,7 @@ bool liveHandle(const std::vector<T>& table, int handle) {
 
 int newImage(int width, int height) {
   if (width <= 0 || height <= 0 || width > maxImageSide || height > maxImageSide) return -1;
+  if (state.images.empty()) state.images.emplace_back();  // handles start at 1: deleting 0 is harmless
   state.images.push_back({width, height, true});
   return static_cast<int>(state.images.size()) - 1;
 }
@@ -180,6 +181,7 @@ int makePixelImage(int width, int height) {
   p.height = height;
   p.rgba.assign(static_cast<std::size_t>(width) * height * 4, 0);
   p.live = true;
+  if (state.pixelImages.empty()) state.pixelImages.emplace_back();
   state.pixelImages.push_back(std::move(p));
   return static_cast<int>(state.pixelImages.size()) - 1;
 }
@@ -270,6 +272,7 @@ int setFontSize(int size) {
 int setFontThickness(int) { return 0; }
 int setFontFace(const char*, int) { return 0; }
 int makeFont(const char*, int size, int, int, int, int, int, int) {
+  if (state.fontSizes.empty()) state.fontSizes.push_back(0);
   state.fontSizes.push_back(size > 0 ? size : state.defaultFontSize);
   return static_cast<int>(state.fontSizes.size()) - 1;
 }
@@ -315,6 +318,7 @@ int mouseWheel(int) { return 0; }
 // ---------------------------------------------------------------- text input fields
 
 int makeTextInput(int maxLength, int, int, int, int, int) {
+  if (state.inputs.empty()) state.inputs.emplace_back();
   state.inputs.push_back({std::string(), maxLength > 0 ? maxLength : 0, true});
   return static_cast<int>(state.inputs.size()) - 1;
 }

@@ -130,14 +130,7 @@ int makeTextInput(int maxLength, int cancelValid, int singleByteOnly, int number
   f.singleByteOnly = singleByteOnly != 0;
   f.numbersOnly = numbersOnly != 0;
   f.doubleOnly = doubleOnly != 0;
-  f.live = true;
-  for (std::size_t i = 0; i < inputs.fields.size(); ++i)
-    if (!inputs.fields[i].live) {
-      inputs.fields[i] = f;
-      return static_cast<int>(i);
-    }
-  inputs.fields.push_back(f);
-  return static_cast<int>(inputs.fields.size()) - 1;
+  return addToTable(inputs.fields, f);
 }
 
 int deleteTextInput(int handle) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "layer/glCore.h"
 #include "layer/layer.h"
 
 namespace {
@@ -162,6 +163,8 @@ TEST_F(offscreenRender, textDrawsPixelsAndEmptyTextHasNoWidth) {
   EXPECT_EQ(deleteFont(font), 0);
   EXPECT_EQ(drawText(5, 60, "default", colour(255, 255, 255), font, 0, 0), 0) << "a deleted font falls back";
   EXPECT_GT(textWidthInFont(-1, "x"), 0);
+  EXPECT_GT(textWidthInFont(-1, "%s", "\xff\xfe\xc3"), 0) << "bytes that do not decode still show";
+  EXPECT_EQ(drawText(5, 90, "\xe6\x96", colour(255, 255, 255), -1, 0, 0), 0) << "a cut character";
 }
 
 TEST_F(offscreenRender, fontExistsTellsTheMapping) {
@@ -193,6 +196,11 @@ TEST_F(offscreenRender, handlesNeverMadeOrFailedDoNothing) {
   EXPECT_NE(imageSize(failed, &w, &h), 0);
   EXPECT_EQ(w, 0);
   EXPECT_EQ(at(10, 10).r, 0) << "nothing was drawn";
+  const int made = makeImage(4, 4, 0);
+  EXPECT_GT(made, 0) << "handles start at 1, so a field still holding 0 names nothing";
+  EXPECT_EQ(deleteImage(0), 0);
+  EXPECT_EQ(imageSize(made, &w, &h), 0) << "deleting 0 left the live image alone";
+  deleteImage(made);
   EXPECT_LT(makeOffscreenImage(0, 10, 0), 0);
   EXPECT_LT(makeImage(100000, 10, 0), 0);
 }
@@ -326,6 +334,66 @@ TEST_F(offscreenRender, capturedPixelsKeepTheirPlaceWhenTheRectangleLeavesTheTar
   EXPECT_EQ(r, 0);
   EXPECT_NE(readPixel(small, 10, 0, &r, nullptr, nullptr, nullptr), 0);
   deletePixelImage(small);
+}
+
+}  // namespace
+
+namespace {
+
+// Text fields are fed by the window's events; here the same entry points are
+// called directly, key by key.
+TEST(textInputField, typingEditingAndEnterFollowTheFieldsRules) {
+  using namespace marv;
+  const int field = makeTextInput(6, 0, 1, 0, 0, 0);
+  ASSERT_GT(field, 0);
+  ASSERT_EQ(activateTextInput(field), 0);
+  gl::textInputTyped("ab");
+  gl::textInputTyped("\xc3\xa9");  // not single-byte: refused
+  gl::textInputTyped("cde");
+  gl::textInputTyped("fg");  // beyond 6 bytes: refused whole
+  char text[32];
+  getTextInput(text, sizeof text, field);
+  EXPECT_STREQ(text, "abcde");
+  gl::textInputKey(gl::editKey::home);
+  gl::textInputKey(gl::editKey::right);
+  gl::textInputKey(gl::editKey::erase);  // removes "b"
+  gl::textInputTyped("X");
+  gl::textInputKey(gl::editKey::end);
+  gl::textInputKey(gl::editKey::backspace);
+  getTextInput(text, sizeof text, field);
+  EXPECT_STREQ(text, "aXcd");
+  gl::textInputKey(gl::editKey::escape);
+  EXPECT_EQ(textInputState(field), 0) << "Esc does not cancel a field that does not allow it";
+  gl::textInputKey(gl::editKey::enter);
+  EXPECT_EQ(textInputState(field), 1);
+  gl::textInputTyped("z");
+  getTextInput(text, 3, field);
+  EXPECT_STREQ(text, "aX") << "a finished field takes no more keys; the copy is cut to the buffer";
+  deleteTextInput(field);
+  EXPECT_EQ(textInputState(field), -1);
+}
+
+TEST(textInputField, multiByteTextIsEditedByWholeCharactersAndNumbersFilter) {
+  using namespace marv;
+  const int wide = makeTextInput(0, 1, 0, 0, 0, 0);
+  activateTextInput(wide);
+  setTextInput("x\xe6\x96\xb0y", wide);  // x, one three-byte character, y
+  setTextInputCursor(2, wide);           // after the wide character
+  gl::textInputKey(gl::editKey::backspace);
+  char text[32];
+  getTextInput(text, sizeof text, wide);
+  EXPECT_STREQ(text, "xy");
+  gl::textInputKey(gl::editKey::escape);
+  EXPECT_EQ(textInputState(wide), 2) << "cancelling allowed";
+
+  const int number = makeTextInput(10, 0, 1, 0, 1, 0);
+  activateTextInput(number);
+  for (const char* piece : {"1", ".", "5", "x", "e", "-", "3", " "}) gl::textInputTyped(piece);
+  getTextInput(text, sizeof text, number);
+  EXPECT_STREQ(text, "1.5e-3");
+  EXPECT_NE(activateTextInput(-1), 0);
+  deleteTextInput(wide);
+  deleteTextInput(number);
 }
 
 }  // namespace
