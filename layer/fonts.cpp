@@ -41,8 +41,8 @@ enum class faceKind { none, sans, mono, serif, japanese, japaneseProportional };
 
 struct faceName {
   const char* name;  // lower case, as asked for
-  faceKind kind;
-  bool bold;
+  faceKind kind;     // which stand-in
+  bool bold;         // the name asks for bold
 };
 
 // The faces the program asks for and their stand-ins.
@@ -139,26 +139,26 @@ struct glyph {
 };
 
 struct fontEntry {
-  FT_Face face = nullptr;      // the mapped face
-  FT_Face fallback = nullptr;  // the Japanese face for missing characters, opened on need
-  bool fallbackTried = false;
-  int size = 16;           // [px]
-  bool synthBold = false;  // thicken outlines
-  int ascent = 12;         // baseline below the top [px]
-  std::unordered_map<std::uint32_t, glyph> glyphs;
-  unsigned atlas = 0;                     // GL texture, made on the first drawing
-  int penX = 0, penY = 0, rowHeight = 0;  // free place in the atlas [px]
-  bool live = false;
+  FT_Face face = nullptr;                           // the mapped face
+  FT_Face fallback = nullptr;                       // the Japanese face for missing characters, opened on need
+  bool fallbackTried = false;                       // the fallback was looked for
+  int size = 16;                                    // [px]
+  bool synthBold = false;                           // thicken outlines
+  int ascent = 12;                                  // baseline below the top [px]
+  std::unordered_map<std::uint32_t, glyph> glyphs;  // by code point
+  unsigned atlas = 0;                               // GL texture, made on the first drawing
+  int penX = 0, penY = 0, rowHeight = 0;            // free place in the atlas [px]
+  bool live = false;                                // the handle is in use
 };
 
 struct fontState {
-  FT_Library library = nullptr;
-  std::vector<fontEntry> fonts;  // by handle
-  std::string defaultFace = "Consolas";
-  int defaultSize = 16;      // [px]
-  int defaultThickness = 4;  // [-]
-  int defaultFont = -1;      // font made from the defaults, or -1 until needed
-  bool defaultDirty = true;  // defaults changed since it was made
+  FT_Library library = nullptr;          // made on the first font
+  std::vector<fontEntry> fonts;          // by handle
+  std::string defaultFace = "Consolas";  // face of the default font
+  int defaultSize = 16;                  // [px]
+  int defaultThickness = 4;              // [-]
+  int defaultFont = -1;                  // font made from the defaults, or -1 until needed
+  bool defaultDirty = true;              // defaults changed since it was made
 };
 
 fontState fonts;

@@ -340,7 +340,7 @@ bool makeImageObjects(image& img, const std::uint8_t* rgba, bool drawTarget) {
 }
 
 void freeImageObjects(image& img) {
-  if (state.ready && img.parent < 0) {
+  if (state.ready) {
     if (img.framebuffer) glDeleteFramebuffers(1, &img.framebuffer);
     if (img.depth) glDeleteRenderbuffers(1, &img.depth);
     if (img.texture) glDeleteTextures(1, &img.texture);
@@ -376,8 +376,10 @@ using namespace gl;
 
 int setDrawTarget(int handle) {
   coreState& s = core();
-  const bool valid = handle == backBuffer || (imageOf(handle) != nullptr && imageOf(handle)->framebuffer != 0) ||
-                     (!s.ready && imageOf(handle) != nullptr);
+  // Only off-screen images have a framebuffer; without a renderer every
+  // live image may stand as a target, as in the headless backend.
+  const image* img = imageOf(handle);
+  const bool valid = handle == backBuffer || (img != nullptr && (img->framebuffer != 0 || !s.ready));
   if (!valid) return -1;
   if (handle != s.target) flush();
   s.target = handle;

@@ -53,21 +53,19 @@ bool operator==(const batchKey& a, const batchKey& b);
 
 // An image: a texture, and for draw targets a framebuffer with depth.
 struct image {
-  int width = 0;                                     // [px]
-  int height = 0;                                    // [px]
-  unsigned texture = 0;                              // GL texture name; 0 with no renderer
-  unsigned framebuffer = 0;                          // GL framebuffer name; 0 unless a draw target
-  unsigned depth = 0;                                // GL renderbuffer name of the depth buffer
-  int parent = -1;                                   // cell of this image (sharing its texture), or -1
-  float u0 = 0.0f, v0 = 0.0f, u1 = 1.0f, v1 = 1.0f;  // part of the texture [-]
-  bool live = false;
+  int width = 0;             // [px]
+  int height = 0;            // [px]
+  unsigned texture = 0;      // GL texture name; 0 with no renderer
+  unsigned framebuffer = 0;  // GL framebuffer name; 0 unless a draw target
+  unsigned depth = 0;        // GL renderbuffer name of the depth buffer
+  bool live = false;         // the handle is in use
 };
 
 struct pixelImage {
   int width = 0;                   // [px]
   int height = 0;                  // [px]
   std::vector<std::uint8_t> rgba;  // width*height*4, rows top-down
-  bool live = false;
+  bool live = false;               // the handle is in use
 };
 
 struct lightState {
@@ -80,21 +78,21 @@ struct lightState {
 
 // The state of the backend. One instance; main thread only.
 struct coreState {
-  bool ready = false;                              // a GL context is current and the renderer is built
-  int width = 1080;                                // back buffer [px]
-  int height = 560;                                // back buffer [px]
-  int target = backBuffer;                         // current draw target
-  image backImage;                                 // the back buffer as an off-screen target
-  std::vector<image> images;                       // by handle
-  std::vector<pixelImage> pixelImages;             // by handle
-  float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};  // clear colour [0..1]
-  int blendMode = 0;                               // 0 none, 1 alpha
-  int blendAmount = 255;                           // [0..255]
-  bool zBuffer = false;                            // depth test of 3D shapes
-  bool zWrite = false;                             // depth write of 3D shapes
-  bool lighting = false;                           // point light on 3D shapes
-  cameraState camera;                              // current camera; size follows the draw target
-  lightState light;
+  bool ready = false;                               // a GL context is current and the renderer is built
+  int width = 1080;                                 // back buffer [px]
+  int height = 560;                                 // back buffer [px]
+  int target = backBuffer;                          // current draw target
+  image backImage;                                  // the back buffer as an off-screen target
+  std::vector<image> images;                        // by handle
+  std::vector<pixelImage> pixelImages;              // by handle
+  float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};   // clear colour [0..1]
+  int blendMode = 0;                                // 0 none, 1 alpha
+  int blendAmount = 255;                            // [0..255]
+  bool zBuffer = false;                             // depth test of 3D shapes
+  bool zWrite = false;                              // depth write of 3D shapes
+  bool lighting = false;                            // point light on 3D shapes
+  cameraState camera;                               // current camera; size follows the draw target
+  lightState light;                                 // the point light
   int transparentKey[3] = {-1, -1, -1};             // colour made transparent in images loaded later
   long long drawCalls = 0;                          // draw calls issued since start
   std::vector<vertex> vertices;                     // the batch buffer, allocated once

@@ -73,7 +73,7 @@ void line3d(vec3 a, vec3 b, std::uint32_t c) {
 struct meshPen {
   std::uint32_t diffuse = 0;   // packed colour
   std::uint32_t specular = 0;  // packed colour
-  bool fill = true;
+  bool fill = true;            // triangles, or their edges as lines
   void triangle(vec3 a, vec3 b, vec3 c, vec3 na, vec3 nb, vec3 nc) const {
     if (!fill) {
       line3d(a, b, diffuse);

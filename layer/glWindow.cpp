@@ -30,23 +30,23 @@ namespace {
 // ---------------------------------------------------------------- state
 
 struct windowState {
-  bool started = false;  // startLayer succeeded
-  bool closed = false;   // the user closed the window
-  SDL_Window* window = nullptr;
-  SDL_GLContext context = nullptr;
-  EGLDisplay eglDisplay = EGL_NO_DISPLAY;
-  EGLContext eglContext = EGL_NO_CONTEXT;
-  std::string title = "Marvanesse+";
-  int iconId = -1;  // picture of the window icon, or -1
-  bool resizable = false;
-  bool active = true;  // the window has the focus
-  bool dropEnabled = false;
-  std::deque<std::string> dropped;  // paths, oldest first
-  std::uint8_t keys[256] = {};      // 1 while held, by key code
-  int buttons = 0;                  // mouseButtons bits
-  int mouseX = 0;                   // [px of the back buffer]
-  int mouseY = 0;                   // [px of the back buffer]
-  int wheel = 0;                    // notches since the last clearing call
+  bool started = false;                    // startLayer succeeded
+  bool closed = false;                     // the user closed the window
+  SDL_Window* window = nullptr;            // the window, or null off-screen
+  SDL_GLContext context = nullptr;         // its OpenGL context
+  EGLDisplay eglDisplay = EGL_NO_DISPLAY;  // off-screen display
+  EGLContext eglContext = EGL_NO_CONTEXT;  // off-screen context
+  std::string title = "Marvanesse+";       // title bar text
+  int iconId = -1;                         // picture of the window icon, or -1
+  bool resizable = false;                  // the user may resize the window
+  bool active = true;                      // the window has the focus
+  bool dropEnabled = false;                // dropped files are taken
+  std::deque<std::string> dropped;         // paths, oldest first
+  std::uint8_t keys[256] = {};             // 1 while held, by key code
+  int buttons = 0;                         // mouseButtons bits
+  int mouseX = 0;                          // [px of the back buffer]
+  int mouseY = 0;                          // [px of the back buffer]
+  int wheel = 0;                           // notches since the last clearing call
 };
 
 windowState win;

@@ -28,7 +28,7 @@ struct textField {
   bool doubleOnly = false;       // characters of a decimal number only
   int state = 0;                 // 0 editing, 1 Enter, 2 cancelled
   int clip[4] = {0, 0, -1, -1};  // visible rectangle [px]; x2 < x1 for none
-  bool live = false;
+  bool live = false;             // the handle is in use
 };
 
 struct inputState {
@@ -36,7 +36,7 @@ struct inputState {
   int active = -1;                // field that gets the keyboard
   int font = -1;                  // font of all fields
   // Colours: 0 text, 1 cursor; the others are kept for callers that set them.
-  std::uint32_t colours[17] = {0xFF000000u, 0xFF000000u};
+  std::uint32_t colours[17] = {0xFF000000u, 0xFF000000u};  // packed colours
 };
 
 inputState inputs;
