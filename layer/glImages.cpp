@@ -63,6 +63,14 @@ int texturedQuad(const image& img, const float xs[4], const float ys[4], const f
   return 0;
 }
 
+int stretchedQuad(const image& img, float x1, float y1, float x2, float y2, int transparent) {
+  const float xs[4] = {x1, x2, x2, x1};
+  const float ys[4] = {y1, y1, y2, y2};
+  const float us[4] = {0.0f, 1.0f, 1.0f, 0.0f};
+  const float vs[4] = {0.0f, 0.0f, 1.0f, 1.0f};
+  return texturedQuad(img, xs, ys, us, vs, transparent);
+}
+
 pixelImage* pixelImageOf(int handle) {
   std::vector<pixelImage>& table = core().pixelImages;
   if (handle < 0 || handle >= static_cast<int>(table.size()) || !table[handle].live) return nullptr;
@@ -85,15 +93,16 @@ int captureScreen(int x1, int y1, int x2, int y2, int handle) {
   const image* target = imageOf(s.target);
   if (target == nullptr) return -1;
   flush();
-  // Clip the source to the target; the copy lands at the image's top left.
-  const int sx = std::max(x1, 0), sy = std::max(y1, 0);
-  const int w = std::min({x2, target->width}) - sx, h = std::min({y2, target->height}) - sy;
-  const int dx = sx - x1, dy = sy - y1;
-  const int cw = std::min(w, img->width - dx), ch = std::min(h, img->height - dy);
+  // Clip the source to the target; the rectangle's corner lands at the
+  // image's top left. 64-bit sums: corners may lie anywhere in int's range.
+  const long long sx = std::max(x1, 0), sy = std::max(y1, 0);
+  const long long dx = sx - x1, dy = sy - y1;
+  const long long w = std::min(x2, target->width) - sx, h = std::min(y2, target->height) - sy;
+  const long long cw = std::min(w, img->width - dx), ch = std::min(h, img->height - dy);
   if (cw <= 0 || ch <= 0) return 0;
   bindTarget();
   glBindTexture(GL_TEXTURE_2D, img->texture);
-  glCopyTexSubImage2D(GL_TEXTURE_2D, 0, dx, dy, sx, sy, cw, ch);
+  glCopyTexSubImage2D(GL_TEXTURE_2D, 0, GLint(dx), GLint(dy), GLint(sx), GLint(sy), GLsizei(cw), GLsizei(ch));
   return 0;
 }
 
@@ -171,17 +180,14 @@ int setTransparentColour(int r, int g, int b) {
 int drawImage(int x, int y, int handle, int transparent) {
   const image* img = imageOf(handle);
   if (img == nullptr || handle == backBuffer) return -1;
-  return drawImageStretched(x, y, x + img->width, y + img->height, handle, transparent);
+  return stretchedQuad(*img, float(x), float(y), float(x) + float(img->width), float(y) + float(img->height),
+                       transparent);
 }
 
 int drawImageStretched(int x1, int y1, int x2, int y2, int handle, int transparent) {
   const image* img = imageOf(handle);
   if (img == nullptr || handle == backBuffer) return -1;
-  const float xs[4] = {float(x1), float(x2), float(x2), float(x1)};
-  const float ys[4] = {float(y1), float(y1), float(y2), float(y2)};
-  const float us[4] = {0.0f, 1.0f, 1.0f, 0.0f};
-  const float vs[4] = {0.0f, 0.0f, 1.0f, 1.0f};
-  return texturedQuad(*img, xs, ys, us, vs, transparent);
+  return stretchedQuad(*img, float(x1), float(y1), float(x2), float(y2), transparent);
 }
 
 int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int handle, int transparent, int flipX,
@@ -190,12 +196,13 @@ int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int h
   if (img == nullptr || handle == backBuffer) return -1;
   if (width <= 0 || height <= 0) return 0;
   const float iw = static_cast<float>(img->width), ih = static_cast<float>(img->height);
-  float u0 = static_cast<float>(srcX) / iw, u1 = static_cast<float>(srcX + width) / iw;
-  float v0 = static_cast<float>(srcY) / ih, v1 = static_cast<float>(srcY + height) / ih;
+  const float fw = float(width), fh = float(height);
+  float u0 = float(srcX) / iw, u1 = (float(srcX) + fw) / iw;
+  float v0 = float(srcY) / ih, v1 = (float(srcY) + fh) / ih;
   if (flipX) std::swap(u0, u1);
   if (flipY) std::swap(v0, v1);
-  const float xs[4] = {float(x), float(x + width), float(x + width), float(x)};
-  const float ys[4] = {float(y), float(y), float(y + height), float(y + height)};
+  const float xs[4] = {float(x), float(x) + fw, float(x) + fw, float(x)};
+  const float ys[4] = {float(y), float(y), float(y) + fh, float(y) + fh};
   const float us[4] = {u0, u1, u1, u0};
   const float vs[4] = {v0, v0, v1, v1};
   return texturedQuad(*img, xs, ys, us, vs, transparent);
@@ -239,7 +246,7 @@ int captureToPixelImage(int x1, int y1, int x2, int y2, int handle) {
   if (!readTarget(x1, y1, x2, y2, rgba, w, h)) return 0;
   // The read started at the clipped corner; place it where it lies in the
   // requested rectangle.
-  const int dx = std::max(0, -x1), dy = std::max(0, -y1);
+  const long long dx = std::max(0LL, -static_cast<long long>(x1)), dy = std::max(0LL, -static_cast<long long>(y1));
   for (int y = 0; y < h && dy + y < p->height; ++y)
     for (int x = 0; x < w && dx + x < p->width; ++x)
       for (int c = 0; c < 4; ++c)

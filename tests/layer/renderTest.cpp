@@ -90,6 +90,16 @@ TEST_F(offscreenRender, offScreenCoordinatesAreClippedNotRefused) {
   EXPECT_EQ(at(5, 50).r, 0);
   EXPECT_EQ(at(width - 1, 100).r, 255);
   EXPECT_EQ(at(10, 2).g, 255);
+
+  // Corners at the ends of int's range draw, copy and read nothing, safely.
+  const int big = 2147483647, small = -2147483647 - 1;
+  const int picture = makeImage(8, 8, 0);
+  EXPECT_EQ(drawImage(big, big, picture, 0), 0);
+  EXPECT_EQ(drawImageRect(big, small, big, small, big, big, picture, 0, 1, 1), 0);
+  EXPECT_EQ(drawBox(small, small, big, big, colour(0, 0, 255), 0), 0);
+  EXPECT_EQ(captureScreen(small, small, big, big, picture), 0);
+  EXPECT_EQ(captureToPixelImage(small, small, big, big, pixels), 0);
+  deleteImage(picture);
 }
 
 TEST_F(offscreenRender, alphaBlendMixesByTheAmount) {
