@@ -81,6 +81,44 @@ TEST_F(offscreenRender, frameAndLinesLieOnTheOutermostPixels) {
   EXPECT_EQ(at(60, 61).b, 0);
 }
 
+TEST_F(offscreenRender, floatShapesFadeTheirEdgesButKeepTheirArea) {
+  drawBoxF(10.0f, 10.0f, 20.0f, 20.0f, colour(255, 255, 255), 1, 1.0f);
+  EXPECT_EQ(at(10, 10).r, 255) << "a box on whole pixels keeps hard edges";
+  EXPECT_EQ(at(19, 19).r, 255);
+  EXPECT_EQ(at(20, 15).r, 0);
+  EXPECT_EQ(at(9, 15).r, 0);
+
+  drawCircleF(80.0f, 60.0f, 20.3f, 64, colour(255, 255, 255), 1, 1.0f);
+  captureToPixelImage(0, 0, width, height, pixels);
+  int partial = 0;
+  double area = 0.0;
+  for (int y = 30; y < 90; ++y)
+    for (int x = 50; x < 110; ++x) {
+      int r = 0;
+      readPixel(pixels, x, y, &r, nullptr, nullptr, nullptr);
+      partial += r > 20 && r < 235;
+      area += r / 255.0;
+    }
+  EXPECT_GT(partial, 40) << "the rim is anti-aliased";
+  EXPECT_NEAR(area, 3.14159 * 20.3 * 20.3, 25.0) << "and the disc keeps its area";
+
+  clearDrawTarget();
+  drawLineF(10.0f, 100.5f, 150.0f, 100.5f, colour(0, 255, 0), 3.0f);
+  // Three pixels wide about y = 100.5: rows 99, 100 and 101.
+  EXPECT_EQ(at(80, 99).g, 255);
+  EXPECT_EQ(at(80, 100).g, 255);
+  EXPECT_EQ(at(80, 101).g, 255);
+  EXPECT_LT(at(80, 98).g, 10);
+  EXPECT_LT(at(80, 102).g, 10);
+
+  // Off the pixel grid the edge rows share the colour.
+  clearDrawTarget();
+  drawLineF(10.0f, 101.0f, 150.0f, 101.0f, colour(0, 255, 0), 3.0f);
+  EXPECT_EQ(at(80, 100).g, 255);
+  EXPECT_NEAR(at(80, 99).g, 128, 20);
+  EXPECT_NEAR(at(80, 102).g, 128, 20);
+}
+
 TEST_F(offscreenRender, offScreenCoordinatesAreClippedNotRefused) {
   EXPECT_EQ(drawBox(-1000000, -50, 5, 1000000, colour(255, 255, 255), 1), 0);
   EXPECT_EQ(drawLine(-500, 100, 100000, 100, colour(255, 0, 0), 1), 0);
