@@ -336,12 +336,13 @@ int formattedWidth(int handle, const char* format, va_list args) {
 
 namespace gl {
 
-int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4]) {
+int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical) {
   fontEntry* f = fontOf(font);
   if (f == nullptr || text == nullptr) return -1;
   if (!core().ready) return 0;
   float penX = static_cast<float>(x);
-  const float baseline = static_cast<float>(y + f->ascent);
+  float baseline = static_cast<float>(y + f->ascent);
+  const float lineHeight = static_cast<float>(f->face->size->metrics.height >> 6);
   for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p;) {
     const std::uint32_t cp = nextCodePoint(p);
     if (cp == '\n' || cp == '\r') continue;
@@ -353,7 +354,9 @@ int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, 
       if (clip) std::copy(clip, clip + 4, k.clip);
       vertex* v = reserve(k, 4);
       if (v == nullptr) return 0;
-      const float x0 = penX + static_cast<float>(g->left), y0 = baseline - static_cast<float>(g->top);
+      // Vertical text centres each character on the column's middle.
+      const float across = vertical ? 0.5f * static_cast<float>(f->size - g->advance) : 0.0f;
+      const float x0 = penX + across + static_cast<float>(g->left), y0 = baseline - static_cast<float>(g->top);
       const float x1 = x0 + static_cast<float>(g->w), y1 = y0 + static_cast<float>(g->h);
       const float s = 1.0f / static_cast<float>(atlasSide);
       const float u0 = static_cast<float>(g->x) * s, v0 = static_cast<float>(g->y) * s;
@@ -369,7 +372,10 @@ int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, 
         setColour(v[i], colour);
       }
     }
-    penX += static_cast<float>(g->advance);
+    if (vertical)
+      baseline += lineHeight;
+    else
+      penX += static_cast<float>(g->advance);
   }
   return 0;
 }
@@ -438,15 +444,15 @@ int deleteFont(int handle) {
   return 0;
 }
 
-int drawText(int x, int y, const char* text, std::uint32_t colour, int font, std::uint32_t edgeColour, int) {
+int drawText(int x, int y, const char* text, std::uint32_t colour, int font, std::uint32_t edgeColour, int vertical) {
   if (text == nullptr) return -1;
   if (edgeColour != 0) {
     // An edge of one pixel: the text in the edge colour around the place.
     for (int dy = -1; dy <= 1; ++dy)
       for (int dx = -1; dx <= 1; ++dx)
-        if (dx != 0 || dy != 0) drawTextRun(x + dx, y + dy, text, edgeColour, font, nullptr);
+        if (dx != 0 || dy != 0) drawTextRun(x + dx, y + dy, text, edgeColour, font, nullptr, vertical != 0);
   }
-  return drawTextRun(x, y, text, colour, font, nullptr);
+  return drawTextRun(x, y, text, colour, font, nullptr, vertical != 0);
 }
 
 int drawTextFormat(int x, int y, std::uint32_t colour, int font, const char* format, ...) {

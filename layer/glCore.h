@@ -134,8 +134,9 @@ bool makeImageObjects(image& img, const std::uint8_t* rgba, bool drawTarget);
 void freeImageObjects(image& img);
 
 // Text parts (fonts.cpp) over the renderer. A font handle that is not live
-// stands for the default font.
-int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4]);
+// stands for the default font. Vertical text stands upright, one character
+// below the other, each a line height lower.
+int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical = false);
 int textWidthOf(int font, const char* text);  // [px]
 int textHeightOf(int font);                   // line height [px]
 void stopFonts();

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <jpeglib.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -208,6 +209,21 @@ TEST_F(offscreenRender, textDrawsPixelsAndEmptyTextHasNoWidth) {
     }
   EXPECT_GT(lit, 50);
   EXPECT_EQ(beyond, 0) << "the text stays within its width";
+  // Vertical text runs down a narrow column.
+  clearDrawTarget();
+  drawText(70, 0, "MMMM", colour(255, 255, 255), font, 0, 1);
+  captureToPixelImage(0, 0, width, height, pixels);
+  int top = height, bottom = -1, left = width, right = -1;
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) {
+      int r = 0;
+      readPixel(pixels, x, y, &r, nullptr, nullptr, nullptr);
+      if (r < 128) continue;
+      top = std::min(top, y), bottom = std::max(bottom, y), left = std::min(left, x), right = std::max(right, x);
+    }
+  EXPECT_GT(bottom - top, 3 * (right - left)) << "taller than wide";
+  EXPECT_GE(left, 70);
+  EXPECT_LE(right, 90);
   EXPECT_EQ(deleteFont(font), 0);
   EXPECT_EQ(drawText(5, 60, "default", colour(255, 255, 255), font, 0, 0), 0) << "a deleted font falls back";
   EXPECT_GT(textWidthInFont(-1, "x"), 0);
