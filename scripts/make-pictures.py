@@ -171,7 +171,7 @@ def text_sdf(ox, oy, text, scale=3):
                 if bit == "1":
                     cx = x0 + (i * 6 + k + 0.5) * scale
                     cy = y0 + (r + 0.5) * scale
-                    boxes.append(rounded_box(cx, cy, scale * 0.5, scale * 0.5, 0.5))
+                    boxes.append(rounded_box(cx, cy, scale * 0.5 + 0.3, scale * 0.5 + 0.3, 0.3))
     return lambda x, y: min(b(x, y) for b in boxes) if boxes else 1.0
 
 
