@@ -9,75 +9,86 @@ namespace marv {
 
 namespace {
 
-vec3 sub(vec3 a, vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-vec3 add(vec3 a, vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-vec3 scale(vec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
 float dot(vec3 a, vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-vec3 cross(vec3 a, vec3 b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
+
+struct dvec {
+  double x = 0.0, y = 0.0, z = 0.0;  // same units as the vec3 it came from
+};
+dvec dsub(vec3 a, vec3 b) { return {double(a.x) - b.x, double(a.y) - b.y, double(a.z) - b.z}; }
+double ddot(dvec a, dvec b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+dvec dcross(dvec a, dvec b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
+double dnorm(dvec a) { return std::sqrt(ddot(a, a)); }
 
 }  // namespace
 
-// Möller-Trumbore with the ray parameter limited to the segment [0, 1].
+// Möller-Trumbore with the ray parameter limited to the segment [0, 1],
+// in double precision: scene coordinates are pixel-like (hundreds to
+// thousands), where single precision loses the edges of small triangles.
+// Points on an edge or a corner count as hits.
 hitResult lineTriangleHit(vec3 a, vec3 b, vec3 p1, vec3 p2, vec3 p3) {
   hitResult result;
-  const vec3 dir = sub(b, a);
-  const vec3 e1 = sub(p2, p1);
-  const vec3 e2 = sub(p3, p1);
-  const vec3 pv = cross(dir, e2);
-  const float det = dot(e1, pv);
-  if (std::fabs(det) < 1e-12f) return result;
-  const float inv = 1.0f / det;
-  const vec3 tv = sub(a, p1);
-  const float u = dot(tv, pv) * inv;
-  if (u < 0.0f || u > 1.0f) return result;
-  const vec3 qv = cross(tv, e1);
-  const float v = dot(dir, qv) * inv;
-  if (v < 0.0f || u + v > 1.0f) return result;
-  const float t = dot(e2, qv) * inv;
-  if (t < 0.0f || t > 1.0f) return result;
+  const dvec dir = dsub(b, a);
+  const dvec e1 = dsub(p2, p1);
+  const dvec e2 = dsub(p3, p1);
+  const dvec pv = dcross(dir, e2);
+  const double det = ddot(e1, pv);
+  // Parallel to the plane (or a degenerate segment or triangle), relative to
+  // the sizes involved.
+  const double scale = dnorm(dir) * dnorm(e1) * dnorm(e2);
+  if (!(std::fabs(det) > 1e-12 * scale) || scale == 0.0) return result;
+  const double inv = 1.0 / det;
+  const dvec tv = dsub(a, p1);
+  const double u = ddot(tv, pv) * inv;
+  if (u < 0.0 || u > 1.0) return result;
+  const dvec qv = dcross(tv, e1);
+  const double v = ddot(dir, qv) * inv;
+  if (v < 0.0 || u + v > 1.0) return result;
+  const double t = ddot(e2, qv) * inv;
+  if (t < 0.0 || t > 1.0) return result;
   result.hit = 1;
-  result.point = add(a, scale(dir, t));
+  result.point = {static_cast<float>(a.x + dir.x * t), static_cast<float>(a.y + dir.y * t),
+                  static_cast<float>(a.z + dir.z * t)};
   return result;
 }
 
 // Closest points of two segments by clamped parameters (Ericson, Real-Time
-// Collision Detection, 5.1.9); degenerate segments count as points.
+// Collision Detection, 5.1.9), in double precision so that nearly parallel
+// segments keep a meaningful denominator; degenerate segments count as
+// points.
 float segmentDistance(vec3 a1, vec3 a2, vec3 b1, vec3 b2) {
-  const vec3 d1 = sub(a2, a1);
-  const vec3 d2 = sub(b2, b1);
-  const vec3 r = sub(a1, b1);
-  const float a = dot(d1, d1);
-  const float e = dot(d2, d2);
-  const float f = dot(d2, r);
-  constexpr float tiny = 1e-12f;
-  float s = 0.0f;
-  float t = 0.0f;
+  const dvec d1 = dsub(a2, a1);
+  const dvec d2 = dsub(b2, b1);
+  const dvec r = dsub(a1, b1);
+  const double a = ddot(d1, d1);
+  const double e = ddot(d2, d2);
+  const double f = ddot(d2, r);
+  constexpr double tiny = 1e-20;
+  double s = 0.0;
+  double t = 0.0;
   if (a <= tiny && e <= tiny) {
-    s = t = 0.0f;
+    s = t = 0.0;
   } else if (a <= tiny) {
-    t = std::clamp(f / e, 0.0f, 1.0f);
+    t = std::clamp(f / e, 0.0, 1.0);
   } else {
-    const float c = dot(d1, r);
+    const double c = ddot(d1, r);
     if (e <= tiny) {
-      s = std::clamp(-c / a, 0.0f, 1.0f);
+      s = std::clamp(-c / a, 0.0, 1.0);
     } else {
-      const float b = dot(d1, d2);
-      const float denom = a * e - b * b;
-      s = denom > tiny ? std::clamp((b * f - c * e) / denom, 0.0f, 1.0f) : 0.0f;
+      const double b = ddot(d1, d2);
+      const double denom = a * e - b * b;
+      s = denom > 1e-12 * a * e ? std::clamp((b * f - c * e) / denom, 0.0, 1.0) : 0.0;
       t = (b * s + f) / e;
-      if (t < 0.0f) {
-        t = 0.0f;
-        s = std::clamp(-c / a, 0.0f, 1.0f);
-      } else if (t > 1.0f) {
-        t = 1.0f;
-        s = std::clamp((b - c) / a, 0.0f, 1.0f);
+      if (t < 0.0) {
+        t = 0.0;
+        s = std::clamp(-c / a, 0.0, 1.0);
+      } else if (t > 1.0) {
+        t = 1.0;
+        s = std::clamp((b - c) / a, 0.0, 1.0);
       }
     }
   }
-  const vec3 pa = add(a1, scale(d1, s));
-  const vec3 pb = add(b1, scale(d2, t));
-  const vec3 d = sub(pa, pb);
-  return std::sqrt(dot(d, d));
+  const dvec d{r.x + d1.x * s - d2.x * t, r.y + d1.y * s - d2.y * t, r.z + d1.z * s - d2.z * t};
+  return static_cast<float>(std::sqrt(ddot(d, d)));
 }
 
 float vecLength(vec3 v) {

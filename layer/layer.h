@@ -266,4 +266,9 @@ int setTextInputFont(int font);                                    // font of al
 int nowMs();         // milliseconds since an arbitrary start, 31 bits
 int waitMs(int ms);  // sleeps; 0 yields
 
+// ---------------------------------------------------------------- backend facts (tests, batch runs)
+
+int drawCallCount();     // draw calls the backend has issued since it started
+int layerDrawsPixels();  // 1 when drawing reaches pixels (a renderer runs), else 0
+
 }  // namespace marv

@@ -1,0 +1,434 @@
+// The renderer of the OpenGL backend: one shader program for every shape,
+// the vertex batch and its flush, draw targets as framebuffers, and the
+// frame state operations (draw target, clear, blend, depth).
+//
+// Sections: shaders | renderer life | batch | targets and images | frame control
+//
+// Everything is drawn into framebuffers whose rows run top-down, as the
+// pixels of the layer do: row 0 is the top of the picture. Reading back and
+// copying between images then needs no flipping; only present() flips when
+// it copies the back buffer to the window.
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+
+#include "layer/glCore.h"
+
+namespace marv::gl {
+
+namespace {
+
+// Vertices one batch holds: 32768 boxes, 65536 triangles [-].
+constexpr int batchCapacity = 196608;
+constexpr float ambientShare = 0.3f;  // light every lit surface gets without the lamp [-]
+
+enum uniformSlot { uMatrix, uLit, uLightPos, uAtten, uEye, uTextured, uTexAlpha, uGlyphs, uAlphaScale, uTex };
+
+const char* vertexSource = R"(#version 330 core
+layout(location = 0) in vec3 aPos;
+layout(location = 1) in vec3 aNormal;
+layout(location = 2) in vec4 aColour;
+layout(location = 3) in vec4 aSpecular;
+layout(location = 4) in vec2 aUv;
+uniform mat4 uMatrix;
+uniform int uLit;
+uniform vec3 uLightPos;
+uniform vec4 uAtten;  // a0, a1, a2, range
+uniform vec3 uEye;
+uniform float uAmbient;
+out vec4 vColour;
+out vec2 vUv;
+void main() {
+  gl_Position = uMatrix * vec4(aPos, 1.0);
+  vUv = aUv;
+  vColour = aColour;
+  float nl = length(aNormal);
+  if (uLit != 0 && nl > 0.0) {
+    // Two-sided: the normal is turned toward the eye, so planes drawn in
+    // either winding are lit on the side that is seen.
+    vec3 n = aNormal / nl;
+    vec3 toEye = uEye - aPos;
+    if (dot(n, toEye) < 0.0) n = -n;
+    vec3 toLight = uLightPos - aPos;
+    float d = length(toLight);
+    vec3 l = d > 0.0 ? toLight / d : n;
+    float att = d > uAtten.w ? 0.0 : min(1.0, 1.0 / max(uAtten.x + uAtten.y * d + uAtten.z * d * d, 1e-6));
+    float diffuse = max(dot(n, l), 0.0);
+    float eyeLength = length(toEye);
+    vec3 e = eyeLength > 0.0 ? toEye / eyeLength : n;
+    float specular = diffuse > 0.0 ? pow(max(dot(n, normalize(l + e)), 0.0), 16.0) : 0.0;
+    vColour.rgb = aColour.rgb * (uAmbient + (1.0 - uAmbient) * diffuse * att) + aSpecular.rgb * (0.4 * specular * att);
+  }
+}
+)";
+
+const char* fragmentSource = R"(#version 330 core
+in vec4 vColour;
+in vec2 vUv;
+uniform int uTextured;
+uniform int uTexAlpha;
+uniform int uGlyphs;
+uniform float uAlphaScale;
+uniform sampler2D uTex;
+out vec4 fragColour;
+void main() {
+  vec4 c = vColour;
+  if (uTextured != 0) {
+    vec4 t = texture(uTex, vUv);
+    if (uGlyphs != 0) t = vec4(1.0, 1.0, 1.0, t.r);
+    else if (uTexAlpha == 0) t.a = 1.0;
+    c *= t;
+  }
+  c.a *= uAlphaScale;
+  if (c.a <= 0.0) discard;
+  fragColour = c;
+}
+)";
+
+coreState state;
+
+unsigned compileShader(GLenum kind, const char* source) {
+  const GLuint s = glCreateShader(kind);
+  glShaderSource(s, 1, &source, nullptr);
+  glCompileShader(s);
+  GLint ok = 0;
+  glGetShaderiv(s, GL_COMPILE_STATUS, &ok);
+  if (!ok) {
+    char log[1024] = {};
+    glGetShaderInfoLog(s, sizeof log, nullptr, log);
+    std::fprintf(stderr, "marvanesse: shader does not compile: %s\n", log);
+    glDeleteShader(s);
+    return 0;
+  }
+  return s;
+}
+
+void uploadMatrix(int slot, const matrix4& m) { glUniformMatrix4fv(state.uniforms[slot], 1, GL_TRUE, &m.m[0][0]); }
+
+// Pixels to clip coordinates, rows top-down: x 0..w to -1..1, y 0..h to -1..1.
+matrix4 pixelMatrix(int width, int height) {
+  matrix4 m;
+  m.m[0][0] = 2.0f / static_cast<float>(width);
+  m.m[0][3] = -1.0f;
+  m.m[1][1] = 2.0f / static_cast<float>(height);
+  m.m[1][3] = -1.0f;
+  return m;
+}
+
+void applyKey(const batchKey& k) {
+  const image* target = imageOf(state.target);
+  const int w = target ? target->width : state.width;
+  const int h = target ? target->height : state.height;
+  if (k.is3d) {
+    cameraState cam = state.camera;
+    cam.width = w;
+    cam.height = h;
+    uploadMatrix(uMatrix, multiply(projectionMatrix(cam), viewMatrix(cam)));
+  } else {
+    uploadMatrix(uMatrix, pixelMatrix(w, h));
+  }
+  glUniform1i(state.uniforms[uLit], k.lit ? 1 : 0);
+  if (k.lit) {
+    const lightState& l = state.light;
+    glUniform3f(state.uniforms[uLightPos], l.position.x, l.position.y, l.position.z);
+    glUniform4f(state.uniforms[uAtten], l.a0, l.a1, l.a2, l.range);
+    const vec3 e = state.camera.position;
+    glUniform3f(state.uniforms[uEye], e.x, e.y, e.z);
+  }
+  glUniform1i(state.uniforms[uTextured], k.texture != 0 ? 1 : 0);
+  glUniform1i(state.uniforms[uTexAlpha], k.textureAlpha ? 1 : 0);
+  glUniform1i(state.uniforms[uGlyphs], k.glyphs ? 1 : 0);
+  glUniform1f(state.uniforms[uAlphaScale], static_cast<float>(k.alphaAmount) / 255.0f);
+  glBindTexture(GL_TEXTURE_2D, k.texture);
+  if (k.depthTest) {
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+  } else {
+    glDisable(GL_DEPTH_TEST);
+  }
+  glDepthMask(k.depthWrite ? GL_TRUE : GL_FALSE);
+  if (k.clip[2] >= k.clip[0]) {
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(k.clip[0], k.clip[1], k.clip[2] - k.clip[0], k.clip[3] - k.clip[1]);
+  } else {
+    glDisable(GL_SCISSOR_TEST);
+  }
+}
+
+}  // namespace
+
+coreState& core() { return state; }
+
+bool operator==(const batchKey& a, const batchKey& b) {
+  return a.kind == b.kind && a.texture == b.texture && a.textureAlpha == b.textureAlpha && a.glyphs == b.glyphs &&
+         a.is3d == b.is3d && a.lit == b.lit && a.depthTest == b.depthTest && a.depthWrite == b.depthWrite &&
+         a.alphaAmount == b.alphaAmount && a.clip[0] == b.clip[0] && a.clip[1] == b.clip[1] && a.clip[2] == b.clip[2] &&
+         a.clip[3] == b.clip[3];
+}
+
+// ---------------------------------------------------------------- renderer life
+
+bool startRenderer(int width, int height) {
+  const GLuint vs = compileShader(GL_VERTEX_SHADER, vertexSource);
+  const GLuint fs = compileShader(GL_FRAGMENT_SHADER, fragmentSource);
+  if (vs == 0 || fs == 0) return false;
+  state.program = glCreateProgram();
+  glAttachShader(state.program, vs);
+  glAttachShader(state.program, fs);
+  glLinkProgram(state.program);
+  glDeleteShader(vs);
+  glDeleteShader(fs);
+  GLint linked = 0;
+  glGetProgramiv(state.program, GL_LINK_STATUS, &linked);
+  if (!linked) return false;
+  glUseProgram(state.program);
+  const char* names[] = {"uMatrix",   "uLit",      "uLightPos", "uAtten",      "uEye",
+                         "uTextured", "uTexAlpha", "uGlyphs",   "uAlphaScale", "uTex"};
+  for (int i = 0; i <= uTex; ++i) state.uniforms[i] = glGetUniformLocation(state.program, names[i]);
+  glUniform1i(state.uniforms[uTex], 0);
+  glUniform1f(glGetUniformLocation(state.program, "uAmbient"), ambientShare);
+
+  glGenVertexArrays(1, &state.vao);
+  glBindVertexArray(state.vao);
+  glGenBuffers(1, &state.vbo);
+  glBindBuffer(GL_ARRAY_BUFFER, state.vbo);
+  glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(batchCapacity * sizeof(vertex)), nullptr, GL_STREAM_DRAW);
+  const GLsizei stride = sizeof(vertex);
+  glEnableVertexAttribArray(0);
+  glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(vertex, x)));
+  glEnableVertexAttribArray(1);
+  glVertexAttribPointer(1, 3, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(vertex, nx)));
+  glEnableVertexAttribArray(2);
+  glVertexAttribPointer(2, 4, GL_UNSIGNED_BYTE, GL_TRUE, stride, reinterpret_cast<void*>(offsetof(vertex, r)));
+  glEnableVertexAttribArray(3);
+  glVertexAttribPointer(3, 4, GL_UNSIGNED_BYTE, GL_TRUE, stride, reinterpret_cast<void*>(offsetof(vertex, sr)));
+  glEnableVertexAttribArray(4);
+  glVertexAttribPointer(4, 2, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(vertex, u)));
+
+  // Indices of the quads: corners 0 1 2 and 0 2 3 of every four vertices.
+  std::vector<GLuint> indices(static_cast<std::size_t>(batchCapacity / 4) * 6);
+  for (GLuint q = 0; q < static_cast<GLuint>(batchCapacity / 4); ++q) {
+    const GLuint corner[6] = {0, 1, 2, 0, 2, 3};
+    for (int i = 0; i < 6; ++i) indices[q * 6 + i] = 4 * q + corner[i];
+  }
+  glGenBuffers(1, &state.ebo);
+  glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, state.ebo);
+  glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(GLuint)), indices.data(),
+               GL_STATIC_DRAW);
+
+  glEnable(GL_BLEND);
+  glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+  glPixelStorei(GL_PACK_ALIGNMENT, 1);
+  glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+  state.vertices.assign(batchCapacity, vertex{});
+  state.vertexCount = 0;
+  state.ready = true;
+  resizeBackBuffer(width, height);
+  return state.backImage.framebuffer != 0;
+}
+
+void stopRenderer() {
+  stopFonts();
+  if (state.ready) {
+    for (image& img : state.images) freeImageObjects(img);
+    freeImageObjects(state.backImage);
+    glDeleteBuffers(1, &state.vbo);
+    glDeleteBuffers(1, &state.ebo);
+    glDeleteVertexArrays(1, &state.vao);
+    glDeleteProgram(state.program);
+  }
+  stopTextInputs();
+  state = coreState{};
+}
+
+// ---------------------------------------------------------------- batch
+
+batchKey key2d(primitive kind) {
+  batchKey k;
+  k.kind = kind;
+  k.alphaAmount = state.blendMode == 1 ? state.blendAmount : 255;
+  return k;
+}
+
+batchKey key3d(primitive kind, bool lit) {
+  batchKey k = key2d(kind);
+  k.is3d = true;
+  k.lit = lit && state.lighting;
+  k.depthTest = state.zBuffer;
+  k.depthWrite = state.zBuffer && state.zWrite;
+  return k;
+}
+
+vertex* reserve(const batchKey& k, int n) {
+  if (!state.ready || n <= 0 || n > batchCapacity) return nullptr;
+  if (state.vertexCount > 0 && (!(state.key == k) || state.vertexCount + n > batchCapacity)) flush();
+  state.key = k;
+  vertex* at = state.vertices.data() + state.vertexCount;
+  state.vertexCount += n;
+  return at;
+}
+
+void flush() {
+  if (!state.ready || state.vertexCount == 0) return;
+  bindTarget();
+  applyKey(state.key);
+  glBindVertexArray(state.vao);
+  glBindBuffer(GL_ARRAY_BUFFER, state.vbo);
+  const GLsizeiptr bytes = static_cast<GLsizeiptr>(state.vertexCount * sizeof(vertex));
+  glBufferSubData(GL_ARRAY_BUFFER, 0, bytes, state.vertices.data());
+  if (state.key.kind == primitive::quads)
+    glDrawElements(GL_TRIANGLES, state.vertexCount / 4 * 6, GL_UNSIGNED_INT, nullptr);
+  else
+    glDrawArrays(state.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, 0, state.vertexCount);
+  ++state.drawCalls;
+  state.vertexCount = 0;
+}
+
+// ---------------------------------------------------------------- targets and images
+
+image* imageOf(int handle) {
+  if (handle == backBuffer) return state.backImage.framebuffer != 0 || !state.ready ? &state.backImage : nullptr;
+  if (handle < 0 || handle >= static_cast<int>(state.images.size()) || !state.images[handle].live) return nullptr;
+  return &state.images[handle];
+}
+
+void bindTarget() {
+  image* target = imageOf(state.target);
+  if (target == nullptr) {
+    state.target = backBuffer;
+    target = &state.backImage;
+  }
+  glBindFramebuffer(GL_FRAMEBUFFER, target->framebuffer);
+  glViewport(0, 0, target->width, target->height);
+}
+
+bool makeImageObjects(image& img, const std::uint8_t* rgba, bool drawTarget) {
+  if (!state.ready) return true;
+  glGenTextures(1, &img.texture);
+  glBindTexture(GL_TEXTURE_2D, img.texture);
+  glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, img.width, img.height, 0, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+  // Nearest pixel: pictures and cut cells keep hard edges when stretched,
+  // and neighbouring cells of a sheet never bleed into each other.
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  if (glGetError() != GL_NO_ERROR) {
+    freeImageObjects(img);
+    return false;
+  }
+  if (!drawTarget) return true;
+  glGenRenderbuffers(1, &img.depth);
+  glBindRenderbuffer(GL_RENDERBUFFER, img.depth);
+  glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, img.width, img.height);
+  glGenFramebuffers(1, &img.framebuffer);
+  glBindFramebuffer(GL_FRAMEBUFFER, img.framebuffer);
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, img.texture, 0);
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, img.depth);
+  const bool complete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+  if (complete) {
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    glClearDepth(1.0);
+    glDepthMask(GL_TRUE);
+    glDisable(GL_SCISSOR_TEST);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  }
+  bindTarget();
+  if (!complete) freeImageObjects(img);
+  return complete;
+}
+
+void freeImageObjects(image& img) {
+  if (state.ready) {
+    if (img.framebuffer) glDeleteFramebuffers(1, &img.framebuffer);
+    if (img.depth) glDeleteRenderbuffers(1, &img.depth);
+    if (img.texture) glDeleteTextures(1, &img.texture);
+  }
+  img.framebuffer = img.depth = img.texture = 0;
+}
+
+bool readTarget(int x1, int y1, int x2, int y2, std::vector<std::uint8_t>& rgba, int& w, int& h) {
+  w = h = 0;
+  image* target = imageOf(state.target);
+  if (!state.ready || target == nullptr) return false;
+  flush();
+  x1 = std::max(x1, 0);
+  y1 = std::max(y1, 0);
+  x2 = std::min(x2, target->width);
+  y2 = std::min(y2, target->height);
+  if (x2 <= x1 || y2 <= y1) return false;
+  w = x2 - x1;
+  h = y2 - y1;
+  rgba.resize(static_cast<std::size_t>(w) * h * 4);
+  bindTarget();
+  glReadPixels(x1, y1, w, h, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
+  return true;
+}
+
+}  // namespace marv::gl
+
+namespace marv {
+
+using namespace gl;
+
+// ---------------------------------------------------------------- frame control
+
+int setDrawTarget(int handle) {
+  coreState& s = core();
+  // Only off-screen images have a framebuffer; without a renderer every
+  // live image may stand as a target, as in the headless backend.
+  const image* img = imageOf(handle);
+  const bool valid = handle == backBuffer || (img != nullptr && (img->framebuffer != 0 || !s.ready));
+  if (!valid) return -1;
+  if (handle != s.target) flush();
+  s.target = handle;
+  return 0;
+}
+
+int clearDrawTarget() {
+  coreState& s = core();
+  if (!s.ready) return 0;
+  flush();
+  bindTarget();
+  glClearColor(s.background[0], s.background[1], s.background[2], s.background[3]);
+  glClearDepth(1.0);
+  glDepthMask(GL_TRUE);
+  glDisable(GL_SCISSOR_TEST);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  return 0;
+}
+
+int setBlend(int mode, int amount) {
+  coreState& s = core();
+  if (mode != 0 && mode != 1) return -1;
+  s.blendMode = mode;
+  s.blendAmount = amount < 0 ? 0 : (amount > 255 ? 255 : amount);
+  return 0;
+}
+
+int setZBuffer(int flag) {
+  core().zBuffer = flag != 0;
+  return 0;
+}
+
+int setZWrite(int flag) {
+  core().zWrite = flag != 0;
+  return 0;
+}
+
+int setBackgroundColour(int r, int g, int b, int) {
+  // The back buffer is opaque: the fourth value is not a transparency.
+  coreState& s = core();
+  s.background[0] = static_cast<float>(r & 255) / 255.0f;
+  s.background[1] = static_cast<float>(g & 255) / 255.0f;
+  s.background[2] = static_cast<float>(b & 255) / 255.0f;
+  s.background[3] = 1.0f;
+  return 0;
+}
+
+int drawCallCount() { return static_cast<int>(core().drawCalls & 0x7FFFFFFF); }
+
+int layerDrawsPixels() { return core().ready ? 1 : 0; }
+
+}  // namespace marv

@@ -1,0 +1,470 @@
+// The window side of the OpenGL backend: the SDL2 window and its OpenGL
+// context, or an off-screen EGL context without any display; events, the
+// keyboard table, mouse, wheel, dropped files, present and the clock.
+//
+// Sections: state | contexts | window and process | frame | keyboard and mouse | clock
+//
+// The picture is always drawn into the back buffer framebuffer of the size
+// that setGraphicsMode asks for. present() stretches it over the window, so
+// that a resized window scales its content; mouse positions are mapped back
+// into back buffer pixels.
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <SDL2/SDL.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <deque>
+#include <string>
+#include <thread>
+
+#include "layer/glCore.h"
+
+namespace marv {
+
+using namespace gl;
+
+namespace {
+
+// ---------------------------------------------------------------- state
+
+struct windowState {
+  bool started = false;                    // startLayer succeeded
+  bool closed = false;                     // the user closed the window
+  SDL_Window* window = nullptr;            // the window, or null off-screen
+  SDL_GLContext context = nullptr;         // its OpenGL context
+  EGLDisplay eglDisplay = EGL_NO_DISPLAY;  // off-screen display
+  EGLContext eglContext = EGL_NO_CONTEXT;  // off-screen context
+  std::string title = "Marvanesse+";       // title bar text
+  int iconId = -1;                         // picture of the window icon, or -1
+  bool resizable = false;                  // the user may resize the window
+  bool active = true;                      // the window has the focus
+  bool dropEnabled = false;                // dropped files are taken
+  std::deque<std::string> dropped;         // paths, oldest first
+  std::uint8_t keys[256] = {};             // 1 while held, by key code
+  int buttons = 0;                         // mouseButtons bits
+  int mouseX = 0;                          // [px of the back buffer]
+  int mouseY = 0;                          // [px of the back buffer]
+  int wheel = 0;                           // notches since the last clearing call
+};
+
+windowState win;
+
+// SDL scancodes to the layer's key codes.
+int keyCodeOf(SDL_Scancode s) {
+  switch (s) {
+    case SDL_SCANCODE_ESCAPE: return keyEsc;
+    case SDL_SCANCODE_1: return key1;
+    case SDL_SCANCODE_2: return key2;
+    case SDL_SCANCODE_3: return key3;
+    case SDL_SCANCODE_4: return key4;
+    case SDL_SCANCODE_5: return key5;
+    case SDL_SCANCODE_6: return key6;
+    case SDL_SCANCODE_7: return key7;
+    case SDL_SCANCODE_8: return key8;
+    case SDL_SCANCODE_9: return key9;
+    case SDL_SCANCODE_0: return key0;
+    case SDL_SCANCODE_Q: return keyQ;
+    case SDL_SCANCODE_W: return keyW;
+    case SDL_SCANCODE_E: return 18;
+    case SDL_SCANCODE_R: return keyR;
+    case SDL_SCANCODE_T: return keyT;
+    case SDL_SCANCODE_Y: return keyY;
+    case SDL_SCANCODE_U: return 22;
+    case SDL_SCANCODE_I: return keyI;
+    case SDL_SCANCODE_O: return keyO;
+    case SDL_SCANCODE_P: return keyP;
+    case SDL_SCANCODE_RETURN: return keyEnter;
+    case SDL_SCANCODE_KP_ENTER: return 156;
+    case SDL_SCANCODE_LCTRL: return keyLeftCtrl;
+    case SDL_SCANCODE_A: return keyA;
+    case SDL_SCANCODE_S: return keyS;
+    case SDL_SCANCODE_D: return 32;
+    case SDL_SCANCODE_F: return 33;
+    case SDL_SCANCODE_G: return keyG;
+    case SDL_SCANCODE_H: return keyH;
+    case SDL_SCANCODE_J: return 36;
+    case SDL_SCANCODE_K: return keyK;
+    case SDL_SCANCODE_L: return keyL;
+    case SDL_SCANCODE_LSHIFT: return keyLeftShift;
+    case SDL_SCANCODE_Z: return keyZ;
+    case SDL_SCANCODE_X: return keyX;
+    case SDL_SCANCODE_C: return keyC;
+    case SDL_SCANCODE_V: return keyV;
+    case SDL_SCANCODE_B: return keyB;
+    case SDL_SCANCODE_N: return 49;
+    case SDL_SCANCODE_M: return 50;
+    case SDL_SCANCODE_RSHIFT: return keyRightShift;
+    case SDL_SCANCODE_SPACE: return keySpace;
+    case SDL_SCANCODE_KP_7: return keyPad7;
+    case SDL_SCANCODE_KP_8: return keyPad8;
+    case SDL_SCANCODE_KP_9: return keyPad9;
+    case SDL_SCANCODE_KP_4: return keyPad4;
+    case SDL_SCANCODE_KP_5: return keyPad5;
+    case SDL_SCANCODE_KP_6: return keyPad6;
+    case SDL_SCANCODE_KP_1: return keyPad1;
+    case SDL_SCANCODE_KP_2: return keyPad2;
+    case SDL_SCANCODE_KP_3: return keyPad3;
+    case SDL_SCANCODE_KP_0: return keyPad0;
+    case SDL_SCANCODE_RCTRL: return keyRightCtrl;
+    case SDL_SCANCODE_UP: return 200;
+    case SDL_SCANCODE_LEFT: return keyLeft;
+    case SDL_SCANCODE_RIGHT: return keyRight;
+    case SDL_SCANCODE_DOWN: return 208;
+    default: return 0;
+  }
+}
+
+// ---------------------------------------------------------------- contexts
+
+// An OpenGL 3.3 core context on Mesa's surfaceless platform (or the first
+// EGL device), drawing only into framebuffers.
+bool startOffscreenContext() {
+  auto getPlatformDisplay =
+      reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+  if (getPlatformDisplay == nullptr) return false;
+  const EGLenum platforms[] = {EGL_PLATFORM_SURFACELESS_MESA, EGL_PLATFORM_DEVICE_EXT};
+  for (const EGLenum platform : platforms) {
+    void* native = EGL_DEFAULT_DISPLAY;
+    EGLDeviceEXT device = nullptr;
+    if (platform == EGL_PLATFORM_DEVICE_EXT) {
+      auto queryDevices = reinterpret_cast<PFNEGLQUERYDEVICESEXTPROC>(eglGetProcAddress("eglQueryDevicesEXT"));
+      EGLint count = 0;
+      if (queryDevices == nullptr || !queryDevices(1, &device, &count) || count < 1) continue;
+      native = device;
+    }
+    EGLDisplay display = getPlatformDisplay(platform, native, nullptr);
+    EGLint major = 0, minor = 0;
+    if (display == EGL_NO_DISPLAY || !eglInitialize(display, &major, &minor)) continue;
+    const EGLint attributes[] = {
+        EGL_CONTEXT_MAJOR_VERSION,           3,       EGL_CONTEXT_MINOR_VERSION, 3, EGL_CONTEXT_OPENGL_PROFILE_MASK,
+        EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT, EGL_NONE};
+    EGLContext context = EGL_NO_CONTEXT;
+    if (eglBindAPI(EGL_OPENGL_API)) context = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, attributes);
+    if (context != EGL_NO_CONTEXT && eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, context)) {
+      win.eglDisplay = display;
+      win.eglContext = context;
+      return true;
+    }
+    if (context != EGL_NO_CONTEXT) eglDestroyContext(display, context);
+    eglTerminate(display);
+  }
+  return false;
+}
+
+void setIcon() {
+  if (win.iconId < 0 || win.window == nullptr) return;
+  rgbaImage icon;
+  const std::string path = resourcePicturePath(win.iconId);
+  if (path.empty() || !loadImageFile(path, icon)) return;
+  SDL_Surface* surface = SDL_CreateRGBSurfaceWithFormatFrom(icon.pixels.data(), icon.width, icon.height, 32,
+                                                            icon.width * 4, SDL_PIXELFORMAT_RGBA32);
+  if (surface == nullptr) return;
+  SDL_SetWindowIcon(win.window, surface);
+  SDL_FreeSurface(surface);
+}
+
+bool startWindow() {
+  if (SDL_Init(SDL_INIT_VIDEO) != 0) {
+    std::fprintf(stderr, "marvanesse: no window: %s\n", SDL_GetError());
+    return false;
+  }
+  SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 3);
+  SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 3);
+  SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
+  SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+  Uint32 flags = SDL_WINDOW_OPENGL | SDL_WINDOW_SHOWN;
+  if (win.resizable) flags |= SDL_WINDOW_RESIZABLE;
+  win.window = SDL_CreateWindow(win.title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, core().width,
+                                core().height, flags);
+  if (win.window != nullptr) win.context = SDL_GL_CreateContext(win.window);
+  if (win.context == nullptr) {
+    std::fprintf(stderr, "marvanesse: no OpenGL 3.3 window: %s\n", SDL_GetError());
+    if (win.window) SDL_DestroyWindow(win.window);
+    win.window = nullptr;
+    SDL_Quit();
+    return false;
+  }
+  SDL_GL_SetSwapInterval(0);  // the program paces its own frames
+  SDL_EventState(SDL_DROPFILE, win.dropEnabled ? SDL_ENABLE : SDL_DISABLE);
+  setIcon();
+  return true;
+}
+
+// Window pixels to back buffer pixels.
+void mapMouse(int wx, int wy) {
+  int ww = core().width, wh = core().height;
+  if (win.window) SDL_GetWindowSize(win.window, &ww, &wh);
+  win.mouseX = ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx;
+  win.mouseY = wh > 0 ? static_cast<int>(static_cast<long long>(wy) * core().height / wh) : wy;
+}
+
+void handleKey(const SDL_KeyboardEvent& e, bool down) {
+  const int code = keyCodeOf(e.keysym.scancode);
+  if (code > 0) win.keys[code] = down ? 1 : 0;
+  if (!down || !textInputActive()) return;
+  switch (e.keysym.sym) {
+    case SDLK_BACKSPACE: textInputKey(editKey::backspace); break;
+    case SDLK_DELETE: textInputKey(editKey::erase); break;
+    case SDLK_LEFT: textInputKey(editKey::left); break;
+    case SDLK_RIGHT: textInputKey(editKey::right); break;
+    case SDLK_HOME: textInputKey(editKey::home); break;
+    case SDLK_END: textInputKey(editKey::end); break;
+    case SDLK_RETURN:
+    case SDLK_KP_ENTER: textInputKey(editKey::enter); break;
+    case SDLK_ESCAPE: textInputKey(editKey::escape); break;
+    default: break;
+  }
+}
+
+}  // namespace
+
+namespace gl {
+
+void resizeBackBuffer(int width, int height) {
+  coreState& s = core();
+  s.width = width;
+  s.height = height;
+  if (!s.ready) return;
+  flush();
+  freeImageObjects(s.backImage);
+  s.backImage = image{};
+  s.backImage.width = width;
+  s.backImage.height = height;
+  s.backImage.live = true;
+  makeImageObjects(s.backImage, nullptr, true);
+}
+
+}  // namespace gl
+
+// ---------------------------------------------------------------- window and process
+
+int startLayer() {
+  if (win.started) return 0;
+  coreState& s = core();
+  if (startsOffscreen) {
+    if (!startOffscreenContext() || !startRenderer(s.width, s.height)) {
+      // The layer goes on without pixels, as the headless backend does.
+      std::fprintf(stderr, "marvanesse: no OpenGL for off-screen drawing; pictures are skipped\n");
+      s.ready = false;
+    }
+    win.started = true;
+    return 0;
+  }
+  if (!startWindow()) return -1;
+  if (!startRenderer(s.width, s.height)) {
+    std::fprintf(stderr, "marvanesse: the OpenGL renderer could not start\n");
+    stopLayer();
+    return -1;
+  }
+  win.started = true;
+  return 0;
+}
+
+int stopLayer() {
+  stopRenderer();
+  if (win.context) SDL_GL_DeleteContext(win.context);
+  if (win.window) {
+    SDL_DestroyWindow(win.window);
+    SDL_Quit();
+  }
+  if (win.eglContext != EGL_NO_CONTEXT) {
+    eglMakeCurrent(win.eglDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    eglDestroyContext(win.eglDisplay, win.eglContext);
+    eglTerminate(win.eglDisplay);
+    eglReleaseThread();
+  }
+  win = windowState{};
+  return 0;
+}
+
+int processMessages() {
+  if (win.closed) return -1;
+  if (win.window == nullptr) return 0;
+  SDL_Event e;
+  while (SDL_PollEvent(&e)) {
+    switch (e.type) {
+      case SDL_QUIT: win.closed = true; break;
+      case SDL_WINDOWEVENT:
+        if (e.window.event == SDL_WINDOWEVENT_CLOSE) win.closed = true;
+        if (e.window.event == SDL_WINDOWEVENT_FOCUS_GAINED) win.active = true;
+        if (e.window.event == SDL_WINDOWEVENT_FOCUS_LOST) {
+          win.active = false;
+          std::memset(win.keys, 0, sizeof win.keys);  // releases are not seen without focus
+          win.buttons = 0;
+        }
+        break;
+      case SDL_KEYDOWN: handleKey(e.key, true); break;
+      case SDL_KEYUP: handleKey(e.key, false); break;
+      case SDL_TEXTINPUT: textInputTyped(e.text.text); break;
+      case SDL_MOUSEMOTION: mapMouse(e.motion.x, e.motion.y); break;
+      case SDL_MOUSEBUTTONDOWN:
+      case SDL_MOUSEBUTTONUP: {
+        const int bit = e.button.button == SDL_BUTTON_LEFT    ? mouseLeft
+                        : e.button.button == SDL_BUTTON_RIGHT ? mouseRight
+                                                              : 0;
+        win.buttons = e.type == SDL_MOUSEBUTTONDOWN ? (win.buttons | bit) : (win.buttons & ~bit);
+        mapMouse(e.button.x, e.button.y);
+        break;
+      }
+      case SDL_MOUSEWHEEL: win.wheel += e.wheel.direction == SDL_MOUSEWHEEL_FLIPPED ? -e.wheel.y : e.wheel.y; break;
+      case SDL_DROPFILE:
+        if (e.drop.file != nullptr) {
+          if (win.dropEnabled) win.dropped.emplace_back(e.drop.file);
+          SDL_free(e.drop.file);
+        }
+        break;
+      default: break;
+    }
+  }
+  return win.closed ? -1 : 0;
+}
+
+int setLogging(int) { return 0; }       // the layer keeps no log file
+int setTextCodePage(int) { return 0; }  // strings are UTF-8 on this desktop
+int setWindowedMode(int) { return 0; }  // always a window
+int setWindowIcon(int id) {
+  win.iconId = id;
+  setIcon();
+  return 0;
+}
+
+int setGraphicsMode(int width, int height, int, int) {
+  if (width <= 0 || height <= 0 || width > 16384 || height > 16384) return -1;
+  if (win.window) SDL_SetWindowSize(win.window, width, height);
+  resizeBackBuffer(width, height);
+  return 0;
+}
+
+int setResizable(int enable, int) {
+  win.resizable = enable != 0;
+  if (win.window) SDL_SetWindowResizable(win.window, win.resizable ? SDL_TRUE : SDL_FALSE);
+  return 0;
+}
+
+int setRunWhileInactive(int) { return 0; }            // loops always run
+int setAllowSecondInstance(int) { return 0; }         // copies never lock each other out
+int setSystemKeysOff(int, const char*) { return 0; }  // no system menu keys on this desktop
+
+int setWindowText(const char* text) {
+  win.title = text ? text : "";
+  if (win.window) SDL_SetWindowTitle(win.window, win.title.c_str());
+  return 0;
+}
+
+void* windowHandle() { return win.window; }
+
+int windowPosition(int* x, int* y) {
+  int wx = 0, wy = 0;
+  if (win.window) SDL_GetWindowPosition(win.window, &wx, &wy);
+  if (x) *x = wx;
+  if (y) *y = wy;
+  return 0;
+}
+
+int setWindowPosition(int x, int y) {
+  if (win.window) SDL_SetWindowPosition(win.window, x, y);
+  return 0;
+}
+
+// This desktop has no menu bar in the window: the menu is not shown.
+int setWindowMenu(int) { return 0; }
+int setMenuItemEnabled(int, int) { return 0; }
+
+int windowActive() { return win.active ? 1 : 0; }
+
+int setFileDropEnabled(int flag) {
+  win.dropEnabled = flag != 0;
+  if (win.window) SDL_EventState(SDL_DROPFILE, win.dropEnabled ? SDL_ENABLE : SDL_DISABLE);
+  return 0;
+}
+
+int droppedFileCount() { return static_cast<int>(win.dropped.size()); }
+
+int droppedFilePath(char* buffer, int size) {
+  if (buffer && size > 0) buffer[0] = '\0';
+  if (win.dropped.empty()) return -1;
+  if (buffer && size > 0) std::snprintf(buffer, static_cast<std::size_t>(size), "%s", win.dropped.front().c_str());
+  win.dropped.pop_front();
+  return 0;
+}
+
+int clearDroppedFiles() {
+  win.dropped.clear();
+  return 0;
+}
+
+// ---------------------------------------------------------------- frame
+
+int present() {
+  coreState& s = core();
+  if (!s.ready) return 0;
+  flush();
+  if (win.window == nullptr) {
+    glFlush();
+    return 0;
+  }
+  int ww = s.width, wh = s.height;
+  SDL_GL_GetDrawableSize(win.window, &ww, &wh);
+  // The back buffer's rows run top-down, the window's bottom-up.
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, s.backImage.framebuffer);
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
+  glDisable(GL_SCISSOR_TEST);
+  glViewport(0, 0, ww, wh);
+  glBlitFramebuffer(0, 0, s.width, s.height, 0, wh, ww, 0, GL_COLOR_BUFFER_BIT, GL_LINEAR);
+  SDL_GL_SwapWindow(win.window);
+  bindTarget();
+  return 0;
+}
+
+// ---------------------------------------------------------------- keyboard and mouse
+
+int keyDown(int code) { return code >= 0 && code < 256 && win.keys[code] ? 1 : 0; }
+
+int anyKeyDown(int kinds) {
+  int held = 0;
+  if (kinds & 1)
+    for (const std::uint8_t k : win.keys) held |= k;
+  if ((kinds & 4) && win.buttons != 0) held = 1;
+  return held;
+}
+
+int readKeyboard(std::uint8_t table[256]) {
+  if (table == nullptr) return -1;
+  std::memcpy(table, win.keys, 256);
+  return 0;
+}
+
+int mouseButtons() { return win.buttons; }
+
+int mousePosition(int* x, int* y) {
+  if (x) *x = win.mouseX;
+  if (y) *y = win.mouseY;
+  return 0;
+}
+
+int mouseWheel(int clear) {
+  const int notches = win.wheel;
+  if (clear) win.wheel = 0;
+  return notches;
+}
+
+// ---------------------------------------------------------------- clock
+
+int nowMs() {
+  using namespace std::chrono;
+  static const steady_clock::time_point start = steady_clock::now();
+  const auto ms = duration_cast<milliseconds>(steady_clock::now() - start).count();
+  return static_cast<int>(ms & 0x7FFFFFFF);
+}
+
+int waitMs(int ms) {
+  if (ms <= 0)
+    std::this_thread::yield();
+  else
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+  return 0;
+}
+
+}  // namespace marv

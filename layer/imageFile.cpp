@@ -1,0 +1,167 @@
+// Image files: stb_image for decoding, libjpeg(-turbo) for writing, and the
+// search for the program's picture folder. See imageFile.h.
+#include "layer/imageFile.h"
+
+#include <jpeglib.h>
+#include <unistd.h>
+
+#include <csetjmp>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+
+#define STB_IMAGE_IMPLEMENTATION
+#define STBI_ONLY_PNG
+#define STBI_ONLY_BMP
+#define STBI_NO_STDIO
+#define STBI_MAX_DIMENSIONS 16384
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wall"
+#pragma GCC diagnostic ignored "-Wextra"
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#pragma GCC diagnostic ignored "-Wunused-function"
+#include <stb/stb_image.h>
+#pragma GCC diagnostic pop
+
+#ifndef MARV_RESOURCE_DIR
+#define MARV_RESOURCE_DIR ""
+#endif
+
+namespace marv {
+
+namespace {
+
+// Files larger than this are not pictures the program can use [bytes].
+constexpr std::size_t maxImageFileBytes = 256u << 20;
+
+// libjpeg reports fatal errors through error_exit, which must not return:
+// jump back to writeJpegFile, which then fails cleanly.
+struct jpegErrorTrap {
+  jpeg_error_mgr base;
+  std::jmp_buf jump;
+};
+
+void jpegErrorExit(j_common_ptr info) {
+  jpegErrorTrap* trap = reinterpret_cast<jpegErrorTrap*>(info->err);
+  std::longjmp(trap->jump, 1);
+}
+
+void jpegSilence(j_common_ptr, int) {}
+
+std::string executableDirectory() {
+  char buffer[4096];
+  const ssize_t n = ::readlink("/proc/self/exe", buffer, sizeof buffer - 1);
+  if (n <= 0) return std::string();
+  buffer[n] = '\0';
+  char* slash = std::strrchr(buffer, '/');
+  if (slash == nullptr) return std::string();
+  *slash = '\0';
+  return buffer;
+}
+
+bool fileExists(const std::string& path) { return !path.empty() && ::access(path.c_str(), R_OK) == 0; }
+
+// The part of writeJpegFile between setjmp and the end: only trivially
+// destructible locals, so that a longjmp out of libjpeg skips no destructor.
+bool compressRows(jpeg_compress_struct* info, const std::uint8_t* rgba, int width, int height, std::uint8_t* row) {
+  while (info->next_scanline < static_cast<JDIMENSION>(height)) {
+    const std::uint8_t* src = rgba + static_cast<std::size_t>(info->next_scanline) * width * 4;
+    for (int x = 0; x < width; ++x) {
+      row[3 * x] = src[4 * x];
+      row[3 * x + 1] = src[4 * x + 1];
+      row[3 * x + 2] = src[4 * x + 2];
+    }
+    JSAMPROW rows[1] = {row};
+    jpeg_write_scanlines(info, rows, 1);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
+  image = rgbaImage{};
+  if (data == nullptr || size == 0 || size > maxImageFileBytes) return false;
+  int w = 0, h = 0, channels = 0;
+  if (!stbi_info_from_memory(data, static_cast<int>(size), &w, &h, &channels)) return false;
+  if (w <= 0 || h <= 0 || w > maxImageSide || h > maxImageSide) return false;
+  stbi_uc* pixels = stbi_load_from_memory(data, static_cast<int>(size), &w, &h, &channels, 4);
+  if (pixels == nullptr) return false;
+  image.width = w;
+  image.height = h;
+  image.pixels.assign(pixels, pixels + static_cast<std::size_t>(w) * h * 4);
+  stbi_image_free(pixels);
+  return true;
+}
+
+bool loadImageFile(const std::string& path, rgbaImage& image) {
+  image = rgbaImage{};
+  std::ifstream in(path, std::ios::binary | std::ios::ate);
+  if (!in) return false;
+  const std::streamoff size = in.tellg();
+  if (size <= 0 || static_cast<std::size_t>(size) > maxImageFileBytes) return false;
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+  in.seekg(0);
+  if (!in.read(reinterpret_cast<char*>(bytes.data()), size)) return false;
+  return decodeImage(bytes.data(), bytes.size(), image);
+}
+
+void applyColourKey(rgbaImage& image, int r, int g, int b) {
+  const std::size_t n = image.pixels.size() / 4;
+  for (std::size_t i = 0; i < n; ++i) {
+    std::uint8_t* p = &image.pixels[4 * i];
+    if (p[0] == r && p[1] == g && p[2] == b) p[3] = 0;
+  }
+}
+
+bool writeJpegFile(const std::string& path, const std::uint8_t* rgba, int width, int height, int quality,
+                   int sampling2x1) {
+  if (rgba == nullptr || width <= 0 || height <= 0 || width > 65500 || height > 65500) return false;
+  std::FILE* file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) return false;
+  std::vector<std::uint8_t> row(static_cast<std::size_t>(width) * 3);
+  jpeg_compress_struct info;
+  jpegErrorTrap trap;
+  info.err = jpeg_std_error(&trap.base);
+  trap.base.error_exit = jpegErrorExit;
+  trap.base.emit_message = jpegSilence;
+  jpeg_create_compress(&info);
+  volatile bool ok = false;  // survives a jump out of libjpeg
+  if (setjmp(trap.jump) == 0) {
+    jpeg_stdio_dest(&info, file);
+    info.image_width = static_cast<JDIMENSION>(width);
+    info.image_height = static_cast<JDIMENSION>(height);
+    info.input_components = 3;
+    info.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, quality < 1 ? 1 : (quality > 100 ? 100 : quality), TRUE);
+    // Luma at full resolution; with 2x1 chroma, one chroma sample per two
+    // pixels of a row.
+    info.comp_info[0].h_samp_factor = sampling2x1 ? 2 : 1;
+    info.comp_info[0].v_samp_factor = 1;
+    info.comp_info[1].h_samp_factor = info.comp_info[1].v_samp_factor = 1;
+    info.comp_info[2].h_samp_factor = info.comp_info[2].v_samp_factor = 1;
+    jpeg_start_compress(&info, TRUE);
+    compressRows(&info, rgba, width, height, row.data());
+    jpeg_finish_compress(&info);
+    ok = true;
+  }
+  jpeg_destroy_compress(&info);
+  const bool written = std::fclose(file) == 0 && ok;
+  if (!written) std::remove(path.c_str());
+  return written;
+}
+
+std::string resourcePicturePath(int id) {
+  if (id < 0 || id > 99999) return std::string();
+  const std::string name = "picture" + std::to_string(id) + ".png";
+  const std::string exeDir = executableDirectory();
+  const std::string candidates[] = {exeDir + "/resources/" + name, exeDir + "/../share/marvanesse/" + name,
+                                    std::string(MARV_RESOURCE_DIR) + "/" + name};
+  for (const std::string& c : candidates)
+    if (c.size() > name.size() + 1 && fileExists(c)) return c;
+  return std::string();
+}
+
+}  // namespace marv

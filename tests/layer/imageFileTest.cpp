@@ -1,0 +1,145 @@
+// Picture files of the drawing layer: the program's pictures decode with the
+// sizes that their users cut them by, and malformed, truncated, oversized or
+// binary input is refused without a crash (the sanitizer build runs these
+// too). The headless backend's loadImage goes through the same decoder.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "layer/imageFile.h"
+#include "layer/layer.h"
+
+namespace {
+
+using namespace marv;
+
+std::vector<std::uint8_t> fileBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::vector<std::uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// A 24-bit BMP header for a picture of the given size, with no pixels after it.
+std::vector<std::uint8_t> bmpHeader(std::int32_t width, std::int32_t height) {
+  std::vector<std::uint8_t> b(54, 0);
+  auto put32 = [&](int at, std::uint32_t v) {
+    for (int i = 0; i < 4; ++i) b[at + i] = static_cast<std::uint8_t>(v >> (8 * i));
+  };
+  b[0] = 'B';
+  b[1] = 'M';
+  put32(2, 54);
+  put32(10, 54);
+  put32(14, 40);
+  put32(18, static_cast<std::uint32_t>(width));
+  put32(22, static_cast<std::uint32_t>(height));
+  b[26] = 1;
+  b[28] = 24;
+  return b;
+}
+
+TEST(pictureFiles, programPicturesHaveTheSizesTheirUsersCut) {
+  struct expected {
+    int id, width, height;
+  };
+  for (const expected& e : {expected{777, 640, 128}, expected{555, 640, 640}, expected{550, 192, 192},
+                            expected{888, 640, 64}, expected{444, 64, 64}}) {
+    const std::string path = resourcePicturePath(e.id);
+    ASSERT_FALSE(path.empty()) << "picture " << e.id;
+    rgbaImage picture;
+    ASSERT_TRUE(loadImageFile(path, picture)) << path;
+    EXPECT_EQ(picture.width, e.width) << "picture " << e.id;
+    EXPECT_EQ(picture.height, e.height) << "picture " << e.id;
+    EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(e.width) * e.height * 4);
+  }
+  EXPECT_TRUE(resourcePicturePath(12).empty());
+  EXPECT_TRUE(resourcePicturePath(-1).empty());
+}
+
+TEST(pictureFiles, truncatedPicturesAreRefusedAtEveryLength) {
+  const std::vector<std::uint8_t> png = fileBytes(resourcePicturePath(777));
+  ASSERT_GT(png.size(), 100u);
+  for (std::size_t n = 0; n < png.size(); n += n < 64 ? 1 : 97) {
+    rgbaImage picture;
+    const bool ok = decodeImage(png.data(), n, picture);
+    EXPECT_FALSE(ok) << "cut at " << n << " of " << png.size();
+    EXPECT_TRUE(picture.pixels.empty());
+  }
+  // A bitmap header that promises pixels the file does not hold: the decoder
+  // may fill the missing rows, but never reads beyond the bytes it has.
+  const std::vector<std::uint8_t> bmp = bmpHeader(64, 64);
+  rgbaImage picture;
+  if (decodeImage(bmp.data(), bmp.size(), picture)) {
+    EXPECT_EQ(picture.width, 64);
+    EXPECT_EQ(picture.pixels.size(), 64u * 64u * 4u);
+  }
+}
+
+TEST(pictureFiles, hugeAndNonsenseSizesAreRefusedBeforeAllocating) {
+  for (const auto& size : {std::pair{100000, 100000}, std::pair{-5, 10}, std::pair{0, 0}, std::pair{70000, 1},
+                           std::pair{0x7FFFFFFF, 0x7FFFFFFF}}) {
+    std::vector<std::uint8_t> bmp = bmpHeader(size.first, size.second);
+    bmp.resize(bmp.size() + 4096, 0x55);
+    rgbaImage picture;
+    EXPECT_FALSE(decodeImage(bmp.data(), bmp.size(), picture)) << size.first << " x " << size.second;
+  }
+}
+
+TEST(pictureFiles, randomAndFlippedBytesNeverCrash) {
+  std::mt19937 random(11);
+  const std::vector<std::uint8_t> png = fileBytes(resourcePicturePath(444));
+  for (int trial = 0; trial < 300; ++trial) {
+    std::vector<std::uint8_t> bytes = png;
+    if (trial % 3 == 0) {
+      bytes.assign(1 + random() % 2000, 0);
+      for (auto& b : bytes) b = static_cast<std::uint8_t>(random());
+    } else {
+      for (int k = 0; k < 1 + trial % 8; ++k)
+        bytes[random() % bytes.size()] ^= static_cast<std::uint8_t>(1 + random() % 255);
+    }
+    rgbaImage picture;
+    if (decodeImage(bytes.data(), bytes.size(), picture)) {
+      EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(picture.width) * picture.height * 4) << trial;
+    }
+  }
+}
+
+TEST(pictureFiles, loadImageOfTheHeadlessBackendKnowsSizesAndRefusesJunk) {
+  const std::string dir = ::testing::TempDir();
+  const std::string junk = dir + "marv_junk.bmp";
+  {
+    std::ofstream out(junk, std::ios::binary);
+    out << "BM this is not a bitmap";
+  }
+  EXPECT_LT(loadImage(junk.c_str(), 0), 0);
+  EXPECT_LT(loadImage(dir.c_str(), 0), 0) << "a folder";
+  EXPECT_LT(loadImage("/no/such/file.png", 0), 0);
+  EXPECT_LT(loadImage(nullptr, 0), 0);
+  std::remove(junk.c_str());
+
+  const int tile = loadImageResource(777);
+  ASSERT_GE(tile, 0);
+  int w = 0, h = 0;
+  EXPECT_EQ(imageSize(tile, &w, &h), 0);
+  EXPECT_EQ(w, 640);
+  EXPECT_EQ(h, 128);
+  int cells[3] = {-9, -9, -9};
+  EXPECT_EQ(loadImageSetResource(550, 3, 3, 1, 64, 192, cells), 0);
+  EXPECT_EQ(imageSize(cells[2], &w, &h), 0);
+  EXPECT_EQ(h, 192);
+  deleteImage(tile);
+}
+
+TEST(jpegFiles, unwritablePathsAndEmptyPicturesFail) {
+  std::vector<std::uint8_t> rgba(16 * 8 * 4, 200);
+  EXPECT_FALSE(writeJpegFile("/no/such/folder/x.jpg", rgba.data(), 16, 8, 80, 1));
+  EXPECT_FALSE(writeJpegFile(::testing::TempDir() + "x.jpg", rgba.data(), 0, 8, 80, 1));
+  EXPECT_FALSE(writeJpegFile(::testing::TempDir() + "x.jpg", nullptr, 16, 8, 80, 1));
+  const std::string path = ::testing::TempDir() + "marv_odd.jpg";
+  EXPECT_TRUE(writeJpegFile(path, rgba.data(), 15, 7, 200, 1)) << "odd sizes with halved chroma, quality clamped";
+  std::remove(path.c_str());
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+// The off-screen backend on a machine without OpenGL (here: EGL is pointed
+// at a vendor list that does not exist). The layer must start, say once that
+// pictures are skipped, and then behave like the headless backend: handles
+// and text widths work, drawing does nothing, pictures fail.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "layer/layer.h"
+
+namespace {
+
+using namespace marv;
+
+TEST(withoutOpenGl, theLayerStartsAndGoesOnWithoutPixels) {
+  ::testing::internal::CaptureStderr();
+  ASSERT_EQ(startLayer(), 0);
+  const std::string said = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("pictures are skipped"), std::string::npos) << said;
+  EXPECT_EQ(layerDrawsPixels(), 0);
+
+  const int target = makeOffscreenImage(64, 32, 0);
+  ASSERT_GT(target, 0);
+  EXPECT_EQ(setDrawTarget(target), 0);
+  EXPECT_EQ(clearDrawTarget(), 0);
+  EXPECT_EQ(drawBox(0, 0, 10, 10, colour(255, 0, 0), 1), 0);
+  EXPECT_EQ(drawSphere3d({0, 0, 0}, 5.0f, 8, colour(1, 2, 3), 0, 1), 0);
+  EXPECT_EQ(drawText(0, 0, "text", colour(255, 255, 255), -1, 0, 0), 0);
+  EXPECT_EQ(present(), 0);
+  EXPECT_EQ(drawCallCount(), 0);
+  int w = 0, h = 0;
+  EXPECT_EQ(imageSize(target, &w, &h), 0);
+  EXPECT_EQ(w, 64);
+  EXPECT_GT(textWidthInFont(-1, "text"), 0) << "widths come from the font files";
+  EXPECT_EQ(textWidthInFont(-1, "%s", ""), 0);
+
+  const int pixels = makePixelImage(4, 4);
+  EXPECT_EQ(captureToPixelImage(0, 0, 4, 4, pixels), 0);
+  int r = 7;
+  EXPECT_EQ(readPixel(pixels, 1, 1, &r, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(r, 0);
+  const std::string path = ::testing::TempDir() + "marv_never.jpg";
+  EXPECT_EQ(saveScreenJpeg(0, 0, 4, 4, path.c_str(), 80, 1), -1);
+  const vec3 s = worldToScreen({0, 0, 0});
+  EXPECT_GE(s.z, 0.0f) << "the camera still converts points";
+  EXPECT_EQ(stopLayer(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,136 @@
+// The pixel path that the bitmap stage relies on: a BMP loaded, drawn
+// stretched (nearest pixel) into an off-screen image, copied into a pixel
+// image and read back by the pixel. The same test body is built against both
+// backends, so that the headless CPU path and OpenGL agree pixel for pixel.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "layer/layer.h"
+
+namespace {
+
+using namespace marv;
+
+struct rgb {
+  int r = 0, g = 0, b = 0;
+};
+
+// A 24-bit BMP, rows bottom-up and padded to four bytes, as paint programs
+// write them.
+std::string writeBmp(const std::string& name, int width, int height, const std::vector<rgb>& pixels) {
+  const int rowBytes = (width * 3 + 3) / 4 * 4;
+  const int size = 54 + rowBytes * height;
+  std::vector<unsigned char> b(size, 0);
+  auto put32 = [&](int at, int v) {
+    for (int i = 0; i < 4; ++i) b[at + i] = static_cast<unsigned char>(v >> (8 * i));
+  };
+  b[0] = 'B';
+  b[1] = 'M';
+  put32(2, size);
+  put32(10, 54);
+  put32(14, 40);
+  put32(18, width);
+  put32(22, height);
+  b[26] = 1;
+  b[28] = 24;
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) {
+      const rgb& p = pixels[y * width + x];
+      unsigned char* at = &b[54 + (height - 1 - y) * rowBytes + 3 * x];
+      at[0] = static_cast<unsigned char>(p.b);
+      at[1] = static_cast<unsigned char>(p.g);
+      at[2] = static_cast<unsigned char>(p.r);
+    }
+  const std::string path = ::testing::TempDir() + name;
+  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(b.data()), size);
+  return path;
+}
+
+rgb pixelAt(int handle, int x, int y) {
+  rgb p;
+  readPixel(handle, x, y, &p.r, &p.g, &p.b, nullptr);
+  return p;
+}
+
+// A 3 x 2 picture; the top left pixel is magenta, the colour keyed out below.
+const std::vector<rgb> picture = {{255, 0, 255}, {0, 255, 0}, {0, 0, 255}, {255, 255, 0}, {0, 255, 255}, {90, 60, 30}};
+
+TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
+  ASSERT_EQ(startLayer(), 0);
+  const std::string path = writeBmp("marv_pixel_path.bmp", 3, 2, picture);
+  const int image = loadImage(path.c_str(), 1);
+  ASSERT_GT(image, 0);
+  int w = 0, h = 0;
+  imageSize(image, &w, &h);
+  EXPECT_EQ(w, 3);
+  EXPECT_EQ(h, 2);
+
+  const int target = makeOffscreenImage(6, 4, 0);
+  ASSERT_EQ(setDrawTarget(target), 0);
+  setBackgroundColour(9, 9, 9, 0);
+  clearDrawTarget();
+  drawImageStretched(0, 0, 6, 4, image, 0);
+  const int pixels = makePixelImage(6, 4);
+  ASSERT_EQ(captureToPixelImage(0, 0, 6, 4, pixels), 0);
+  for (int y = 0; y < 4; ++y)
+    for (int x = 0; x < 6; ++x) {
+      const rgb want = picture[(y / 2) * 3 + x / 2], got = pixelAt(pixels, x, y);
+      EXPECT_EQ(got.r, want.r) << "at x=" << x << " y=" << y;
+      EXPECT_EQ(got.g, want.g) << "at x=" << x << " y=" << y;
+      EXPECT_EQ(got.b, want.b) << "at x=" << x << " y=" << y;
+    }
+
+  // A part of the picture, mirrored across, at its own size.
+  clearDrawTarget();
+  drawImageRect(1, 1, 1, 0, 2, 2, image, 0, 1, 0);
+  captureToPixelImage(0, 0, 6, 4, pixels);
+  EXPECT_EQ(pixelAt(pixels, 1, 1).b, 255) << "source (2, 0) lands first";
+  EXPECT_EQ(pixelAt(pixels, 2, 1).g, 255) << "then source (1, 0)";
+  EXPECT_EQ(pixelAt(pixels, 1, 2).r, 90) << "source (2, 1), mirrored to the left";
+  EXPECT_EQ(pixelAt(pixels, 0, 0).r, 9) << "the rest keeps the background";
+  EXPECT_EQ(pixelAt(pixels, 3, 1).r, 9);
+
+  // Corners right to left mirror the picture.
+  clearDrawTarget();
+  drawImageStretched(6, 0, 0, 4, image, 0);
+  captureToPixelImage(0, 0, 6, 4, pixels);
+  EXPECT_EQ(pixelAt(pixels, 0, 0).b, 255) << "source (2, 0) on the left";
+  EXPECT_EQ(pixelAt(pixels, 5, 3).r, 255) << "source (0, 1) on the right";
+  EXPECT_EQ(pixelAt(pixels, 5, 3).g, 255);
+
+  // A box covers x1..x2-1, and a copy of the target keeps it.
+  clearDrawTarget();
+  drawBox(4, 0, 6, 2, colour(200, 100, 50), 1);
+  const int copy = makeImage(6, 4, 1);
+  ASSERT_EQ(captureScreen(0, 0, 6, 4, copy), 0);
+  clearDrawTarget();
+  drawImage(0, 0, copy, 0);
+  captureToPixelImage(0, 0, 6, 4, pixels);
+  EXPECT_EQ(pixelAt(pixels, 4, 0).r, 200);
+  EXPECT_EQ(pixelAt(pixels, 5, 1).g, 100);
+  EXPECT_EQ(pixelAt(pixels, 3, 0).r, 9);
+  EXPECT_EQ(pixelAt(pixels, 4, 2).r, 9);
+
+  // With a colour key, the keyed pixels of a picture loaded later are not drawn.
+  setTransparentColour(255, 0, 255);
+  const int keyed = loadImage(path.c_str(), 1);
+  clearDrawTarget();
+  drawImage(0, 0, keyed, 1);
+  captureToPixelImage(0, 0, 6, 4, pixels);
+  EXPECT_EQ(pixelAt(pixels, 0, 0).r, 9) << "magenta is keyed out";
+  EXPECT_EQ(pixelAt(pixels, 1, 0).g, 255);
+  drawImage(0, 0, keyed, 0);
+  captureToPixelImage(0, 0, 6, 4, pixels);
+  EXPECT_NE(pixelAt(pixels, 0, 0).r, 9) << "drawn opaque without the transparent flag";
+
+  setDrawTarget(backBuffer);
+  for (int handle : {image, keyed, target, copy}) deleteImage(handle);
+  deletePixelImage(pixels);
+  std::remove(path.c_str());
+}
+
+}  // namespace
