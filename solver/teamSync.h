@@ -26,9 +26,10 @@ namespace marv {
 inline char teamToken = 0;  // address the sanitizer annotations synchronise on
 
 // The body of the running region, reached by the team through this record
-// rather than through the region's captured locals: libgomp fills those
-// after anything the master could announce to the sanitizer, so reading
-// them would look unordered; this record is written before the announcement.
+// rather than through the region's captured locals: the compiler stores
+// those into the fork's argument block after anything the master could
+// announce to the sanitizer, so reading them would look unordered, while
+// this record is written before the announcement.
 struct teamWork {
   void (*run)(void* context, int thread) = nullptr;  // calls the body
   void* context = nullptr;                           // the body object
