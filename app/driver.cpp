@@ -83,7 +83,10 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       const int inputResult = handleFrameInput(input, cfg);
       drawFrame(scene, cfg, state.views, 1);
       runControlPanel(panel, cfg);
-      if (cfg.snapshotRequested) cfg.snapshotRequested = 0;  // images need the window backend
+      if (cfg.snapshotRequested) {
+        if (cfg.ts <= cfg.latts) saveSnapshot(cfg);
+        cfg.snapshotRequested = 0;
+      }
       const bool stepping = running(cfg);
       // The boundary field goes into view 8, from where the dump stores it.
       const array3d<double>& display = state.views[8];

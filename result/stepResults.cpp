@@ -3,6 +3,7 @@
 #include "result/stepResults.h"
 
 #include <cstdio>
+#include <ctime>
 
 #include "layer/layer.h"
 #include "project/vizFile.h"
@@ -16,7 +17,23 @@ namespace {
 // are covered by their own tests.
 bool onInterval(int ts, int interval) { return interval > 0 && ts % interval == 0; }
 
+// The saved rectangle leaves out the status strip at the foot of the window.
+int saveScreen(const appConfig& cfg, const char* path) {
+  return saveScreenJpeg(0, 0, cfg.screenWidth - 1, cfg.screenHeight - cfg.textHeight - cfg.textGap, path, 80, 1);
+}
+
 }  // namespace
+
+void saveSnapshot(const appConfig& cfg) {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  char stamp[32];
+  std::strftime(stamp, sizeof stamp, "%Y%m%d_%H.%M.%S", &local);
+  char path[96];
+  std::snprintf(path, sizeof path, "./figs/snapshot_%08d_%s.jpg", cfg.ts, stamp);
+  saveScreen(cfg, path);
+}
 
 void writeStepResults(appConfig& cfg, fieldViews& views) {
   if (cfg.ts > cfg.latts) return;
@@ -28,7 +45,7 @@ void writeStepResults(appConfig& cfg, fieldViews& views) {
   if (ends || onInterval(cfg.ts, cfg.nfig)) {
     char path[64];
     std::snprintf(path, sizeof path, "./figs/%08d.jpg", cfg.ts);
-    saveScreenJpeg(0, 0, cfg.screenWidth - 1, cfg.screenHeight - cfg.textHeight - cfg.textGap, path, 80, 1);
+    saveScreen(cfg, path);
   }
   if (!ends && !onInterval(cfg.ts, cfg.nfile)) return;
   writeDump(cfg, views);
