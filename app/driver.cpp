@@ -13,6 +13,7 @@
 #include "domain/nodeLists.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
+#include "project/parameterFields.h"
 #include "project/parameterFile.h"
 #include "project/vizFile.h"
 #include "result/dumpFiles.h"
@@ -234,40 +235,18 @@ int runPass(const passStages& stages, driverState& state) {
   const int placed = stages.placementStage ? stages.placementStage(state, cfg) : 1;
   if (placed == 1) {
     if (!cfg.analysisMode) {
+      // The placement values go back into the list: offsets and angles by
+      // "%e", the unit by "%i".
       for (int i = 0; i < editor.count; ++i) {
         parameterEntry& e = editor.entries[i];
+        const bool placement = (e.index >= 60 && e.index <= 62) || (e.index >= 65 && e.index <= 68);
+        if (!placement) continue;
         char text[64];
-        switch (e.index) {
-          case 60:
-            std::snprintf(text, sizeof text, "%e", cfg.xoffstSTL);
-            e.value = text;
-            break;
-          case 61:
-            std::snprintf(text, sizeof text, "%e", cfg.yoffstSTL);
-            e.value = text;
-            break;
-          case 62:
-            std::snprintf(text, sizeof text, "%e", cfg.zoffstSTL);
-            e.value = text;
-            break;
-          case 66:
-            std::snprintf(text, sizeof text, "%e", cfg.xRotSTL);
-            e.value = text;
-            break;
-          case 67:
-            std::snprintf(text, sizeof text, "%e", cfg.yRotSTL);
-            e.value = text;
-            break;
-          case 68:
-            std::snprintf(text, sizeof text, "%e", cfg.zRotSTL);
-            e.value = text;
-            break;
-          case 65:
-            std::snprintf(text, sizeof text, "%i", cfg.unitSTL);
-            e.value = text;
-            break;
-          default: break;
-        }
+        if (e.index == 65)
+          std::snprintf(text, sizeof text, "%i", cfg.unitSTL);
+        else
+          std::snprintf(text, sizeof text, "%e", parameterFieldValue(cfg, e.index));
+        e.value = text;
       }
       writeParameterFile(editor, cfg.version);
     }

@@ -122,13 +122,17 @@ void applyPressure(const bcDomain& bc, const array3d<double>& p) {
   }
 }
 
-// Part of the constant-density step: velocity, mass fraction and pressure
-// walks on one thread, then the mean removal on all, then the age walks.
-void solverCommon::boundaryStage(int t) {
+// The stage at the end of a step: velocity, (temperature,) mass fraction
+// and pressure walks on one thread, then the mean removal on all threads,
+// then the age walks. The variable-density step passes its temperature; it
+// then also walks the mass fraction without a test of speciesFlag (without
+// the flag the list is empty and only the copy of the outer planes acts).
+void solverCommon::boundaryStage(int t, const array3d<double>* temperature) {
   const appConfig& c = *cfg;
   teamSingle([&] {
     applyVelocity(*bc, ufld, vfld, wfld);
-    if (c.speciesFlag) applyScalar(*bc, yfld, c.bcMassfr, bc->massfrCells);
+    if (temperature != nullptr) applyScalar(*bc, *temperature, c.bcTemp, bc->tempCells);
+    if (c.speciesFlag || temperature != nullptr) applyScalar(*bc, yfld, c.bcMassfr, bc->massfrCells);
     applyPressure(*bc, pfld);
   });
   if (c.presAdjustFlag) {

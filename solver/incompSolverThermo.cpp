@@ -61,25 +61,7 @@ void incompSolverThermo::step() {
 }
 
 void incompSolverThermo::thermoBoundaryStage(int t) {
-  const appConfig& c = *cfg;
-  teamSingle([&] {
-    applyVelocity(*bc, ufld, vfld, wfld);
-    applyScalar(*bc, tfld, c.bcTemp, bc->tempCells);
-    // No test of speciesFlag: without it the list is empty and only the copy
-    // of the outer planes acts, on a field that stays uniform.
-    applyScalar(*bc, yfld, c.bcMassfr, bc->massfrCells);
-    applyPressure(*bc, pfld);
-  });
-  if (c.presAdjustFlag) {
-    const double mean = meanPressure(t, c.numThreads);
-    removeMean(pfld, mean, t);
-  }
-  if (c.ageFlag) {
-    teamSingle([&] {
-      applyScalar(*bc, afld, c.bcAge, bc->ageWallCells);
-      setScalar(afld, c.bcAge, bc->ageInletCells);
-    });
-  }
+  boundaryStage(t, &tfld);
   densityFromTemperature(rfld, tfld, t);
 }
 

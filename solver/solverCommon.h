@@ -87,7 +87,7 @@ class solverCommon {
   // Boundary stage of the constant-density solver (boundaryStage.cpp),
   // called by every thread: list walks by one thread, then the collective
   // mean removal, then the age passes.
-  void boundaryStage(int t);
+  void boundaryStage(int t, const array3d<double>* temperature = nullptr);
 
   appConfig* cfg = nullptr;                                       // parameters, grid and tiles; not owned
   ownedArray3d<double> ufld, vfld, wfld;                          // velocity [m/s]

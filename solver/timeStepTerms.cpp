@@ -6,6 +6,16 @@ namespace marv::stepTerms {
 
 namespace {
 
+// tau_ij = E a_ij at node c.
+inline void storeStresses(const fields& f, int c, double E, const strainEntries& e) {
+  f.tau11[c] = E * e.a11;
+  f.tau12[c] = E * e.a12;
+  f.tau13[c] = E * e.a13;
+  f.tau22[c] = E * e.a22;
+  f.tau23[c] = E * e.a23;
+  f.tau33[c] = E * e.a33;
+}
+
 // Sub-grid scalar diffusion of q at node c, to be subtracted from its right
 // side. Constant density: G(q) = (C S 0.5/sct)(d2x(q)/dx^2 + d2y(q)/dy^2 +
 // d2z(q)/dz^2). Variable density: H(q) = K (fx(q)/dx^2 + fy(q)/dy^2 +
@@ -87,12 +97,7 @@ void interiorLoop(const fields& f, const tileRange& r, const factors& k) {
             const strainEntries e = strainOf(g);
             S = e.S;
             const double E = thermo ? rho * k.smag * S : k.smag * S;
-            f.tau11[c] = E * e.a11;
-            f.tau12[c] = E * e.a12;
-            f.tau13[c] = E * e.a13;
-            f.tau22[c] = E * e.a22;
-            f.tau23[c] = E * e.a23;
-            f.tau33[c] = E * e.a33;
+            storeStresses(f, c, E, e);
           }
         } else {
           f.wRhs[c] = 0.0;
@@ -176,12 +181,7 @@ void planeLoop(const fields& f, const tileRange& r, const factors& k, int axis, 
         if (k.sgs) {
           const strainEntries e = strainOf(g);
           const double E = rho * k.smag * e.S;
-          f.tau11[c] = E * e.a11;
-          f.tau12[c] = E * e.a12;
-          f.tau13[c] = E * e.a13;
-          f.tau22[c] = E * e.a22;
-          f.tau23[c] = E * e.a23;
-          f.tau33[c] = E * e.a33;
+          storeStresses(f, c, E, e);
         }
       }
     }
