@@ -256,6 +256,7 @@ struct appConfig {
   std::array<choiceGroup, maxColourSlots> inverseSelectors;   // "ON" "OFF"
   std::vector<std::int32_t> bitmapXY, bitmapYZ, bitmapZX;     // colour codes, 10 slices each
   int stlPresent = 0;                                         // 1 when bc.stl was loaded
+  double stlDeltaX = 0.0, stlDeltaY = 0.0, stlDeltaZ = 0.0;   // model move asked for this frame [m]
 
   // ---------------------------------------------------------------- records (force, heat loss)
   std::array<int, numColourTypes> forceRecFlag{};     // colour takes part in force.txt

@@ -47,6 +47,9 @@ bool nextToken(tokenReader& reader, std::string& out) {
     if (static_cast<int>(out.size()) == textBufferSize - 1) return true;
     c = std::fgetc(reader.file);
   }
+  // The blank that ended the token stays in the file, so that a reader that
+  // goes on by lines still sees the end of this one.
+  if (c != EOF) std::ungetc(c, reader.file);
   return true;
 }
 

@@ -1,0 +1,195 @@
+// The STL reader on valid and damaged files of both forms, and the placement
+// operations on a small model.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "domain/modelPlacement.h"
+#include "domain/stlReader.h"
+#include "testSupport.h"
+
+namespace marv {
+namespace {
+
+std::string binaryStl(std::uint32_t count, int records, const char* header = "binary") {
+  std::string bytes(84, '\0');
+  std::memcpy(bytes.data(), header, std::strlen(header));
+  for (int b = 0; b < 4; ++b) bytes[80 + b] = static_cast<char>((count >> (8 * b)) & 255);
+  for (int r = 0; r < records; ++r) {
+    float values[12] = {0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0};
+    values[3] = static_cast<float>(r);  // vertex 0 x tells the records apart
+    bytes.append(reinterpret_cast<const char*>(values), sizeof values);
+    bytes.append(2, '\0');
+  }
+  return bytes;
+}
+
+std::string facet(float x) {
+  const std::string n = std::to_string(x);
+  return "  facet normal 0 0 1\n    outer loop\n      vertex " + n +
+         " 0 0\n      vertex 1 0 0\n"
+         "      vertex 0 1 0\n    endloop\n  endfacet\n";
+}
+
+struct stlFile {
+  std::filesystem::path folder = marvtest::scratchFolder("stl");
+  std::string path = (folder / "bc.stl").string();
+  ~stlFile() { std::filesystem::remove_all(folder); }
+  stlResult read(const std::string& bytes, bcSurface& s, int inward = 0) {
+    marvtest::writeText(path, bytes);
+    return readStlFile(s, path, inward);
+  }
+};
+
+TEST(StlReader, BinaryFormByItsSize) {
+  stlFile file;
+  bcSurface s;
+  EXPECT_EQ(file.read(binaryStl(0, 0), s).stored, 1) << "84 bytes with count 0: a model of no triangles";
+  EXPECT_EQ(s.numTriangles, 0);
+  EXPECT_EQ(file.read(binaryStl(3, 3, "solid made by a CAD program"), s, 1).stored, 1) << "solid header, binary size";
+  ASSERT_EQ(s.numTriangles, 3);
+  EXPECT_EQ(s.triangles[2].vertex[0][0], 2.0f);
+  EXPECT_EQ(s.triangles[1].normal[2], -1.0f) << "inward normals are negated";
+  EXPECT_EQ(file.read(binaryStl(4000000000u, 2), s).stored, 0) << "a count the size does not carry";
+  EXPECT_EQ(s.numTriangles, 3) << "a failed read keeps the model";
+  EXPECT_EQ(file.read("solid x\nendsolid\n", s).problem, stlProblem::tooShort);
+  std::string nan = binaryStl(1, 1);
+  const float bad = std::nanf("");
+  std::memcpy(nan.data() + 84 + 12, &bad, 4);
+  EXPECT_EQ(file.read(nan, s).problem, stlProblem::notFinite);
+  EXPECT_EQ(readStlFile(s, (file.folder / "none.stl").string(), 0).problem, stlProblem::missing);
+  EXPECT_TRUE(stlProblemText(stlProblem::missing, "x").empty());
+  EXPECT_FALSE(stlProblemText(stlProblem::notSolid, "x").empty());
+}
+
+TEST(StlReader, AsciiLayouts) {
+  stlFile file;
+  bcSurface s;
+  ASSERT_EQ(file.read("solid part\n" + facet(0) + facet(5) + "endsolid part\n", s, 1).stored, 1);
+  ASSERT_EQ(s.numTriangles, 2);
+  EXPECT_EQ(s.triangles[1].vertex[0][0], 5.0f);
+  EXPECT_EQ(s.triangles[0].normal[2], -1.0f);
+  EXPECT_FLOAT_EQ(s.triangles[1].centroid[0], 2.0f);
+
+  // Several solids: reading stops at the first endsolid; the facets counted
+  // from the later lines stay as zero triangles.
+  ASSERT_EQ(
+      file.read("solid a\n" + facet(1) + "endsolid a\nsolid b\n" + facet(2) + facet(3) + "endsolid b\n", s).stored, 1);
+  EXPECT_EQ(s.numTriangles, 3);
+  EXPECT_EQ(s.triangles[0].vertex[0][0], 1.0f);
+  EXPECT_EQ(s.triangles[1].vertex[0][0], 0.0f);
+
+  // Blank lines make the count too large (zero surplus); short facets make it
+  // too small, and the facet beyond it refuses the file.
+  EXPECT_EQ(file.read("solid a\n\n\n\n\n\n\n\n" + facet(1) + "endsolid\n", s).stored, 1);
+  EXPECT_EQ(s.numTriangles, 2);
+  std::string shortFacets = "solid a\n";
+  for (int f = 0; f < 12; ++f)
+    shortFacets += "facet normal 0 0 1\nouter loop\nvertex 0 0 0 vertex 1 0 0 vertex 0 1 0\nendloop\nendfacet\n";
+  EXPECT_EQ(file.read(shortFacets + "endsolid\n", s).problem, stlProblem::tooManyFacets);
+  EXPECT_EQ(s.numTriangles, 2) << "the refused file changed nothing";
+
+  EXPECT_EQ(file.read(std::string(200, 'x') + "\n", s).problem, stlProblem::notSolid);
+  EXPECT_EQ(file.read("solid " + std::string(100000, 'y') + "\n" + facet(1) + "endsolid\n", s).stored, 1)
+      << "a long line is cut, not a fault";
+  std::string infinite = facet(1);
+  infinite.replace(infinite.find("0 0 1"), 5, "0 0 inf");
+  EXPECT_EQ(file.read("solid a\n" + infinite + "endsolid\n", s).problem, stlProblem::notFinite);
+}
+
+bcSurface triangleModel() {
+  bcSurface s;
+  bcTriangle t;
+  const float v[3][3] = {{1, 2, 3}, {4, 2, 3}, {1, 6, 5}};
+  std::memcpy(t.vertex, v, sizeof v);
+  t.normal[2] = 1.0f;
+  s.triangles = {t};
+  s.numTriangles = 1;
+  return s;
+}
+
+void expectSameVertices(const bcSurface& a, const bcSurface& b, float tolerance) {
+  for (int v = 0; v < 3; ++v)
+    for (int k = 0; k < 3; ++k)
+      EXPECT_NEAR(a.triangles[0].vertex[v][k], b.triangles[0].vertex[v][k], tolerance)
+          << "vertex " << v << " axis " << k;
+}
+
+TEST(ModelPlacement, ElementaryOperations) {
+  bcSurface m = triangleModel();
+  translateModel(m, 1, 2, 3);
+  EXPECT_EQ(m.triangles[0].vertex[0][2], 0.0f) << "z is subtracted";
+  EXPECT_FLOAT_EQ(m.triangles[0].centroid[0], 3.0f);
+
+  bcSurface mirrored = triangleModel();
+  mirrorModel(mirrored);  // zmin 3, zmax 5, mid 4: z -> 3 - (z - 4)
+  EXPECT_EQ(mirrored.triangles[0].vertex[2][2], 2.0f);
+  EXPECT_EQ(mirrored.triangles[0].vertex[0][2], 4.0f);
+  EXPECT_EQ(mirrored.triangles[0].normal[2], -1.0f);
+
+  bcSurface turned = triangleModel();
+  rotateModelZ(turned, 90.0f);
+  EXPECT_NEAR(turned.triangles[0].vertex[1][0], -2.0f, 1e-5);
+  EXPECT_NEAR(turned.triangles[0].vertex[1][1], 4.0f, 1e-5);
+  EXPECT_EQ(turned.triangles[0].vertex[1][2], -3.0f) << "each rotation also mirrors z";
+}
+
+TEST(ModelPlacement, ButtonsTurnCentreAndRescale) {
+  bcDomain domain;
+  appConfig cfg;
+  cfg.stlPresent = 1;
+  cfg.lx = 10, cfg.ly = 8, cfg.lz = 6;
+  domain.surfaces[7] = triangleModel();
+  const bcSurface start = domain.surfaces[7];
+  for (int press = 0; press < 4; ++press) turnModelX(domain, cfg);
+  expectSameVertices(domain.surfaces[7], start, 1e-3f);  // float sines of 45 degrees
+  EXPECT_EQ(cfg.xRotSTL, 0.0) << "four quarter turns";
+  turnModelX(domain, cfg);
+  computeModelCentre(domain.surfaces[7]);
+  EXPECT_NEAR(domain.surfaces[7].centre[1], 10.0f / 3.0f, 1e-5) << "a turn keeps the centre";
+  EXPECT_EQ(cfg.xRotSTL, 90.0);
+
+  domain.surfaces[7] = triangleModel();
+  centreModel(domain, cfg);
+  computeModelCentre(domain.surfaces[7]);
+  EXPECT_NEAR(domain.surfaces[7].centre[0], 5.0f, 1e-5);
+  EXPECT_NEAR(domain.surfaces[7].centre[1], 4.0f, 1e-5);
+  EXPECT_NEAR(domain.surfaces[7].centre[2], 3.0f, 1e-5);
+  EXPECT_NEAR(cfg.zoffstSTL, -(3.0 - 11.0 / 3.0), 1e-5);
+
+  const bcSurface before = domain.surfaces[7];
+  const double offset = cfg.xoffstSTL;
+  cfg.unitSelector.selected = 2;  // mm
+  rescaleModel(domain, cfg);
+  EXPECT_EQ(cfg.unitSTL, 2);
+  EXPECT_NEAR(cfg.xoffstSTL, offset * 0.001, 1e-12);
+  cfg.unitSelector.selected = 0;
+  rescaleModel(domain, cfg);
+  expectSameVertices(domain.surfaces[7], before, 1e-3f);
+  EXPECT_NEAR(cfg.xoffstSTL, offset, 1e-9);
+
+  cfg.stlPresent = 0;
+  turnModelZ(domain, cfg);
+  EXPECT_EQ(cfg.zRotSTL, 0.0) << "no model, no action";
+}
+
+TEST(ModelPlacement, LoadOrderMirrorsScalesTurnsThenMoves) {
+  appConfig cfg;
+  cfg.coordSTL = 0;
+  cfg.unitSTL = 1;  // cm
+  cfg.zRotSTL = 90.0;
+  cfg.xoffstSTL = 1.0;
+  bcSurface m = triangleModel();
+  placeModelAtLoad(m, cfg);
+  // mirror: z (3, 3, 5) -> (4, 4, 2); cm: x 0.01, 0.04, 0.01; y 0.02, 0.02, 0.06;
+  // z-turn: x' = -y, y' = x, z' = -z; then x += 1.
+  EXPECT_NEAR(m.triangles[0].vertex[0][0], 1.0f - 0.02f, 1e-6);
+  EXPECT_NEAR(m.triangles[0].vertex[0][1], 0.01f, 1e-6);
+  EXPECT_NEAR(m.triangles[0].vertex[0][2], -0.04f, 1e-6);
+}
+
+}  // namespace
+}  // namespace marv
