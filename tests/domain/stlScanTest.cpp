@@ -1,0 +1,107 @@
+// The STL scan on a sphere: the shell of surface nodes lies within a cell of
+// the surface on its inner side, each image point is the node mirrored
+// across the surface, deeper nodes are solid, and nothing outside is marked.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "domain/stlScan.h"
+#include "tests/testGrid.h"
+
+namespace marv {
+namespace {
+
+constexpr double pi = 3.14159265358979323846;
+
+// A UV sphere of radius r about c with outward normals, in model
+// coordinates (z is mirrored into the solver's by the scan).
+bcSurface sphereModel(double cx, double cy, double cz, double r, int rings, int segments) {
+  bcSurface s;
+  auto at = [&](int ring, int segment, float out[3]) {
+    const double theta = pi * ring / rings, phi = 2.0 * pi * segment / segments;
+    out[0] = static_cast<float>(cx + r * std::sin(theta) * std::cos(phi));
+    out[1] = static_cast<float>(cy + r * std::sin(theta) * std::sin(phi));
+    out[2] = static_cast<float>(cz + r * std::cos(theta));
+  };
+  auto add = [&](int r0, int s0, int r1, int s1, int r2, int s2) {
+    bcTriangle t;
+    at(r0, s0, t.vertex[0]);
+    at(r1, s1, t.vertex[1]);
+    at(r2, s2, t.vertex[2]);
+    double n[3], len = 0.0;
+    for (int a = 0; a < 3; ++a) {
+      t.centroid[a] = static_cast<float>((t.vertex[0][a] + t.vertex[1][a] + t.vertex[2][a]) / 3.0);
+      n[a] = t.centroid[a] - (a == 0 ? cx : a == 1 ? cy : cz);
+      len += n[a] * n[a];
+    }
+    for (int a = 0; a < 3; ++a) t.normal[a] = static_cast<float>(n[a] / std::sqrt(len));
+    s.triangles.push_back(t);
+  };
+  for (int ring = 0; ring < rings; ++ring)
+    for (int seg = 0; seg < segments; ++seg) {
+      if (ring > 0) add(ring, seg, ring + 1, seg, ring, seg + 1);
+      if (ring < rings - 1) add(ring + 1, seg, ring + 1, seg + 1, ring, seg + 1);
+    }
+  s.numTriangles = static_cast<int>(s.triangles.size());
+  return s;
+}
+
+TEST(StlScan, SphereGivesAShellWithMirroredImagePointsOverASolidCore) {
+  appConfig cfg;
+  testing::setGrid(cfg, 33, 33, 33);
+  cfg.stlPresent = 1;
+  bcDomain domain;
+  constructDomain(domain, cfg);
+  const double c = 0.5, R = 0.3;
+  domain.surfaces[7] = sphereModel(c, c, c, R, 40, 80);
+  fill<int>(domain.nearestTriangle, noTriangle);
+  scanModel(domain, cfg);
+
+  const double diag = std::sqrt(3.0) * cfg.dx;
+  int shell = 0, core = 0;
+  for (int k = 0; k < 33; ++k)
+    for (int j = 0; j < 33; ++j)
+      for (int i = 0; i < 33; ++i) {
+        const double x = cfg.xCoord[i] - c, y = cfg.yCoord[j] - c, z = cfg.zCoord[k] - c;
+        const double r = std::sqrt(x * x + y * y + z * z);
+        const int flag = domain.bcFlag(i, j, k);
+        if (r > R + 1e-3) {
+          ASSERT_EQ(flag, 0) << "outside the sphere at i=" << i << " j=" << j << " k=" << k;
+        }
+        if (flag == 7) {
+          ++shell;
+          EXPECT_LT(R - r, diag + 1e-3) << "a shell node within a cell of the surface at i=" << i << " j=" << j;
+          const double ix = domain.imageX(i, j, k) - c, iy = domain.imageY(i, j, k) - c,
+                       iz = domain.imageZ(i, j, k) - c;
+          const double ri = std::sqrt(ix * ix + iy * iy + iz * iz);
+          EXPECT_NEAR(ri, 2.0 * R - r, 2e-3) << "the image mirrors the node at i=" << i << " j=" << j << " k=" << k;
+        }
+        if (flag == 10) {
+          ++core;
+          EXPECT_LT(r, R) << "solid inside at i=" << i << " j=" << j << " k=" << k;
+        }
+      }
+  // The shell is about one cell diagonal thick over the sphere's surface.
+  const double shellVolume = 4.0 * pi * R * R * diag;
+  const double nodeVolume = cfg.dx * cfg.dy * cfg.dz;
+  EXPECT_GT(shell, 0.3 * shellVolume / nodeVolume);
+  EXPECT_LT(shell, 1.5 * shellVolume / nodeVolume);
+  EXPECT_GT(core, 0);
+}
+
+TEST(StlScan, ModelOutsideTheDomainMarksNothing) {
+  appConfig cfg;
+  testing::setGrid(cfg, 9, 9, 9);
+  cfg.stlPresent = 1;
+  bcDomain domain;
+  constructDomain(domain, cfg);
+  domain.surfaces[7] = sphereModel(5.0, 5.0, 5.0, 0.5, 8, 16);
+  bcTriangle flat;  // a surplus record of an ASCII file: all zero, no normal
+  domain.surfaces[7].triangles.push_back(flat);
+  fill<int>(domain.nearestTriangle, noTriangle);
+  scanModel(domain, cfg);
+  for (int n = 0; n < domain.bcFlag.count(); ++n) ASSERT_EQ(domain.bcFlag[n], 0) << "at n=" << n;
+}
+
+}  // namespace
+}  // namespace marv
