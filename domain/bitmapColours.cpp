@@ -64,7 +64,12 @@ int findColour(const appConfig& cfg, std::uint32_t code) {
 }
 
 void setPresetColours(appConfig& cfg) {
-  for (int c = 0; c < maxColourSlots; ++c) resetEntry(cfg, c);
+  for (int c = 0; c < maxColourSlots; ++c) {
+    resetEntry(cfg, c);
+    cfg.StretchPlane[c] = 3;
+    cfg.SymmetricPlane[c] = 3;
+    cfg.InverseFlag[c] = 1;
+  }
   for (int c = 0; c < 7; ++c) {
     cfg.R[c] = presetR[c];
     cfg.G[c] = presetG[c];

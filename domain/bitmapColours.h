@@ -22,8 +22,8 @@ std::uint32_t colorCode(int r, int g, int b);
 int findColour(const appConfig& cfg, std::uint32_t code);
 
 // The list back to its eight presets (white, black, blue, red, green,
-// yellow, cyan, and the STL slot that no pixel matches); counts, marks and
-// colorInBitmap cleared.
+// yellow, cyan, and the STL slot that no pixel matches); counts, marks,
+// choices (stretch and mirror off, no inversion) and colorInBitmap cleared.
 void setPresetColours(appConfig& cfg);
 
 // Removes entries 8 and up that are marked (keep = 0), remembering their
