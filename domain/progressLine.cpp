@@ -50,6 +50,7 @@ void showProgress(appConfig& cfg, int row) {
   const long long nodes = static_cast<long long>(cfg.nx) * cfg.ny * cfg.nz;
   if (cfg.progressToTerminal != 0 && nodes >= terminalNodes &&
       (row != lastTerminalRow || percent != lastTerminalPercent)) {
+    if (lastTerminalRow >= 0 && row != lastTerminalRow && lastTerminalPercent < 100) std::fputc('\n', stderr);
     std::fputc('\r', stderr);
     std::fprintf(stderr, rowFormats[std::clamp(row, 0, 2)], row + 1, percent);
     if (percent >= 100) std::fprintf(stderr, "\n");
