@@ -217,8 +217,8 @@ int runPass(const passStages& stages, driverState& state) {
       return endPass(0);
     }
     state.solver = makeSolver(cfg, domain);
-    prepareFromInputs(domain, cfg);
     fetchViews(state, cfg);
+    prepareFromInputs(domain, cfg);
     setUpScene(scene, cfg);
     if (r != 0) break;
     // The preview needs the window: without one it shows once and returns.
