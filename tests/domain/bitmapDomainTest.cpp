@@ -228,6 +228,20 @@ TEST(classifyMask, imagePointsMirrorNodesAcrossASphereWithinACell) {
       }
   EXPECT_GT(surface, 300);
   EXPECT_GT(deep, 50);
+
+  // The same body in an inlet colour: the same skin, and 11 behind it with
+  // no image point.
+  bcDomain inlet;
+  constructDomain(inlet, cfg);
+  copyFrom(static_cast<const array3d<float>&>(inlet.typeMasks[2]), static_cast<const array3d<float>&>(m));
+  classifyMask(cfg, inlet, 2);
+  for (int n = 0; n < m.count(); ++n) {
+    const int was = domain.bcFlag[n], now = inlet.bcFlag[n];
+    ASSERT_EQ(now, was == solidType ? inletBodyType : (was == 1 ? 2 : 0)) << "at n=" << n;
+    if (now == inletBodyType) {
+      ASSERT_EQ(inlet.imageX[n], 0.0f) << "at n=" << n;
+    }
+  }
   EXPECT_NEAR(m(12, 11, 4),
               std::clamp(0.8 + 0.1 * (R - std::hypot(cfg.xCoord[12] - xc, cfg.yCoord[11] - yc, cfg.zCoord[4] - zc)) / h,
                          0.0, 1.0),
