@@ -28,6 +28,13 @@ constexpr const char* productWord = "Marvanesse+";
 struct appConfig;
 using messageSink = void (*)(appConfig& cfg, const char* text);  // shows one message with OK
 
+// One row of the bitmap stage's colour list: its swatch and the removal mark.
+struct colourRow {
+  int x = 0, y = 0, width = 0, height = 0;  // swatch rectangle [px]
+  int keep = 1;                             // 0: the colour is to be removed
+  int hover = 0;                            // 1 while the mouse rests on the swatch, button up
+};
+
 struct appConfig {
   // ---------------------------------------------------------------- identity and mode
   std::string version = programVersion;  // program version text
@@ -255,8 +262,16 @@ struct appConfig {
   std::array<choiceGroup, maxColourSlots> symmetrySelectors;  // "XY" "YZ" "ZX" "OFF"
   std::array<choiceGroup, maxColourSlots> inverseSelectors;   // "ON" "OFF"
   std::vector<std::int32_t> bitmapXY, bitmapYZ, bitmapZX;     // colour codes, 10 slices each
-  int stlPresent = 0;                                         // 1 when bc.stl was loaded
-  double stlDeltaX = 0.0, stlDeltaY = 0.0, stlDeltaZ = 0.0;   // model move asked for this frame [m]
+  std::array<colourRow, maxColourSlots> colorRows;            // on-screen rows of the colour list
+  std::vector<int> colorInBitmap = std::vector<int>(maxColourSlots * maxBitmapSlices * 3, 0);  // (c*10+b)*3+plane
+  int stageInterrupted = 0;            // 1 while the bitmap stage is away for a preview
+  int stagePlane = 0, stageSlice = 0;  // where the bitmap stage resumes
+  int progressTotal = 0;               // refreshes of the progress line to come
+  int progressCount = 0;               // refreshes done
+  int progressRows = 3;                // bars of the progress line
+  int progressToTerminal = 0;          // 1: the progress line also goes to stderr
+  int stlPresent = 0;                  // 1 when bc.stl was loaded
+  double stlDeltaX = 0.0, stlDeltaY = 0.0, stlDeltaZ = 0.0;  // model move asked for this frame [m]
 
   // ---------------------------------------------------------------- records (force, heat loss)
   std::array<int, numColourTypes> forceRecFlag{};     // colour takes part in force.txt

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "app/runProgress.h"
+#include "domain/bitmapReading.h"
 #include "layer/layer.h"
 #include "project/parameterFile.h"
 
@@ -86,7 +87,12 @@ void runStep(appConfig& cfg, bool final) {
   if (final) progress = runProgress{};
 }
 
-int acceptStage(appConfig&) { return 1; }
+// The bitmap stage without its screen: every bitmap is read and its colours
+// taken with the choices saved in bmp.txt, as if Enter were pressed at once.
+int bitmapStage(appConfig& cfg) {
+  cfg.progressToTerminal = options.quiet ? 0 : 1;
+  return readBoundaryBitmaps(cfg, [&cfg](const std::string& text) { batchMessage(cfg, text.c_str()); });
+}
 int acceptPlacement(driverState&, appConfig&) { return 1; }
 
 }  // namespace
@@ -99,7 +105,7 @@ passStages batchStages(const batchOptions& given) {
   stages.sourceScreen = sourceScreen;
   stages.confirmScreen = confirmScreen;
   stages.parameterEditorScreen = parameterEditorScreen;
-  stages.bitmapStage = acceptStage;
+  stages.bitmapStage = bitmapStage;
   stages.placementStage = acceptPlacement;
   stages.showMessage = batchMessage;
   stages.runStep = runStep;

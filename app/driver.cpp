@@ -9,8 +9,9 @@
 #include <cstdio>
 
 #include "domain/bcDomain.h"
+#include "domain/bitmapDomain.h"
 #include "domain/bmpTxt.h"
-#include "domain/nodeLists.h"
+#include "domain/prepareInputs.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
 #include "project/parameterFields.h"
@@ -221,6 +222,7 @@ int runPass(const passStages& stages, driverState& state) {
     }
     state.solver = makeSolver(cfg, domain);
     fetchViews(state, cfg);
+    prepareFromInputs(domain, cfg);
     setUpScene(scene, cfg);
     if (r != 0) break;
     // The preview needs the window: without one it shows once and returns.
@@ -250,9 +252,11 @@ int runPass(const passStages& stages, driverState& state) {
       }
       writeParameterFile(editor, cfg.version);
     }
-    // Final domain construction: the node lists from the boundary types.
-    buildNodeLists(domain, cfg);
-    buildSolidMask(domain, cfg);
+    // Final domain construction: boundary types, image points, node lists.
+    if (cfg.nz == 1)
+      build2D(domain, cfg);
+    else
+      build3D(domain, cfg);
     state.stepsTaken = 0;
     const int ran = runLoop(stages, state, cfg, scene, input, panel, domain);
     state.endTime = cfg.time;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <csetjmp>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -78,6 +79,27 @@ bool compressRows(jpeg_compress_struct* info, const std::uint8_t* rgba, int widt
   return true;
 }
 
+// stb_image fills the missing rows of a cut-off BMP with black; a boundary
+// bitmap read that way would gain walls nobody drew. An uncompressed BMP is
+// complete when its pixel rows, padded to four bytes, fit in the file.
+bool bmpIsComplete(const std::uint8_t* data, std::size_t size) {
+  if (size < 2 || data[0] != 'B' || data[1] != 'M') return true;  // not a BMP: stb decides
+  if (size < 34) return false;
+  auto u32 = [&](std::size_t at) {
+    return static_cast<std::uint32_t>(data[at]) | static_cast<std::uint32_t>(data[at + 1]) << 8 |
+           static_cast<std::uint32_t>(data[at + 2]) << 16 | static_cast<std::uint32_t>(data[at + 3]) << 24;
+  };
+  const std::uint32_t offset = u32(10), headerSize = u32(14);
+  if (headerSize < 40) return true;  // old OS/2 headers: left to stb
+  const auto width = static_cast<std::int32_t>(u32(18)), height = static_cast<std::int32_t>(u32(22));
+  const int bits = data[28] | data[29] << 8;
+  const std::uint32_t compression = u32(30);
+  if (compression != 0 || width <= 0 || height == 0 || height == INT32_MIN) return true;
+  const std::uint64_t rowBytes = (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(bits) + 31) / 32 * 4;
+  const std::uint64_t rows = static_cast<std::uint64_t>(height < 0 ? -static_cast<std::int64_t>(height) : height);
+  return static_cast<std::uint64_t>(offset) + rowBytes * rows <= size;
+}
+
 }  // namespace
 
 bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
@@ -86,6 +108,7 @@ bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   int w = 0, h = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &w, &h, &channels)) return false;
   if (w <= 0 || h <= 0 || w > maxImageSide || h > maxImageSide) return false;
+  if (!bmpIsComplete(data, size)) return false;
   stbi_uc* pixels = stbi_load_from_memory(data, static_cast<int>(size), &w, &h, &channels, 4);
   if (pixels == nullptr) return false;
   image.width = w;

@@ -67,14 +67,19 @@ TEST(pictureFiles, truncatedPicturesAreRefusedAtEveryLength) {
     EXPECT_FALSE(ok) << "cut at " << n << " of " << png.size();
     EXPECT_TRUE(picture.pixels.empty());
   }
-  // A bitmap header that promises pixels the file does not hold: the decoder
-  // may fill the missing rows, but never reads beyond the bytes it has.
-  const std::vector<std::uint8_t> bmp = bmpHeader(64, 64);
-  rgbaImage picture;
-  if (decodeImage(bmp.data(), bmp.size(), picture)) {
-    EXPECT_EQ(picture.width, 64);
-    EXPECT_EQ(picture.pixels.size(), 64u * 64u * 4u);
+  // A bitmap header that promises pixels the file does not hold is refused
+  // at every length short of the whole: filling the missing rows with black
+  // would draw walls into a boundary bitmap. The whole file loads.
+  std::vector<std::uint8_t> bmp = bmpHeader(5, 3);  // rows of 15 bytes, padded to 16
+  bmp.resize(54 + 16 * 3, 200);
+  for (std::size_t n = 54; n < bmp.size(); ++n) {
+    rgbaImage picture;
+    EXPECT_FALSE(decodeImage(bmp.data(), n, picture)) << "cut at " << n << " of " << bmp.size();
   }
+  rgbaImage whole;
+  ASSERT_TRUE(decodeImage(bmp.data(), bmp.size(), whole));
+  EXPECT_EQ(whole.width, 5);
+  EXPECT_EQ(whole.pixels[0], 200);
 }
 
 TEST(pictureFiles, hugeAndNonsenseSizesAreRefusedBeforeAllocating) {

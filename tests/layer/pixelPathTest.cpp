@@ -4,11 +4,16 @@
 // backends, so that the headless CPU path and OpenGL agree pixel for pixel.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "app/appConfig.h"
+#include "domain/bitmapColours.h"
+#include "domain/bitmapReading.h"
 #include "layer/layer.h"
 
 namespace {
@@ -130,6 +135,44 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
   setDrawTarget(backBuffer);
   for (int handle : {image, keyed, target, copy}) deleteImage(handle);
   deletePixelImage(pixels);
+  std::remove(path.c_str());
+}
+
+// A boundary bitmap read at the mesh: both backends give every node the
+// colour of the block of the picture it lies in. Nodes close to a block's
+// edge may go either way and are not looked at.
+TEST(pixelPath, boundaryBitmapGivesEveryNodeTheColourOfItsBlock) {
+  ASSERT_EQ(startLayer(), 0);
+  const std::string path = writeBmp("marv_mesh_read.bmp", 3, 2, picture);
+  const int image = loadImage(path.c_str(), 1);
+  ASSERT_GT(image, 0);
+  for (int n : {2, 3, 7, 16, 17}) {
+    appConfig cfg;
+    cfg.nx = n;
+    cfg.ny = n + 2;
+    cfg.nz = 1;
+    cfg.lx = 1.5;
+    cfg.ly = 1.0;
+    cfg.dx = cfg.lx / (cfg.nx - 1);
+    for (int i = 0; i < cfg.nx; ++i) cfg.xCoord.push_back(i * cfg.dx);
+    for (int j = 0; j < cfg.ny; ++j) cfg.yCoord.push_back(j * cfg.ly / (cfg.ny - 1));
+    cfg.pixPerMetre = 5 / cfg.dx;
+    cfg.domPixX = static_cast<int>(cfg.pixPerMetre * cfg.lx);
+    cfg.domPixY = static_cast<int>(cfg.pixPerMetre * cfg.ly);
+    cfg.bitmapScreenWidth = cfg.domPixX + cfg.marginLeft + cfg.marginRight;
+    cfg.bitmapScreenHeight = cfg.domPixY + cfg.bitmapGap + cfg.marginTop + cfg.marginBottom;
+    std::vector<std::uint32_t> codes;
+    ASSERT_EQ(readImageAtMesh(cfg, planeXY, image, codes), 0) << "n=" << n;
+    for (int j = 0; j < cfg.ny; ++j)
+      for (int i = 0; i < cfg.nx; ++i) {
+        const double across = 3.0 * cfg.xCoord[i] / cfg.lx, down = 2.0 * (1.0 - cfg.yCoord[j] / cfg.ly);
+        if (std::fabs(across - std::round(across)) < 0.2 || std::fabs(down - std::round(down)) < 0.2) continue;
+        const rgb want = picture[std::min(1, static_cast<int>(down)) * 3 + std::min(2, static_cast<int>(across))];
+        EXPECT_EQ(codes[static_cast<std::size_t>(j) * cfg.nx + i], colorCode(want.r, want.g, want.b))
+            << "n=" << n << " at i=" << i << " j=" << j;
+      }
+  }
+  deleteImage(image);
   std::remove(path.c_str());
 }
 

@@ -1,0 +1,57 @@
+// prepareFromInputs: labels, masks, polygons and bcField, in the order the
+// domain build relies on: mirroring of all colours before any inversion,
+// softening before the filters, and the masks polygonised as filtered, so the
+// drawn boundary is the one the final build classifies.
+#include "domain/prepareInputs.h"
+
+#include "domain/bitmapDomain.h"
+#include "domain/polygonise.h"
+#include "domain/progressLine.h"
+
+namespace marv {
+
+void prepareFromInputs(bcDomain& domain, appConfig& cfg) {
+  if (cfg.stageInterrupted == 1) return;
+  const int nx = cfg.nx, ny = cfg.ny, nz = cfg.nz;
+  maskWork scratch;
+  scratch.active = ownedArray3d<std::uint8_t>(nx, ny, nz);
+  scratch.work = ownedArray3d<float>(nx, ny, nz);
+
+  cfg.progressCount = 0;
+  cfg.progressTotal = 3 * cfg.iNumBcColor - 2;
+  if (nz != 1) cfg.progressTotal += (domain.endType - domain.firstType) + cfg.mLoopMax + 1;
+  showProgress(cfg, 0);
+
+  if (cfg.iNumBcColor > 1) {
+    stretchColors(cfg, domain);
+    mirrorColors(cfg, domain);
+  }
+  invertColors(cfg, domain);
+  makeTypeMasks(cfg, domain, scratch);
+  if (cfg.mLoopMax >= 2) softenCorners(cfg, domain, scratch);
+  filterTypeMasks(cfg, domain, scratch);
+
+  for (int t = domain.firstType; t < domain.endType; ++t) {
+    showProgress(cfg, 0);
+    if (t == stlType) continue;
+    if (nz == 1) {
+      domain.outlines[t].field = &domain.typeMasks[t];
+      polygoniseOutline(domain.outlines[t], domain.isoLevel);
+    } else {
+      domain.surfaces[t].field = &domain.typeMasks[t];
+      polygoniseSurface(domain.surfaces[t], domain.isoLevel);
+    }
+  }
+
+  // The boundary field for the dumps: the sum of the masks, in the solver's z.
+  const array3d<double>& field = domain.bcField;
+  fill(field, 0.0);
+  for (int k = 0; k < nz; ++k)
+    for (int j = 0; j < ny; ++j)
+      for (int i = 0; i < nx; ++i)
+        for (int t = 1; t < numColourTypes; ++t)
+          if (domain.typeMasks[t].count() > 0) field(i, j, k) += domain.typeMasks[t](i, j, nz - 1 - k);
+  showProgress(cfg, 0);
+}
+
+}  // namespace marv

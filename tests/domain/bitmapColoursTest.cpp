@@ -1,0 +1,253 @@
+// The colour list of the bitmap stage: counting, the purge threshold and its
+// strict test, the removed-colour list across passes, a full list, slices and
+// their conversion, the saved choices; then whole bitmaps read at the mesh
+// through the headless layer, including files that are not pictures.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "bitmapTestSupport.h"
+#include "domain/bitmapColours.h"
+#include "domain/bitmapReading.h"
+#include "layer/layer.h"
+#include "testSupport.h"
+
+namespace {
+
+using namespace marv;
+using marvtest::rgb;
+
+const std::uint32_t white = colorCode(255, 255, 255), black = colorCode(0, 0, 0);
+const std::uint32_t olive = colorCode(128, 128, 0), pink = colorCode(255, 128, 128);
+
+// A bitmap read at the mesh: `count` nodes of colour, the rest white.
+std::vector<std::uint32_t> nodes(int total, std::vector<std::pair<std::uint32_t, int>> colours) {
+  std::vector<std::uint32_t> codes(total, white);
+  int at = 0;
+  for (auto [code, count] : colours)
+    for (int n = 0; n < count; ++n) codes[at++] = code;
+  return codes;
+}
+
+appConfig freshList() {
+  appConfig cfg;
+  setPresetColours(cfg);
+  return cfg;
+}
+
+TEST(bitmapColours, purgeDropsColoursBelowTheThresholdAndKeepsThoseAtIt) {
+  appConfig cfg = freshList();
+  countColours(cfg, nodes(100, {{olive, 10}, {pink, 9}, {black, 1}}), 10, 10);
+  ASSERT_EQ(cfg.iNumBcColor, 9) << "pink (9 points) falls below the floor of 10";
+  EXPECT_EQ(cfg.ColorsCodes[8], olive) << "olive has exactly 10 points: the test is strict";
+  EXPECT_EQ(cfg.colorPoints[1], 1) << "a preset stays however rare";
+  EXPECT_EQ(cfg.colorPoints[0], 80);
+  EXPECT_EQ(cfg.numRemovedColors, 0) << "a rare colour is not a removed colour";
+
+  // 200000 nodes at 10 per 10000: the threshold is 200.
+  appConfig big = freshList();
+  countColours(big, nodes(200000, {{olive, 200}, {pink, 199}}), 400, 500);
+  ASSERT_EQ(big.iNumBcColor, 9);
+  EXPECT_EQ(big.ColorsCodes[8], olive);
+  big.inumColorsThresMax = 1;  // 20 points now suffice, but pink is gone already
+  purgeColors(big, 200000);
+  EXPECT_EQ(big.iNumBcColor, 9);
+}
+
+TEST(bitmapColours, removedColourIsRememberedOnceAndDroppedInTheNextPass) {
+  appConfig cfg = freshList();
+  countColours(cfg, nodes(100, {{olive, 20}, {pink, 30}}), 10, 10);
+  ASSERT_EQ(cfg.iNumBcColor, 10);
+  ASSERT_EQ(cfg.ColorsCodes[8], olive);
+  cfg.colorRows[8].keep = 0;  // the user clicks olive's swatch
+  cfg.stretchSelectors[9].selected = 1;
+  purgeColors(cfg, 0);
+  ASSERT_EQ(cfg.iNumBcColor, 9);
+  EXPECT_EQ(cfg.ColorsCodes[8], pink) << "pink moved down";
+  EXPECT_EQ(cfg.stretchSelectors[8].selected, 1) << "its choice moved with it";
+  EXPECT_EQ(cfg.ColorsCodes[9], 0u) << "the freed entry is reset";
+  EXPECT_EQ(cfg.colorRows[9].keep, 1);
+  ASSERT_EQ(cfg.numRemovedColors, 1);
+  EXPECT_EQ(cfg.RemovedColorCodes[0], olive);
+
+  // The next slice holds olive again: it is counted, marked and dropped,
+  // without a second entry in the removed list.
+  countColours(cfg, nodes(100, {{olive, 50}}), 10, 10);
+  EXPECT_EQ(findColour(cfg, olive), -1);
+  EXPECT_EQ(cfg.numRemovedColors, 1);
+
+  // A new pass with the removed list of bmp.txt drops it while counting.
+  appConfig next = freshList();
+  next.RemovedColorCodes[0] = olive;
+  next.numRemovedColors = 1;
+  countColours(next, nodes(100, {{olive, 50}, {pink, 20}}), 10, 10);
+  EXPECT_EQ(findColour(next, olive), -1);
+  EXPECT_EQ(findColour(next, pink), 8);
+}
+
+TEST(bitmapColours, fullListPurgesBeforeTakingANewColour) {
+  appConfig cfg = freshList();
+  // 43 rare colours fill the list to 51 entries; the 44th arrives last.
+  std::vector<std::uint32_t> codes;
+  for (int c = 0; c < 43; ++c) codes.push_back(colorCode(10, 20, c));
+  for (int n = 0; n < 20; ++n) codes.push_back(olive);
+  countColours(cfg, codes, static_cast<int>(codes.size()), 1);
+  EXPECT_EQ(cfg.iNumBcColor, 9) << "the rare colours went, olive came in after the purge";
+  EXPECT_EQ(cfg.ColorsCodes[8], olive);
+  EXPECT_EQ(cfg.colorPoints[8], 20);
+
+  // Frequent colours, ten nodes each: once the list is full, every further
+  // node purges first, so a colour still being counted (one node so far)
+  // keeps being dropped and taken again; the colours already at 10 stay.
+  appConfig full = freshList();
+  std::vector<std::uint32_t> many;
+  for (int c = 0; c < 44; ++c)
+    for (int n = 0; n < 10; ++n) many.push_back(colorCode(30, 40, c));
+  countColours(full, many, static_cast<int>(many.size()), 1);
+  EXPECT_EQ(full.iNumBcColor, maxColourSlots - 1);
+  for (int c = 0; c < 42; ++c) EXPECT_EQ(findColour(full, colorCode(30, 40, c)), 8 + c) << "colour " << c;
+  EXPECT_EQ(findColour(full, colorCode(30, 40, 43)), -1) << "no room for the 44th colour";
+}
+
+TEST(bitmapColours, slicesConvertCodesToListIndices) {
+  appConfig cfg = freshList();
+  marvtest::setBitmapCase(cfg, 3, 2, 1);
+  const std::vector<std::uint32_t> codes = {white, black, olive, pink, colorCode(1, 2, 3), olive};
+  cfg.ColorsCodes[8] = olive;
+  cfg.ColorsCodes[9] = pink;
+  cfg.iNumBcColor = 10;
+  writeSlice(cfg, planeXY, 4, codes);
+  EXPECT_EQ(cfg.bitmapXY[sliceIndex(3, 2, 4, 1, 0)], static_cast<std::int32_t>(black));
+  EXPECT_EQ(cfg.bitmapXY[sliceIndex(3, 2, 4, 1, 1)], 0) << "a colour not in the list leaves 0";
+  cfg.RemovedColorCodes[0] = pink;
+  cfg.numRemovedColors = 1;
+  convertSlices(cfg);
+  const std::vector<int> want = {0, 1, 8, 0, 0, 8};
+  for (int n = 0; n < 6; ++n) EXPECT_EQ(cfg.bitmapXY[sliceIndex(3, 2, 4, n % 3, n / 3)], want[n]) << "at node " << n;
+  EXPECT_EQ(inBitmap(cfg, 8, 4, planeXY), 1);
+  EXPECT_EQ(inBitmap(cfg, 1, 4, planeXY), 1);
+  EXPECT_EQ(inBitmap(cfg, 9, 4, planeXY), 0) << "removed pink is not in the slice";
+  EXPECT_EQ(inBitmap(cfg, 8, 3, planeXY), 0) << "slice 3 was never loaded: only index 0";
+  EXPECT_EQ(inBitmap(cfg, 0, 3, planeXY), 1);
+}
+
+TEST(bitmapColours, savedChoicesFollowTheColourCodeLastRowWinning) {
+  appConfig cfg = freshList();
+  cfg.ColorsCodes[8] = olive;
+  cfg.iNumBcColor = 9;
+  cfg.savedColorsCodes[3] = olive;
+  cfg.savedStretchPlane[3] = 1;
+  cfg.savedColorsCodes[20] = olive;
+  cfg.savedStretchPlane[20] = 2;
+  cfg.savedSymmetricPlane[20] = 0;
+  cfg.savedInverseFlag[20] = 0;
+  cfg.savedColorsCodes[5] = black;
+  cfg.savedStretchPlane[5] = 77;  // damaged file: clamped into the options
+  applySavedChoices(cfg);
+  EXPECT_EQ(cfg.StretchPlane[8], 2);
+  EXPECT_EQ(cfg.SymmetricPlane[8], 0);
+  EXPECT_EQ(cfg.InverseFlag[8], 0);
+  EXPECT_EQ(cfg.StretchPlane[1], 3);
+  EXPECT_EQ(cfg.StretchPlane[2], 3) << "a colour without a saved row keeps the default";
+}
+
+// ---------------------------------------------------------------- bitmaps read at the mesh
+class bitmapFiles : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(startLayer(), 0); }
+  std::vector<std::string> said;
+  std::function<void(const std::string&)> say = [this](const std::string& s) { said.push_back(s); };
+};
+
+TEST_F(bitmapFiles, anyPictureSizeFillsTheMeshOnePixelPerNode) {
+  for (int nx : {2, 3, 7, 17}) {
+    auto folder = marvtest::scratchFolder("bitmaps");
+    marvtest::inFolder here(folder);
+    appConfig cfg;
+    marvtest::setBitmapCase(cfg, nx, 5, 1, 1.0, 1.0, 1.0, 6);
+    // Left half black, a blue top row, of a size unrelated to the mesh.
+    marvtest::writeBmp("input/bcXY0.bmp", 37, 11, [](int x, int y) {
+      if (y < 2) return rgb{0, 0, 255};
+      return x < 18 ? rgb{0, 0, 0} : rgb{};
+    });
+    EXPECT_EQ(readBoundaryBitmaps(cfg, say), 1);
+    EXPECT_TRUE(said.empty()) << (said.empty() ? "" : said[0]);
+    for (int j = 0; j < 5; ++j)
+      for (int i = 0; i < nx; ++i) {
+        const double x = cfg.xCoord[i];
+        const int want = j == 4 ? 2 : (x < 0.45 ? 1 : (x > 0.55 ? 0 : -1));
+        if (want < 0) continue;  // the node on the picture's middle line may go either way
+        EXPECT_EQ(cfg.bitmapXY[sliceIndex(nx, 5, 0, i, j)], want) << "nx=" << nx << " at i=" << i << " j=" << j;
+      }
+    EXPECT_EQ(cfg.bcTypePresent[1], 1);
+    EXPECT_EQ(cfg.bcTypePresent[2], 1);
+    EXPECT_EQ(cfg.bcTypePresent[3], 0);
+    EXPECT_EQ(cfg.iNumBcColor, 8);
+  }
+}
+
+TEST_F(bitmapFiles, threePlanesAndSlicesWithGapsAndAntiAliasedEdges) {
+  auto folder = marvtest::scratchFolder("bitmaps");
+  marvtest::inFolder here(folder);
+  appConfig cfg;
+  marvtest::setBitmapCase(cfg, 9, 5, 7, 2.0, 1.0, 1.5, 4);
+  // XY slice 2 only; YZ slice 0 with a one-pixel grey seam (rare colour);
+  // ZX slice 9.
+  marvtest::writeBmp("input/bcXY2.bmp", 32, 16, [](int x, int) { return x < 8 ? rgb{128, 128, 0} : rgb{}; });
+  marvtest::writeBmp("input/bcYZ0.bmp", 24, 16, [](int x, int y) {
+    if (x == 12 && y == 5) return rgb{200, 200, 201};
+    return y >= 8 ? rgb{128, 128, 0} : rgb{};
+  });
+  marvtest::writeBmp("input/bcZX9.bmp", 32, 24, [](int, int y) { return y < 12 ? rgb{255, 0, 0} : rgb{}; });
+  readBoundaryBitmaps(cfg, say);
+  EXPECT_EQ(findColour(cfg, colorCode(200, 200, 201)), -1) << "a seam of a few nodes is purged";
+  ASSERT_EQ(cfg.iNumBcColor, 9);
+  EXPECT_EQ(cfg.ColorsCodes[8], colorCode(128, 128, 0));
+  EXPECT_EQ(inBitmap(cfg, 8, 2, planeXY), 1);
+  EXPECT_EQ(inBitmap(cfg, 8, 0, planeYZ), 1);
+  EXPECT_EQ(inBitmap(cfg, 3, 9, planeZX), 1);
+  EXPECT_EQ(inBitmap(cfg, 8, 0, planeXY), 0);
+  // YZ: z across, y up; the lower half of the picture is olive.
+  EXPECT_EQ(cfg.bitmapYZ[sliceIndex(7, 5, 0, 3, 0)], 8);
+  EXPECT_EQ(cfg.bitmapYZ[sliceIndex(7, 5, 0, 3, 4)], 0);
+  // ZX: x across, z up; the upper half (high z) is red.
+  EXPECT_EQ(cfg.bitmapZX[sliceIndex(9, 7, 9, 4, 6)], 3);
+  EXPECT_EQ(cfg.bitmapZX[sliceIndex(9, 7, 9, 4, 0)], 0);
+}
+
+TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
+  auto folder = marvtest::scratchFolder("bitmaps");
+  marvtest::inFolder here(folder);
+  appConfig cfg;
+  marvtest::setBitmapCase(cfg, 5, 5, 3);
+  // Nothing at all: the presets alone, no message.
+  EXPECT_EQ(readBoundaryBitmaps(cfg, say), 1);
+  EXPECT_EQ(cfg.iNumBcColor, 8);
+  EXPECT_TRUE(said.empty());
+
+  marvtest::writeBmp("input/bcXY0.bmp", 40, 40, [](int, int) { return rgb{0, 0, 0}; });
+  std::string whole = marvtest::readText("input/bcXY0.bmp");
+  marvtest::writeText("input/bcXY1.bmp", whole.substr(0, 70));        // truncated
+  marvtest::writeText("input/bcXY2.bmp", std::string(500, '\xff'));   // binary junk
+  marvtest::writeText("input/bcXY3.bmp", "");                         // empty
+  marvtest::writeText("input/bcYZ0.bmp", "P3\n1 1\n255\n0 0 255\n");  // another format, text
+  // A header that claims 20000 x 20000 pixels.
+  std::string huge = whole.substr(0, 54);
+  for (int at : {18, 22}) {
+    const int side = 20000;
+    for (int b = 0; b < 4; ++b) huge[at + b] = static_cast<char>((side >> (8 * b)) & 255);
+  }
+  marvtest::writeText("input/bcZX0.bmp", huge + std::string(4096, '\0'));
+  // One pixel, of a colour of its own: it fills the whole plane.
+  marvtest::writeBmp("input/bcZX1.bmp", 1, 1, [](int, int) { return rgb{0, 255, 0}; });
+  said.clear();
+  EXPECT_EQ(readBoundaryBitmaps(cfg, say), 1);
+  EXPECT_EQ(said.size(), 5u) << "one message per file that exists but cannot be read";
+  for (const std::string& s : said) EXPECT_NE(s.find("cannot be read"), std::string::npos) << s;
+  EXPECT_EQ(cfg.bitmapXY[sliceIndex(5, 5, 0, 2, 2)], 1) << "the good file is read";
+  EXPECT_EQ(inBitmap(cfg, 1, 1, planeXY), 0) << "the truncated one leaves its slice empty";
+  EXPECT_EQ(cfg.bitmapZX[sliceIndex(5, 3, 1, 4, 2)], 4) << "one green pixel covers the plane";
+}
+
+}  // namespace

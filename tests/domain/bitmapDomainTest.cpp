@@ -1,0 +1,306 @@
+// From slices to the boundary: the stretch rules on small synthetic views
+// (a pyramid along each axis, prisms and their intersection), mirror before
+// invert, corner softening and the mask filter, image points on a sphere, and
+// the cavity example built from its bitmap and stepped.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <functional>
+
+#include "bitmapTestSupport.h"
+#include "domain/bitmapColours.h"
+#include "domain/bitmapDomain.h"
+#include "domain/bitmapReading.h"
+#include "domain/prepareInputs.h"
+#include "layer/layer.h"
+#include "project/parameterEditor.h"
+#include "project/parameterFile.h"
+#include "scene/velocityStatistics.h"
+#include "solver/solverCommon.h"
+#include "testSupport.h"
+
+namespace {
+
+using namespace marv;
+using body = std::function<bool(int, int, int)>;
+
+// A case of n^3 nodes with one extra colour (list index 8) whose three
+// views are the silhouettes of shape, and the domain constructed.
+struct viewCase {
+  appConfig cfg;
+  bcDomain domain;
+  static constexpr int c = 8;
+
+  viewCase(int nx, int ny, int nz, const body& shape, bool xy = true, bool yz = true, bool zx = true) {
+    marvtest::setBitmapCase(cfg, nx, ny, nz);
+    setPresetColours(cfg);
+    cfg.iNumBcColor = 9;
+    cfg.ColorsCodes[c] = colorCode(128, 128, 0);
+    for (int k = 0; k < nz; ++k)
+      for (int j = 0; j < ny; ++j)
+        for (int i = 0; i < nx; ++i) {
+          if (!shape(i, j, k)) continue;
+          if (xy) cfg.bitmapXY[sliceIndex(nx, ny, 0, i, j)] = c;
+          if (yz) cfg.bitmapYZ[sliceIndex(nz, ny, 0, k, j)] = c;
+          if (zx) cfg.bitmapZX[sliceIndex(nx, nz, 0, i, k)] = c;
+        }
+    for (int p = 0; p < 3; ++p)
+      if ((p == 0 && xy) || (p == 1 && yz) || (p == 2 && zx)) inBitmap(cfg, c, 0, p) = 1;
+    constructDomain(domain, cfg);
+  }
+
+  void expectLabels(const body& want, const char* what) {
+    int wrong = 0;
+    for (int k = 0; k < cfg.nz; ++k)
+      for (int j = 0; j < cfg.ny; ++j)
+        for (int i = 0; i < cfg.nx; ++i)
+          if ((domain.bcFlag(i, j, k) == c) != want(i, j, k) && ++wrong <= 5)
+            ADD_FAILURE() << what << ": label " << domain.bcFlag(i, j, k) << " at i=" << i << " j=" << j << " k=" << k;
+    EXPECT_EQ(wrong, 0) << what;
+  }
+};
+
+TEST(stretchColors, eachRuleRebuildsAPyramidFromItsThreeSilhouettes) {
+  // Half-width 0, 0, 1, 1, 2, 2, 3, 3, 4 along the growth axis, square
+  // sections about the centre node 4: no two silhouettes make it by
+  // intersection alone.
+  auto w = [](int s) { return s / 2; };
+  const body alongZ = [&](int i, int j, int k) { return std::abs(i - 4) <= w(k) && std::abs(j - 4) <= w(k); };
+  const body alongX = [&](int i, int j, int k) { return std::abs(j - 4) <= w(i) && std::abs(k - 4) <= w(i); };
+  const body alongY = [&](int i, int j, int k) { return std::abs(i - 4) <= w(j) && std::abs(k - 4) <= w(j); };
+  const struct {
+    int rule;
+    const body* shape;
+    const char* name;
+  } cases[] = {
+      {0, &alongZ, "XY section along z"}, {1, &alongX, "YZ section along x"}, {2, &alongY, "ZX section along y"}};
+  for (const auto& t : cases) {
+    viewCase v(9, 9, 9, *t.shape);
+    v.cfg.StretchPlane[viewCase::c] = t.rule;
+    stretchColors(v.cfg, v.domain);
+    v.expectLabels(*t.shape, t.name);
+  }
+}
+
+TEST(stretchColors, offRuleGivesPrismsAndTheirIntersection) {
+  const body disc = [](int i, int j, int) { return (i - 3) * (i - 3) + (j - 3) * (j - 3) <= 4; };
+  viewCase prism(7, 7, 5, disc, true, false, false);
+  stretchColors(prism.cfg, prism.domain);
+  prism.expectLabels(disc, "an XY view alone fills the whole depth");
+
+  // XY: x in 1..3; ZX: x in 2..5 and z in 1..2. The body is x in 2..3,
+  // z in 1..2, every y.
+  viewCase both(7, 4, 5, [](int, int, int) { return false; });
+  for (int j = 0; j < 4; ++j)
+    for (int i = 1; i <= 3; ++i) both.cfg.bitmapXY[sliceIndex(7, 4, 0, i, j)] = viewCase::c;
+  for (int k = 1; k <= 2; ++k)
+    for (int i = 2; i <= 5; ++i) both.cfg.bitmapZX[sliceIndex(7, 5, 0, i, k)] = viewCase::c;
+  inBitmap(both.cfg, viewCase::c, 0, planeXY) = 1;
+  inBitmap(both.cfg, viewCase::c, 0, planeZX) = 1;
+  stretchColors(both.cfg, both.domain);
+  both.expectLabels([](int i, int, int k) { return i >= 2 && i <= 3 && k >= 1 && k <= 2; }, "two prisms");
+
+  // Two dimensions: the label is the slice.
+  const body blob = [](int i, int j, int) { return i * j % 3 == 1; };
+  viewCase flat(6, 5, 1, blob, true, false, false);
+  stretchColors(flat.cfg, flat.domain);
+  flat.expectLabels(blob, "two dimensions");
+}
+
+TEST(prepareFromInputs, mirrorsEveryColourBeforeInvertingAny) {
+  // A block at the left, mirrored across x and inverted: fluid is only
+  // where the block and its mirror stood.
+  const body block = [](int i, int j, int) { return i <= 2 && j >= 3 && j <= 5; };
+  viewCase v(12, 9, 1, block, true, false, false);
+  v.cfg.SymmetricPlane[viewCase::c] = 1;
+  v.cfg.InverseFlag[viewCase::c] = 0;
+  prepareFromInputs(v.domain, v.cfg);
+  v.expectLabels([&](int i, int j, int k) { return !block(i, j, k) && !block(11 - i, j, k); }, "mirror, invert");
+  EXPECT_GT(v.domain.typeMasks[8](6, 0, 0), 0.9f) << "the inverted colour fills the mask";
+  EXPECT_GT(v.domain.bcField(6, 0, 0), 0.9) << "bcField sums the masks";
+  EXPECT_LT(v.domain.typeMasks[8](1, 4, 0), 0.1f);
+  EXPECT_GT(v.domain.outlines[8].numSegments, 0) << "the outline is drawn from the mask";
+
+  // A preview leaves everything as it was.
+  viewCase p(12, 9, 1, block, true, false, false);
+  p.cfg.stageInterrupted = 1;
+  prepareFromInputs(p.domain, p.cfg);
+  EXPECT_EQ(p.domain.bcFlag(1, 4, 0), 0);
+}
+
+TEST(softenCorners, convexCornersShrinkConcaveOnesGrowAndFacesKeepTheirValue) {
+  const body cube = [](int i, int j, int k) { return i >= 2 && i <= 6 && j >= 2 && j <= 6 && k >= 2 && k <= 6; };
+  auto run = [&](float factor, int stretch, int loops) {
+    auto v = std::make_unique<viewCase>(9, 9, 9, cube);
+    v->cfg.bcFactor = factor;
+    v->cfg.mLoopMax = loops;
+    v->cfg.StretchPlane[8] = stretch;
+    stretchColors(v->cfg, v->domain);  // the label is the silhouettes' intersection: the cube
+    maskWork scratch{ownedArray3d<std::uint8_t>(9, 9, 9), ownedArray3d<float>(9, 9, 9)};
+    makeTypeMasks(v->cfg, v->domain, scratch);
+    softenCorners(v->cfg, v->domain, scratch);
+    return v;
+  };
+  auto soft = run(0.5f, 2, 2);  // one pass, arms of one node
+  const array3d<float>& m = soft->domain.typeMasks[8];
+  EXPECT_LT(m(2, 2, 2), 1.0f) << "a cube corner sees two wall arms in every plane";
+  EXPECT_GT(m(4, 4, 4), 1.0f) << "the middle sees four";
+  EXPECT_EQ(m(3, 3, 0), 0.0f) << "outside stays 0";
+  EXPECT_EQ(soft->domain.typeMasks[1](4, 4, 4), 0.0f) << "other types are untouched";
+
+  for (auto& same : {run(1.0f, 2, 7), run(0.5f, 3, 7), run(0.5f, 2, 1)})
+    for (int n = 0; n < 729; ++n)
+      ASSERT_EQ(same->domain.typeMasks[8][n], cube(n % 9, n / 9 % 9, n / 81) ? 1.0f : 0.0f)
+          << "bcFactor 1, stretch OFF on entry 8, or mLoopMax 1 change nothing, at n=" << n;
+}
+
+TEST(filterMask, keepsConstantsSpreadsSymmetricallyAndWeightZeroIsIdentity) {
+  for (int nz : {1, 2, 5}) {
+    ownedArray3d<float> f(7, 6, nz), s(7, 6, nz);
+    fill(static_cast<const array3d<float>&>(f), 0.7f);
+    filterMask(f, s, 0.6);
+    for (int n = 0; n < f.count(); ++n) ASSERT_NEAR(f[n], 0.7f, 1e-6f) << "nz=" << nz << " at n=" << n;
+
+    fill(static_cast<const array3d<float>&>(f), 0.0f);
+    const int kc = nz / 2;
+    f(3, 3, kc) = 1.0f;
+    filterMask(f, s, 1.0);
+    // Per axis 1/4, 1/2, 1/4: the product in every direction.
+    const double axisZ = nz == 1 ? 1.0 : (nz == 2 ? 1.5 / 2.5 : 0.5);
+    EXPECT_NEAR(f(3, 3, kc), 0.25 * axisZ, 1e-6) << "nz=" << nz;
+    EXPECT_NEAR(f(2, 3, kc), 0.125 * axisZ, 1e-6) << "nz=" << nz;
+    EXPECT_NEAR(f(4, 2, kc), 0.0625 * axisZ, 1e-6) << "nz=" << nz;
+    EXPECT_NEAR(f(2, 3, kc), f(4, 3, kc), 1e-7) << "nz=" << nz;
+    EXPECT_NEAR(f(3, 2, kc), f(3, 4, kc), 1e-7) << "nz=" << nz;
+
+    fill(static_cast<const array3d<float>&>(f), 0.0f);
+    f(0, 0, 0) = 1.0f;
+    filterMask(f, s, 0.0);
+    EXPECT_EQ(f(0, 0, 0), 1.0f) << "weight 0, nz=" << nz;
+    EXPECT_EQ(f(1, 0, 0), 0.0f) << "weight 0, nz=" << nz;
+  }
+}
+
+TEST(classifyMask, imagePointsMirrorNodesAcrossASphereWithinACell) {
+  appConfig cfg;
+  marvtest::setBitmapCase(cfg, 25, 23, 21, 1.2, 1.1, 1.0);
+  bcDomain domain;
+  constructDomain(domain, cfg);
+  // A mask that falls linearly through the level on a sphere of radius R
+  // about (xc, yc, zc) in the bitmaps' z; the solver sees it at lz - zc.
+  const double xc = 0.55, yc = 0.52, zc = 0.43, R = 0.3, h = cfg.dx;
+  array3d<float>& m = domain.typeMasks[1];
+  for (int k = 0; k < 21; ++k)
+    for (int j = 0; j < 23; ++j)
+      for (int i = 0; i < 25; ++i) {
+        const double r = std::hypot(cfg.xCoord[i] - xc, cfg.yCoord[j] - yc, cfg.zCoord[k] - zc);
+        m(i, j, k) = static_cast<float>(std::clamp(0.8 + 0.1 * (R - r) / h, 0.0, 1.0));
+      }
+  classifyMask(cfg, domain, 1);
+  const double reach = 1.1 * std::sqrt(cfg.dx * cfg.dx + cfg.dy * cfg.dy + cfg.dz * cfg.dz);
+  int surface = 0, deep = 0;
+  for (int k = 0; k < 21; ++k)
+    for (int j = 0; j < 23; ++j)
+      for (int i = 0; i < 25; ++i) {
+        const double p[3] = {cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]};
+        const double r = std::hypot(p[0] - xc, p[1] - yc, p[2] - (cfg.lz - zc));
+        const int flag = domain.bcFlag(i, j, k);
+        if (r > R + 0.01 * h) {
+          EXPECT_EQ(flag, 0) << "outside at i=" << i << " j=" << j << " k=" << k;
+        }
+        if (flag == solidType) {
+          ++deep;
+          EXPECT_LT(r, R - 1.5 * h) << "deep at i=" << i << " j=" << j << " k=" << k;
+          EXPECT_FLOAT_EQ(domain.imageX(i, j, k), 2.4f);
+        }
+        if (flag != 1) continue;
+        ++surface;
+        const double q[3] = {domain.imageX(i, j, k), domain.imageY(i, j, k), domain.imageZ(i, j, k)};
+        const double rq = std::hypot(q[0] - xc, q[1] - yc, q[2] - (cfg.lz - zc));
+        EXPECT_NEAR(rq, 2 * R - r, 0.45 * h) << "mirror across the surface at i=" << i << " j=" << j << " k=" << k;
+        const double d = std::hypot(q[0] - p[0], q[1] - p[1], q[2] - p[2]);
+        EXPECT_LE(d, 2.0 * reach * 1.0001) << "within reach at i=" << i << " j=" << j << " k=" << k;
+        // Along the radius: the offset is parallel to p - centre.
+        const double c[3] = {p[0] - xc, p[1] - yc, p[2] - (cfg.lz - zc)};
+        const double cosine = ((q[0] - p[0]) * c[0] + (q[1] - p[1]) * c[1] + (q[2] - p[2]) * c[2]) / (d * r);
+        EXPECT_GT(cosine, 0.97) << "outward along the normal at i=" << i << " j=" << j << " k=" << k;
+      }
+  EXPECT_GT(surface, 300);
+  EXPECT_GT(deep, 50);
+
+  // The same body in an inlet colour: the same skin, and 11 behind it with
+  // no image point.
+  bcDomain inlet;
+  constructDomain(inlet, cfg);
+  copyFrom(static_cast<const array3d<float>&>(inlet.typeMasks[2]), static_cast<const array3d<float>&>(m));
+  classifyMask(cfg, inlet, 2);
+  for (int n = 0; n < m.count(); ++n) {
+    const int was = domain.bcFlag[n], now = inlet.bcFlag[n];
+    ASSERT_EQ(now, was == solidType ? inletBodyType : (was == 1 ? 2 : 0)) << "at n=" << n;
+    if (now == inletBodyType) {
+      ASSERT_EQ(inlet.imageX[n], 0.0f) << "at n=" << n;
+    }
+  }
+  EXPECT_NEAR(m(12, 11, 4),
+              std::clamp(0.8 + 0.1 * (R - std::hypot(cfg.xCoord[12] - xc, cfg.yCoord[11] - yc, cfg.zCoord[4] - zc)) / h,
+                         0.0, 1.0),
+              1e-6)
+      << "the mask is turned back";
+}
+
+TEST(wholeExample, cavityBitmapBuildsWallsAndLidAndTheFlowTurns) {
+  ASSERT_EQ(startLayer(), 0);
+  auto folder = marvtest::scratchFolder("cavity");
+  const std::filesystem::path example = std::filesystem::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "cavity2d";
+  std::filesystem::create_directories(folder / "input");
+  for (const char* name : {"param.txt", "bcXY0.bmp"})
+    std::filesystem::copy_file(example / "input" / name, folder / "input" / name);
+  marvtest::inFolder here(folder);
+  appConfig cfg;
+  parameterEditor editor;
+  resetParameterEditor(editor);
+  ASSERT_GT(readParameterFile(editor, cfg, "./input/param.txt"), 0);
+  takeChoiceValues(editor);
+  ASSERT_EQ(acceptParameters(editor, cfg), 1);
+  std::vector<std::string> said;
+  readBoundaryBitmaps(cfg, [&](const std::string& s) { said.push_back(s); });
+  EXPECT_TRUE(said.empty());
+  bcDomain domain;
+  constructDomain(domain, cfg);
+  std::unique_ptr<solverCommon> solver = makeSolver(cfg, domain);
+  prepareFromInputs(domain, cfg);
+  build2D(domain, cfg);
+  const int n = cfg.nx;
+  for (int s = 0; s < n; ++s) {
+    EXPECT_EQ(domain.bcFlag(s, n - 1, 0), 2) << "lid at i=" << s;
+    EXPECT_EQ(domain.bcFlag(s, 0, 0), 1) << "bottom at i=" << s;
+    if (s < n - 2) {
+      EXPECT_EQ(domain.bcFlag(0, s, 0), 1) << "left wall at j=" << s;
+      EXPECT_EQ(domain.bcFlag(n - 1, s, 0), 1) << "right wall at j=" << s;
+    }
+  }
+  EXPECT_EQ(domain.bcFlag(n / 2, n / 2, 0), 0);
+  EXPECT_EQ(domain.typeMasks[1].count(), 0) << "the build releases the masks";
+  EXPECT_FALSE(domain.inletCells.empty());
+  EXPECT_FALSE(domain.wallCells.empty());
+
+  const array3d<double>& u = *solver->field(1);
+  const array3d<double>& v = *solver->field(2);
+  for (int ts = 0; ts < 300; ++ts) {
+    if (ts >= 10) cfg.deltat = adaptiveDeltat(cfg.cfl, cfg.dx, cfg.dy, scanVelocity(u, v, *solver->field(3)));
+    solver->step();
+    cfg.time += cfg.deltat;
+  }
+  // The lid drags the top layer along +x; the primary vortex returns it
+  // along -x in the lower half of the centre line.
+  const int c = n / 2;
+  double lowest = 0.0;
+  for (int j = 2; j < n / 2; ++j) lowest = std::min(lowest, u(c, j, 0));
+  EXPECT_GT(u(c, n - 4, 0), 0.2);
+  EXPECT_LT(lowest, -0.05);
+  EXPECT_LT(lowest, 0.0);
+  for (int j = 0; j < n; ++j) ASSERT_TRUE(std::isfinite(u(c, j, 0))) << "at j=" << j;
+}
+
+}  // namespace
