@@ -3,6 +3,7 @@
 // Index: views and ranges | stretchColors | mirrorColors, invertColors |
 // makeTypeMasks, softenCorners | filterMask | classifyMask | build2D, build3D
 #include "domain/bitmapDomain.h"
+#include "domain/stlScan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -469,7 +470,14 @@ void build3D(bcDomain& domain, appConfig& cfg) {
   fill(static_cast<const array3d<int>&>(domain.solidMask), 0);
   cfg.progressCount = 0;
   cfg.progressTotal = domain.endType - domain.firstType;
+  if (cfg.stlPresent == 1) cfg.progressTotal += stlScanRefreshes(domain, cfg);
   showProgress(cfg, 1);
+  if (cfg.stlPresent == 1) {
+    // The model's shell of 7 over a core of 10, which becomes solid (9).
+    scanModel(domain, cfg);
+    for (int n = 0; n < domain.bcFlag.count(); ++n)
+      if (domain.bcFlag[n] == 10) domain.bcFlag[n] = 9;
+  }
   cfg.progressCount = 0;
   for (int t = 1; t <= nonPresetType; ++t) {
     showProgress(cfg, 2);

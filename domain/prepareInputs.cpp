@@ -5,8 +5,10 @@
 #include "domain/prepareInputs.h"
 
 #include "domain/bitmapDomain.h"
+#include "domain/modelPlacement.h"
 #include "domain/polygonise.h"
 #include "domain/progressLine.h"
+#include "domain/stlReader.h"
 
 namespace marv {
 
@@ -51,6 +53,20 @@ void prepareFromInputs(bcDomain& domain, appConfig& cfg) {
       for (int i = 0; i < nx; ++i)
         for (int t = 1; t < numColourTypes; ++t)
           if (domain.typeMasks[t].count() > 0) field(i, j, k) += domain.typeMasks[t](i, j, nz - 1 - k);
+
+  // The model: read, then placed as the parameters say. A present file that
+  // gives no model is said once; the case runs with its bitmaps.
+  if (nz >= 2) {
+    const char* path = "./input/bc.stl";
+    const stlResult model = readStlFile(domain.surfaces[stlType], path, cfg.normVecDirSTL);
+    cfg.stlPresent = model.stored;
+    const std::string problem = stlProblemText(model.problem, path);
+    if (!problem.empty() && cfg.showMessage) cfg.showMessage(cfg, problem.c_str());
+    if (cfg.stlPresent == 1) {
+      cfg.bcTypePresent[stlType] = 1;
+      placeModelAtLoad(domain.surfaces[stlType], cfg);
+    }
+  }
   showProgress(cfg, 0);
 }
 

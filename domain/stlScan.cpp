@@ -8,6 +8,7 @@
 #include <cmath>
 #include <vector>
 
+#include "domain/progressLine.h"
 #include "project/textNumbers.h"
 
 namespace marv {
@@ -36,12 +37,13 @@ point nodePosition(const appConfig& cfg, int i, int j, int k) {
 
 }  // namespace
 
-void scanTriangles(bcDomain& domain, const appConfig& cfg, const bcSurface& model, stlScanWork& work) {
+void scanTriangles(bcDomain& domain, appConfig& cfg, const bcSurface& model, stlScanWork& work) {
   work.distance = ownedArray3d<float>(cfg.nx, cfg.ny, cfg.nz);
   fill<float>(work.distance, 1e10f);
   const int w = std::max(1, cfg.scanningPixelWidthIBM);
   const int count = static_cast<int>(model.triangles.size());
   for (int n = 0; n < count; ++n) {
+    if (n % domain.scanStepTriangles == 0) showProgress(cfg, 1);
     const bcTriangle& t = model.triangles[n];
     const point c{t.centroid[0], t.centroid[1], zf(cfg, t.centroid[2])};
     const int ic = nodeIndex(c.x, cfg.xCoord[0], cfg.dx);
@@ -64,7 +66,7 @@ void scanTriangles(bcDomain& domain, const appConfig& cfg, const bcSurface& mode
   }
 }
 
-void classifyNearNodes(bcDomain& domain, const appConfig& cfg, const bcSurface& model) {
+void classifyNearNodes(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
   const int count = static_cast<int>(model.triangles.size());
   std::vector<float> radius(count, 0.0f);
   for (int n = 0; n < count; ++n) {
@@ -73,7 +75,8 @@ void classifyNearNodes(bcDomain& domain, const appConfig& cfg, const bcSurface& 
     for (const auto& v : t.vertex) radius[n] = std::max(radius[n], length(minus(point{v[0], v[1], v[2]}, c)));
   }
   const float diag = static_cast<float>(std::sqrt(cfg.dx * cfg.dx + cfg.dy * cfg.dy + cfg.dz * cfg.dz));
-  for (int k = 0; k < cfg.nz; ++k)
+  for (int k = 0; k < cfg.nz; ++k) {
+    if (k % domain.scanStepPlanes == 0) showProgress(cfg, 1);
     for (int j = 0; j < cfg.ny; ++j)
       for (int i = 0; i < cfg.nx; ++i) {
         const int n = domain.nearestTriangle(i, j, k);
@@ -111,9 +114,10 @@ void classifyNearNodes(bcDomain& domain, const appConfig& cfg, const bcSurface& 
         domain.imageY(i, j, k) = static_cast<float>(2.0 * u.y * dist + cfg.yCoord[j]);
         domain.imageZ(i, j, k) = static_cast<float>(2.0 * u.z * dist + cfg.zCoord[k]);
       }
+  }
 }
 
-void clipToExtents(bcDomain& domain, const appConfig& cfg, const bcSurface& model) {
+void clipToExtents(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
   const int nx = cfg.nx, ny = cfg.ny, nz = cfg.nz;
   const float x0 = static_cast<float>(cfg.xCoord[0]), xN = static_cast<float>(cfg.xCoord[nx - 1]);
   const float y0 = static_cast<float>(cfg.yCoord[0]), yN = static_cast<float>(cfg.yCoord[ny - 1]);
@@ -129,7 +133,9 @@ void clipToExtents(bcDomain& domain, const appConfig& cfg, const bcSurface& mode
     to = std::min(n - 1, nodeIndex(hi, first, h));
     return from <= n - 1;
   };
-  for (const bcTriangle& t : model.triangles) {
+  for (std::size_t n = 0; n < model.triangles.size(); ++n) {
+    if (static_cast<int>(n % static_cast<std::size_t>(domain.scanStepExtents)) == 0) showProgress(cfg, 1);
+    const bcTriangle& t = model.triangles[n];
     float lo[3], hi[3];
     for (int a = 0; a < 3; ++a) {
       lo[a] = 1e30f, hi[a] = -1e30f;
@@ -170,30 +176,44 @@ void clipToExtents(bcDomain& domain, const appConfig& cfg, const bcSurface& mode
     if (flag == 7 || flag == 10) flag = 0;
   };
   // Nodes below the low end or from the high end on are beyond the model.
-  for (int k = 0; k < nz; ++k)
+  for (int k = 0; k < nz; ++k) {
+    showProgress(cfg, 1);
     for (int j = 0; j < ny; ++j) {
       const std::size_t at = static_cast<std::size_t>(k) * ny + j;
       const int lo = nodeIndex(xLow[at], cfg.xCoord[0], cfg.dx), hi = nodeIndex(xHigh[at], cfg.xCoord[0], cfg.dx);
       for (int i = 0; i < nx; ++i)
         if (i < lo || i >= hi) clear(i, j, k);
     }
-  for (int k = 0; k < nz; ++k)
+  }
+  for (int k = 0; k < nz; ++k) {
+    showProgress(cfg, 1);
     for (int i = 0; i < nx; ++i) {
       const std::size_t at = static_cast<std::size_t>(k) * nx + i;
       const int lo = nodeIndex(yLow[at], cfg.yCoord[0], cfg.dy), hi = nodeIndex(yHigh[at], cfg.yCoord[0], cfg.dy);
       for (int j = 0; j < ny; ++j)
         if (j < lo || j >= hi) clear(i, j, k);
     }
-  for (int j = 0; j < ny; ++j)
+  }
+  for (int j = 0; j < ny; ++j) {
+    showProgress(cfg, 1);
     for (int i = 0; i < nx; ++i) {
       const std::size_t at = static_cast<std::size_t>(j) * nx + i;
       const int lo = nodeIndex(zLow[at], cfg.zCoord[0], cfg.dz), hi = nodeIndex(zHigh[at], cfg.zCoord[0], cfg.dz);
       for (int k = 0; k < nz; ++k)
         if (k < lo || k >= hi) clear(i, j, k);
     }
+  }
 }
 
-void scanModel(bcDomain& domain, const appConfig& cfg) {
+int stlScanRefreshes(bcDomain& domain, const appConfig& cfg) {
+  const long long triangles = static_cast<long long>(domain.surfaces[7].triangles.size());
+  const int step = static_cast<int>(std::max(1LL, (cfg.nz + 4 * triangles) / 100));
+  domain.scanStepTriangles = domain.scanStepPlanes = domain.scanStepExtents = step;
+  const long long refreshes = 3 * triangles / step + cfg.nz / step + triangles / step + cfg.ny + 2LL * cfg.nz;
+  return static_cast<int>(std::min<long long>(refreshes, 2147483647LL));
+}
+
+void scanModel(bcDomain& domain, appConfig& cfg) {
   if (cfg.stlPresent != 1 || cfg.nz < 2) return;
   const bcSurface& model = domain.surfaces[7];
   stlScanWork work;
