@@ -14,6 +14,9 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_PNG
 #define STBI_ONLY_BMP
+#define STBI_ONLY_JPEG
+#define STBI_ONLY_GIF
+#define STBI_ONLY_PNM
 #define STBI_NO_STDIO
 #define STBI_MAX_DIMENSIONS 16384
 #pragma GCC diagnostic push

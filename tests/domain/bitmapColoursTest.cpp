@@ -239,6 +239,9 @@ TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
     for (int b = 0; b < 4; ++b) huge[at + b] = static_cast<char>((side >> (8 * b)) & 255);
   }
   marvtest::writeText("input/bcZX0.bmp", huge + std::string(4096, '\0'));
+  // Whatever the extension says, the content decides: a binary PNM of one
+  // blue pixel is a picture.
+  marvtest::writeText("input/bcYZ1.bmp", std::string("P6\n1 1\n255\n") + std::string("\0\0\xff", 3));
   // One pixel, of a colour of its own: it fills the whole plane.
   marvtest::writeBmp("input/bcZX1.bmp", 1, 1, [](int, int) { return rgb{0, 255, 0}; });
   said.clear();
@@ -248,6 +251,7 @@ TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
   EXPECT_EQ(cfg.bitmapXY[sliceIndex(5, 5, 0, 2, 2)], 1) << "the good file is read";
   EXPECT_EQ(inBitmap(cfg, 1, 1, planeXY), 0) << "the truncated one leaves its slice empty";
   EXPECT_EQ(cfg.bitmapZX[sliceIndex(5, 3, 1, 4, 2)], 4) << "one green pixel covers the plane";
+  EXPECT_EQ(cfg.bitmapYZ[sliceIndex(3, 5, 1, 1, 4)], 2) << "the PNM is read";
 }
 
 }  // namespace
