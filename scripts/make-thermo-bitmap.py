@@ -9,9 +9,9 @@ import importlib.util
 import os
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-spec = importlib.util.spec_from_file_location("bitmaps", os.path.join(HERE, "make-example-bitmaps.py"))
-bitmaps = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(bitmaps)
+source = importlib.util.spec_from_file_location("bitmaps", os.path.join(HERE, "make-example-bitmaps.py"))
+bitmaps = importlib.util.module_from_spec(source)
+source.loader.exec_module(bitmaps)
 
 
 def heated_box():
