@@ -264,13 +264,13 @@ struct appConfig {
   std::vector<std::int32_t> bitmapXY, bitmapYZ, bitmapZX;     // colour codes, 10 slices each
   std::array<colourRow, maxColourSlots> colorRows;            // on-screen rows of the colour list
   std::vector<int> colorInBitmap = std::vector<int>(maxColourSlots * maxBitmapSlices * 3, 0);  // (c*10+b)*3+plane
-  int stageInterrupted = 0;            // 1 while the bitmap stage is away for a preview
-  int stagePlane = 0, stageSlice = 0;  // where the bitmap stage resumes
-  int progressTotal = 0;               // refreshes of the progress line to come
-  int progressCount = 0;               // refreshes done
-  int progressRows = 3;                // bars of the progress line
-  int progressToTerminal = 0;          // 1: the progress line also goes to stderr
-  int stlPresent = 0;                  // 1 when bc.stl was loaded
+  int stageInterrupted = 0;                                  // 1 while the bitmap stage is away for a preview
+  int stagePlane = 0, stageSlice = 0;                        // where the bitmap stage resumes
+  int progressTotal = 0;                                     // refreshes of the progress line to come
+  int progressCount = 0;                                     // refreshes done
+  int progressRows = 3;                                      // bars of the progress line
+  int progressToTerminal = 0;                                // 1: the progress line also goes to stderr
+  int stlPresent = 0;                                        // 1 when bc.stl was loaded
   double stlDeltaX = 0.0, stlDeltaY = 0.0, stlDeltaZ = 0.0;  // model move asked for this frame [m]
 
   // ---------------------------------------------------------------- records (force, heat loss)
