@@ -17,7 +17,6 @@
 #include <cstring>
 #include <deque>
 #include <string>
-#include <thread>
 
 #include "layer/glCore.h"
 
@@ -448,23 +447,6 @@ int mouseWheel(int clear) {
   const int notches = win.wheel;
   if (clear) win.wheel = 0;
   return notches;
-}
-
-// ---------------------------------------------------------------- clock
-
-int nowMs() {
-  using namespace std::chrono;
-  static const steady_clock::time_point start = steady_clock::now();
-  const auto ms = duration_cast<milliseconds>(steady_clock::now() - start).count();
-  return static_cast<int>(ms & 0x7FFFFFFF);
-}
-
-int waitMs(int ms) {
-  if (ms <= 0)
-    std::this_thread::yield();
-  else
-    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-  return 0;
 }
 
 }  // namespace marv

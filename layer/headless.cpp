@@ -16,7 +16,6 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "layer/camera.h"
@@ -523,22 +522,6 @@ int setTextInput(const char* text, int handle) {
 }
 int setTextInputColours(const int[17]) { return 0; }
 int setTextInputFont(int) { return 0; }
-
-// ---------------------------------------------------------------- clock
-
-int nowMs() {
-  using namespace std::chrono;
-  static const steady_clock::time_point start = steady_clock::now();
-  const auto ms = duration_cast<milliseconds>(steady_clock::now() - start).count();
-  return static_cast<int>(ms & 0x7FFFFFFF);
-}
-int waitMs(int ms) {
-  if (ms <= 0)
-    std::this_thread::yield();
-  else
-    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-  return 0;
-}
 
 // ---------------------------------------------------------------- backend facts
 
