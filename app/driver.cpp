@@ -29,7 +29,7 @@ namespace {
 constexpr int frameWaitMs = 0;  // wait at the end of each frame: none, the loops only yield
 
 // Fetch order of the views after a solver is built: always, then by mode.
-constexpr int alwaysViews[] = {1, 2, 3, 4, 6, 8, 9, 10, 11};
+constexpr int alwaysViews[] = {fieldU, fieldV, fieldW, fieldP, fieldY, fieldConvX, fieldConvY, fieldConvZ, fieldDivU};
 
 std::string currentDirectory() {
   char buffer[4096];
@@ -91,7 +91,7 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       }
       const bool stepping = running(cfg);
       // The boundary field goes into view 8, from where the dump stores it.
-      const array3d<double>& display = state.views[8];
+      const array3d<double>& display = state.views[viewBc];
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
       writeStepResults(cfg, state.views);
@@ -130,10 +130,10 @@ void fetchViews(driverState& state, const appConfig& cfg) {
   if (!state.solver) return;
   for (int index : alwaysViews) state.views[index] = *state.solver->field(index);
   if (cfg.cmode == 1) {
-    state.views[0] = *state.solver->field(0);
-    state.views[5] = *state.solver->field(5);
+    state.views[fieldRho] = *state.solver->field(fieldRho);
+    state.views[fieldT] = *state.solver->field(fieldT);
   }
-  if (cfg.ageFlag) state.views[7] = *state.solver->field(7);
+  if (cfg.ageFlag) state.views[fieldAge] = *state.solver->field(fieldAge);
 }
 
 }  // namespace

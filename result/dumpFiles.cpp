@@ -26,15 +26,15 @@ struct rawFile {
 };
 
 constexpr rawFile rawFiles[] = {
-    {"ufld.raw", "u", 1},      {"vfld.raw", "v", 2},   {"wfld.raw", "w", 3},
-    {"pfld.raw", "p", 4},      {"rfld.raw", "rho", 0}, {"tfld.raw", "temperature", 5},
-    {"yfld.raw", "massfr", 6}, {"afld.raw", "age", 7}, {"bc.raw", "boundary", 8},
+    {"ufld.raw", "u", fieldU},      {"vfld.raw", "v", fieldV},     {"wfld.raw", "w", fieldW},
+    {"pfld.raw", "p", fieldP},      {"rfld.raw", "rho", fieldRho}, {"tfld.raw", "temperature", fieldT},
+    {"yfld.raw", "massfr", fieldY}, {"afld.raw", "age", fieldAge}, {"bc.raw", "boundary", viewBc},
 };
 
 bool fileWanted(const rawFile& file, int cmode, int ageFlag, bool reading) {
-  if (file.view == 0 || file.view == 5) return cmode == 1;
-  if (file.view == 7) return ageFlag != 0;
-  if (file.view == 8) return !reading;
+  if (file.view == fieldRho || file.view == fieldT) return cmode == 1;
+  if (file.view == fieldAge) return ageFlag != 0;
+  if (file.view == viewBc) return !reading;
   return true;
 }
 

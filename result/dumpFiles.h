@@ -9,7 +9,7 @@
 #include <string>
 
 #include "app/appConfig.h"
-#include "scene/sceneView.h"
+#include "solver/fieldViews.h"
 
 namespace marv {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/appConfig.h"
-#include "scene/sceneView.h"
+#include "solver/fieldViews.h"
 
 namespace marv {
 

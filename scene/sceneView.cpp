@@ -19,7 +19,7 @@ void setUpScene(sceneView&, appConfig&) {}
 void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int) {
   // The statistics come first: the adaptive time step of the coming solve
   // is taken from this frame's peaks.
-  scene.stats = scanVelocity(views[1], views[2], views[3]);
+  scene.stats = scanVelocity(views[fieldU], views[fieldV], views[fieldW]);
   if (cfg.fixedDeltat == 0 && cfg.ts >= 10) cfg.deltat = adaptiveDeltat(cfg.cfl, cfg.dx, cfg.dy, scene.stats);
   cfg.maxCfl = cfg.deltat * std::max(scene.stats.peakU / cfg.dx, scene.stats.peakV / cfg.dy);
   cfg.drawEndMs = nowMs();

@@ -3,16 +3,12 @@
 // stamps the end of drawing, which the step timing reads.
 #pragma once
 
-#include <array>
-
 #include "app/appConfig.h"
 #include "domain/bcDomain.h"
 #include "scene/velocityStatistics.h"
-#include "solver/array3d.h"
+#include "solver/fieldViews.h"
 
 namespace marv {
-
-using fieldViews = std::array<array3d<double>, 12>;
 
 struct sceneView {
   appConfig* cfg = nullptr;    // the pass's record, not owned
