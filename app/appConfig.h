@@ -239,6 +239,15 @@ struct appConfig {
   int cancelX = 0, cancelY = 0, proceedX = 0, proceedY = 0;                  // default button places [px]
   choiceGroup unitSelector;                                                  // m, cm, mm, inch, feet
 
+  // ---------------------------------------------------------------- fonts (made by buildFonts; -1 not made)
+  int fontThickness = 4;
+  int logoSize = 0, logoPlusSize = 0, smallSize = 0, mediumSize = 0;  // [px]
+  int titleSize = 0, captionSize = 0, tinySize = 0;                   // [px]
+  int fontBody = -1, fontBold = -1, fontTiny = -1, fontCaption = -1, fontHeading = -1, fontTitle = -1;
+  int fixedBold = -1, fixedCaption = -1, fixedTiny = -1, fixedHeading = -1, fixedTitle = -1, fixedBody = -1;
+  int fixedSmall = -1, logoFont = -1, logoPlusFont = -1;
+  int fixedInput = -1;  // the same handle as fixedHeading
+
   // ---------------------------------------------------------------- run state
   double time = 0.0;               // simulated time [s]
   int fixedDeltat = 0;             // 1: deltat given, never adapted
