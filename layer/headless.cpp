@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "layer/camera.h"
+#include "layer/fontFaces.h"
 #include "layer/imageFile.h"
 #include "layer/layer.h"
 
@@ -451,7 +452,7 @@ int makeFont(const char*, int size, int, int, int, int, int, int) {
   state.fontSizes.push_back(size > 0 ? size : state.defaultFontSize);
   return static_cast<int>(state.fontSizes.size()) - 1;
 }
-int fontExists(const char*, int) { return 0; }
+int fontExists(const char* name, int) { return faceInstalled(name) ? 1 : 0; }
 int deleteFont(int handle) {
   if (handle >= 0 && handle < static_cast<int>(state.fontSizes.size())) state.fontSizes[handle] = 0;
   return 0;
