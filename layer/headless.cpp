@@ -287,6 +287,11 @@ int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth
   return made == count ? 0 : -1;
 }
 int imageSize(int image, int* width, int* height) {
+  if (image == backBuffer) {
+    if (width) *width = state.width;
+    if (height) *height = state.height;
+    return 0;
+  }
   const bool ok = liveHandle(state.images, image);
   if (width) *width = ok ? state.images[image].width : 0;
   if (height) *height = ok ? state.images[image].height : 0;
