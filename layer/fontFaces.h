@@ -1,8 +1,7 @@
-// Fonts as both backends know them, on FreeType: the installed file that
-// stands for each face name the program asks for, the font handles, and
-// text widths. The headless backend measures text with the very faces the
-// window draws, so that layouts agree; the OpenGL backend adds glyph
-// pictures on top (glText.cpp). Never seen above the layer.
+// Fonts as both backends know them, on FreeType: the font handles, made
+// from the files the face table (faceTable.h) names, and text widths. The headless backend measures text with the very
+// faces the window draws, so that layouts agree; the OpenGL backend adds glyph pictures on top (glText.cpp). Never seen
+// above the layer.
 #pragma once
 
 #include <ft2build.h>
