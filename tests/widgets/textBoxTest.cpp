@@ -135,7 +135,7 @@ TEST_F(shownBox, theMeasureGrowsWithTheTextAndMakesRoomForInputAndButtons) {
   EXPECT_LE(box.boxY + box.offsetY + box.boxHeight, 545) << "above the mouse";
 }
 
-TEST_F(shownBox, theInputTakesTypingBackspaceAndEnterAndAnswersYes) {
+TEST_F(shownBox, theInputTakesTypingEditingKeysAndPastesAndEnterAnswersYes) {
   box.hasInput = 1;
   setTextBoxButtons(box, 5);
   setTextInput("", box.inputHandle);
@@ -144,8 +144,13 @@ TEST_F(shownBox, theInputTakesTypingBackspaceAndEnterAndAnswersYes) {
       play({typed("lost"), typed("abc"), typed("", {keyBackspace}), typed("d"), typed("", {keyHome}), typed(">")}),
       (std::vector<int>{0, 0, 0, 0, 0, 0}));
   EXPECT_EQ(input(), ">abd");
+  // Delete takes the character after the cursor; a paste stops at its line break.
+  inputFrame paste;
+  paste.pasted = "xy\nz";
+  EXPECT_EQ(play({typed("", {keyDelete}), paste, typed("", {keyEnd}), typed("!")}), (std::vector<int>{0, 0, 0, 0}));
+  EXPECT_EQ(input(), ">xybd!");
   EXPECT_EQ(play({typed("", {keyEnter})}), (std::vector<int>{1})) << "Enter finishes the input: yes";
-  EXPECT_EQ(input(), ">abd");
+  EXPECT_EQ(input(), ">xybd!");
 }
 
 TEST_F(shownBox, japaneseAndTextLongerThanTheBoxArriveWhole) {
