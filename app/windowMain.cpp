@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "app/driver.h"
+#include "app/menuCommands.h"
 #include "layer/layer.h"
 
 namespace {
@@ -77,5 +78,11 @@ int main() {
   passStages stages;
   stages.startScreen = startScreen;
   driverState state;
+  // The menu's commands reach the driver's state from inside processMessages.
+  static menuHook hook;
+  hook.state = &state;
+  installMenuHook(hook);
+  stages.askNewProjectPath = [](driverState&) { return askNewProjectPath(hook); };
+  stages.askExistingProjectPath = [](driverState&) { return askExistingProjectPath(hook); };
   return runDriver(stages, state);
 }

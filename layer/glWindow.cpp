@@ -12,6 +12,7 @@
 #include <EGL/eglext.h>
 #include <SDL2/SDL.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -19,6 +20,8 @@
 #include <string>
 
 #include "layer/glCore.h"
+#include "layer/menuDraw.h"
+#include "layer/windowMenu.h"
 
 namespace marv {
 
@@ -46,6 +49,9 @@ struct windowState {
   int mouseX = 0;                          // [px of the back buffer]
   int mouseY = 0;                          // [px of the back buffer]
   int wheel = 0;                           // notches since the last clearing call
+  int menuImage = -1;                      // off-screen canvas the menu bar is drawn on
+  int barApplied = 0;                      // menu bar height the window's size allows for [px]
+  bool swallowText = false;                // the last key went to the menu: its text goes nowhere
 };
 
 windowState win;
@@ -191,12 +197,54 @@ bool startWindow() {
   return true;
 }
 
+// Window pixels to menu canvas pixels: the menu bar above the back buffer,
+// both scaled alike when the user resizes the window.
+void canvasPoint(int wx, int wy, int& cx, int& cy) {
+  const int canvasHeight = core().height + win.barApplied;
+  int ww = core().width, wh = canvasHeight;
+  if (win.window) SDL_GetWindowSize(win.window, &ww, &wh);
+  cx = ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx;
+  cy = wh > 0 ? static_cast<int>(static_cast<long long>(wy) * canvasHeight / wh) : wy;
+}
+
 // Window pixels to back buffer pixels.
 void mapMouse(int wx, int wy) {
-  int ww = core().width, wh = core().height;
-  if (win.window) SDL_GetWindowSize(win.window, &ww, &wh);
-  win.mouseX = ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx;
-  win.mouseY = wh > 0 ? static_cast<int>(static_cast<long long>(wy) * core().height / wh) : wy;
+  int cx = 0, cy = 0;
+  canvasPoint(wx, wy, cx, cy);
+  win.mouseX = cx;
+  win.mouseY = cy - win.barApplied;
+}
+
+// The window's size follows the menu bar: the back buffer keeps its size
+// below it.
+void fitWindowToMenu() {
+  const int bar = menu::shownBarHeight();
+  if (bar == win.barApplied) return;
+  win.barApplied = bar;
+  if (win.window) SDL_SetWindowSize(win.window, core().width, core().height + bar);
+}
+
+// A key for the menu: true when the menu took it.
+bool menuKey(const SDL_KeyboardEvent& e) {
+  const SDL_Keycode sym = e.keysym.sym;
+  const char letter = sym >= SDLK_a && sym <= SDLK_z ? static_cast<char>('A' + (sym - SDLK_a)) : 0;
+  const bool alt = (e.keysym.mod & KMOD_ALT) != 0;
+  return menu::keyPressed(menu::windowMenu(), keyCodeOf(e.keysym.scancode), letter, alt);
+}
+
+// A pointer event for the menu: true when the menu took it.
+bool menuPointer(int wx, int wy, int button, bool down, bool moved) {
+  menu::menuModel& m = menu::windowMenu();
+  if (win.barApplied == 0) return false;
+  int cx = 0, cy = 0;
+  canvasPoint(wx, wy, cx, cy);
+  if (moved) return menu::pointerMoved(m, cx, cy);
+  if (button == mouseLeft) return menu::leftButton(m, cx, cy, down);
+  if (menu::isOpen(m)) {
+    if (down) menu::closeAll(m);
+    return true;
+  }
+  return menu::barRect(m).contains(cx, cy);
 }
 
 void handleKey(const SDL_KeyboardEvent& e, bool down) {
@@ -262,6 +310,7 @@ int startLayer() {
 }
 
 int stopLayer() {
+  menu::resetWindowMenu();
   stopRenderer();
   if (win.context) SDL_GL_DeleteContext(win.context);
   if (win.window) {
@@ -280,7 +329,11 @@ int stopLayer() {
 
 int processMessages() {
   if (win.closed) return -1;
-  if (win.window == nullptr) return 0;
+  if (win.window == nullptr) {
+    menu::deliverCommands();
+    return menu::closeRequested() ? -1 : 0;
+  }
+  fitWindowToMenu();
   SDL_Event e;
   while (SDL_PollEvent(&e)) {
     switch (e.type) {
@@ -292,17 +345,28 @@ int processMessages() {
           win.active = false;
           std::memset(win.keys, 0, sizeof win.keys);  // releases are not seen without focus
           win.buttons = 0;
+          menu::closeAll(menu::windowMenu());
         }
         break;
-      case SDL_KEYDOWN: handleKey(e.key, true); break;
+      case SDL_KEYDOWN:
+        win.swallowText = menuKey(e.key);
+        if (!win.swallowText) handleKey(e.key, true);
+        break;
       case SDL_KEYUP: handleKey(e.key, false); break;
-      case SDL_TEXTINPUT: textInputTyped(e.text.text); break;
-      case SDL_MOUSEMOTION: mapMouse(e.motion.x, e.motion.y); break;
+      case SDL_TEXTINPUT:
+        if (!win.swallowText && !menu::isOpen(menu::windowMenu())) textInputTyped(e.text.text);
+        break;
+      case SDL_MOUSEMOTION:
+        if (!menuPointer(e.motion.x, e.motion.y, 0, false, true)) mapMouse(e.motion.x, e.motion.y);
+        break;
       case SDL_MOUSEBUTTONDOWN:
       case SDL_MOUSEBUTTONUP: {
         const int bit = e.button.button == SDL_BUTTON_LEFT    ? mouseLeft
                         : e.button.button == SDL_BUTTON_RIGHT ? mouseRight
                                                               : 0;
+        const bool down = e.type == SDL_MOUSEBUTTONDOWN;
+        // A release always reaches the screens, so that no button stays held.
+        if (menuPointer(e.button.x, e.button.y, bit, down, false) && down) break;
         win.buttons = e.type == SDL_MOUSEBUTTONDOWN ? (win.buttons | bit) : (win.buttons & ~bit);
         mapMouse(e.button.x, e.button.y);
         break;
@@ -317,6 +381,8 @@ int processMessages() {
       default: break;
     }
   }
+  menu::deliverCommands();
+  if (menu::closeRequested()) win.closed = true;
   return win.closed ? -1 : 0;
 }
 
@@ -331,7 +397,7 @@ int setWindowIcon(int id) {
 
 int setGraphicsMode(int width, int height, int, int) {
   if (width <= 0 || height <= 0 || width > 16384 || height > 16384) return -1;
-  if (win.window) SDL_SetWindowSize(win.window, width, height);
+  if (win.window) SDL_SetWindowSize(win.window, width, height + win.barApplied);
   resizeBackBuffer(width, height);
   return 0;
 }
@@ -367,10 +433,6 @@ int setWindowPosition(int x, int y) {
   return 0;
 }
 
-// This desktop has no menu bar in the window: the menu is not shown.
-int setWindowMenu(int) { return 0; }
-int setMenuItemEnabled(int, int) { return 0; }
-
 int windowActive() { return win.active ? 1 : 0; }
 
 int setFileDropEnabled(int flag) {
@@ -396,6 +458,42 @@ int clearDroppedFiles() {
 
 // ---------------------------------------------------------------- frame
 
+namespace {
+
+// The window's whole picture on one canvas, the bar's height taller than
+// the back buffer: the bar, the back buffer below it, the open menus over
+// it. Null without a menu.
+const image* drawMenuCanvas() {
+  coreState& s = core();
+  if (win.barApplied == 0) return nullptr;
+  const int canvasHeight = s.height + win.barApplied;
+  int w = 0, h = 0;
+  if (win.menuImage < 0 || imageSize(win.menuImage, &w, &h) != 0 || w != s.width || h != canvasHeight) {
+    deleteImage(win.menuImage);
+    win.menuImage = makeOffscreenImage(s.width, canvasHeight, 0);
+  }
+  const image* canvas = imageOf(win.menuImage);
+  if (canvas == nullptr || canvas->framebuffer == 0) return nullptr;
+  menu::menuModel& m = menu::windowMenu();
+  m.measure = menu::menuTextWidth;
+  m.canvasWidth = s.width;
+  const int target = s.target, blendMode = s.blendMode, blendAmount = s.blendAmount;
+  setDrawTarget(win.menuImage);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, s.backImage.framebuffer);
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, canvas->framebuffer);
+  glDisable(GL_SCISSOR_TEST);
+  glBlitFramebuffer(0, 0, s.width, s.height, 0, win.barApplied, s.width, canvasHeight, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  bindTarget();
+  setBlend(0, 0);
+  menu::drawMenu(m);
+  setBlend(blendMode, blendAmount);
+  setDrawTarget(target);
+  flush();
+  return canvas;
+}
+
+}  // namespace
+
 int present() {
   coreState& s = core();
   if (!s.ready) return 0;
@@ -404,14 +502,22 @@ int present() {
     glFlush();
     return 0;
   }
-  int ww = s.width, wh = s.height;
+  fitWindowToMenu();
+  const image* menuCanvas = drawMenuCanvas();
+  const int bar = menuCanvas ? win.barApplied : 0;
+  const int canvasHeight = s.height + bar;
+  int ww = s.width, wh = canvasHeight;
   SDL_GL_GetDrawableSize(win.window, &ww, &wh);
-  // The back buffer's rows run top-down, the window's bottom-up.
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, s.backImage.framebuffer);
+  // Canvas pixels to window pixels; the canvas's rows run top-down, the
+  // window's bottom-up.
+  auto wx = [&](int x) { return static_cast<GLint>(static_cast<long long>(x) * ww / s.width); };
+  auto wy = [&](int y) { return static_cast<GLint>(wh - static_cast<long long>(y) * wh / canvasHeight); };
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, menuCanvas ? menuCanvas->framebuffer : s.backImage.framebuffer);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
   glDisable(GL_SCISSOR_TEST);
   glViewport(0, 0, ww, wh);
-  glBlitFramebuffer(0, 0, s.width, s.height, 0, wh, ww, 0, GL_COLOR_BUFFER_BIT, GL_LINEAR);
+  glBlitFramebuffer(0, 0, s.width, canvasHeight, wx(0), wy(0), wx(s.width), wy(canvasHeight), GL_COLOR_BUFFER_BIT,
+                    GL_LINEAR);
   SDL_GL_SwapWindow(win.window);
   bindTarget();
   return 0;

@@ -21,6 +21,7 @@
 #include "layer/camera.h"
 #include "layer/imageFile.h"
 #include "layer/layer.h"
+#include "layer/windowMenu.h"
 
 namespace marv {
 
@@ -181,9 +182,15 @@ int nominalWidth(int fontSize, const char* format, va_list args) {
 int startLayer() { return 0; }
 int stopLayer() {
   state = headlessState{};
+  menu::resetWindowMenu();
   return 0;
 }
-int processMessages() { return 0; }
+// Menu commands chosen since the last call reach their receiver here, as
+// they would inside a window's message handling.
+int processMessages() {
+  menu::deliverCommands();
+  return menu::closeRequested() ? -1 : 0;
+}
 int setLogging(int) { return 0; }
 int setTextCodePage(int) { return 0; }
 int setWindowedMode(int) { return 0; }
@@ -212,8 +219,6 @@ int windowPosition(int* x, int* y) {
   return 0;
 }
 int setWindowPosition(int, int) { return 0; }
-int setWindowMenu(int) { return 0; }
-int setMenuItemEnabled(int, int) { return 0; }
 int windowActive() { return 1; }
 int setFileDropEnabled(int) { return 0; }
 int droppedFileCount() { return 0; }
