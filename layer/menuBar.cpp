@@ -404,15 +404,17 @@ bool keyPressed(menuModel& m, int code, char letter, bool altHeld) {
           return true;
         }
     }
-    const int target = sub >= 0 ? sub : list;
-    if (target >= 0) {
-      const int item = itemWithLetter(m.lists[target], upper);
+    // The submenu's letters first, then those of the menu it hangs from.
+    const int inSubmenu = sub >= 0 ? itemWithLetter(m.lists[sub], upper) : -1;
+    if (inSubmenu >= 0) {
+      m.hotSubItem = inSubmenu;
+      activate(m, m.lists[sub].items[inSubmenu], inSubmenu, true, true);
+    } else if (list >= 0) {
+      const int item = itemWithLetter(m.lists[list], upper);
       if (item >= 0) {
-        if (sub >= 0)
-          m.hotSubItem = item;
-        else
-          m.hotItem = item;
-        activate(m, m.lists[target].items[item], item, sub >= 0, true);
+        if (item != m.openSub) m.openSub = m.hotSubItem = -1;
+        m.hotItem = item;
+        activate(m, m.lists[list].items[item], item, false, true);
       }
     }
   }
