@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "app/catalogue.h"
 #include "app/dataPaths.h"
 #include "layer/layer.h"
 
@@ -22,36 +23,7 @@ namespace {
 constexpr int openerWaitMs = 1500;  // how long an opener may take to say it failed [ms]
 constexpr int maxPathBytes = 4096;  // longest path a dialog may hand back [bytes]
 
-// The menu's captions and the dialogs' titles, English and Japanese, by
-// catalogue number.
-struct caption {
-  int number;
-  const char* english;
-  const char* japanese;
-};
-
-constexpr caption captions[] = {
-    {0, "Create New Project (&N)", "新規プロジェクトの作成 (&N)"},
-    {1, "Load Existing Project (&L)", "既存プロジェクトをロード (&L)"},
-    {2, "In Simulation Mode (&S)", "シミュレーション・モードでロード (&S)"},
-    {3, "In Analysis Mode (&A)", "分析モードでロード (&A)"},
-    {4, "Exit (&X)", "プログラムの終了 (&X)"},
-    {5, "File (&F)", "ファイル (&F)"},
-    {6, "Parameters (&P)", "入力パラメータ (&P)"},
-    {7, "User Interface (&I)", "ツール操作方法 (&I)"},
-    {8, "Examples (&E)", "シミュレーション例 (&E)"},
-    {10, "Updates (&U)", "更新情報 (&U)"},
-    {11, "Help (&H)", "ヘルプ (&H)"},
-    {12, "Select One of Input Files (eg. param.txt) in the Existing Project.",
-     "既存のプロジェクトから、入力ファイルの1つ（例：param.txt）を開いてください。"},
-    {13, "Enter a New Project Name and Click Save.", "新規プロジェクト名を入力し保存をクリックしてください。"},
-};
-
-std::string menuText(int number, bool japanese) {
-  for (const caption& c : captions)
-    if (c.number == number) return japanese ? c.japanese : c.english;
-  return std::string();
-}
+std::string menuText(int number, bool japanese) { return catalogueText(number, japanese); }
 
 struct helpPage {
   int command;

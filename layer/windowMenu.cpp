@@ -14,7 +14,26 @@ struct windowMenuState {
   menuCommandReceiver receiver = nullptr;
   void* context = nullptr;
   bool closeRequested = false;
+  int pointerX = -1;  // last pointer position, menu canvas [px]
+  int pointerY = -1;
+  bool keyTaken = false;  // the last key that went down was the menu's
 };
+
+// The letters of the layer's key table.
+constexpr struct {
+  int code;
+  char letter;
+} letterKeys[] = {{16, 'Q'}, {17, 'W'}, {18, 'E'}, {19, 'R'}, {20, 'T'}, {21, 'Y'}, {22, 'U'}, {23, 'I'}, {24, 'O'},
+                  {25, 'P'}, {30, 'A'}, {31, 'S'}, {32, 'D'}, {33, 'F'}, {34, 'G'}, {35, 'H'}, {36, 'J'}, {37, 'K'},
+                  {38, 'L'}, {44, 'Z'}, {45, 'X'}, {46, 'C'}, {47, 'V'}, {48, 'B'}, {49, 'N'}, {50, 'M'}};
+constexpr int leftAlt = 56;
+constexpr int rightAlt = 184;
+
+char letterOf(int code) {
+  for (const auto& k : letterKeys)
+    if (k.code == code) return k.letter;
+  return 0;
+}
 
 windowMenuState& state() {
   static windowMenuState s;
@@ -36,6 +55,34 @@ bool closeRequested() { return state().closeRequested; }
 void resetWindowMenu() { state() = windowMenuState{}; }
 
 int shownBarHeight() { return state().model.shown ? state().model.barHeight : 0; }
+
+bool takesPointer(int x, int y) {
+  windowMenuState& s = state();
+  s.pointerX = x;
+  s.pointerY = y + shownBarHeight();
+  return pointerMoved(s.model, s.pointerX, s.pointerY);
+}
+
+bool takesButton(int bit, bool down) {
+  windowMenuState& s = state();
+  if (!s.model.shown) return false;
+  if (bit == mouseLeft) return leftButton(s.model, s.pointerX, s.pointerY, down);
+  if (isOpen(s.model)) {
+    if (down) closeAll(s.model);  // another button closes the menu, as a click outside does
+    return true;
+  }
+  return barRect(s.model).contains(s.pointerX, s.pointerY);
+}
+
+bool takesKey(int code, bool down) {
+  windowMenuState& s = state();
+  if (!down) return false;
+  const bool alt = keyDown(leftAlt) || keyDown(rightAlt);
+  s.keyTaken = keyPressed(s.model, code, letterOf(code), alt);
+  return s.keyTaken;
+}
+
+bool takesText() { return state().keyTaken || isOpen(state().model); }
 
 }  // namespace menu
 
