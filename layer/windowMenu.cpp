@@ -58,8 +58,13 @@ int shownBarHeight() { return state().model.shown ? state().model.barHeight : 0;
 
 bool takesPointer(int x, int y) {
   windowMenuState& s = state();
+  const int cy = y + shownBarHeight();
+  // A pointer that did not move hovers nothing anew: the keyboard's choice
+  // in an open menu stays.
+  if (x == s.pointerX && cy == s.pointerY)
+    return s.model.shown && (isOpen(s.model) || barRect(s.model).contains(x, cy));
   s.pointerX = x;
-  s.pointerY = y + shownBarHeight();
+  s.pointerY = cy;
   return pointerMoved(s.model, s.pointerX, s.pointerY);
 }
 
