@@ -5,6 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
+#include <cstdlib>
+
 #ifndef MARV_SOURCE_DATA_DIR
 #define MARV_SOURCE_DATA_DIR ""
 #endif
@@ -21,6 +24,12 @@ bool isFolder(const std::string& path) {
 bool isFile(const std::string& path) {
   struct stat info {};
   return !path.empty() && ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+// The folder without "..", for messages that show it.
+std::string canonical(const std::string& folder) {
+  char buffer[PATH_MAX];
+  return ::realpath(folder.c_str(), buffer) ? std::string(buffer) : folder;
 }
 
 // A data folder is recognised by its help pages.
@@ -45,7 +54,7 @@ std::string programDataDir() {
     // below share/marvanesse; tests stand one folder deeper.
     for (const char* up : {"/../share/marvanesse", "/../../share/marvanesse"}) {
       const std::string candidate = exe + up;
-      if (holdsData(candidate)) return candidate;
+      if (holdsData(candidate)) return canonical(candidate);
     }
   }
   const std::string source = MARV_SOURCE_DATA_DIR;

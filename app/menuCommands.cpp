@@ -13,6 +13,7 @@
 #include "app/catalogue.h"
 #include "app/dataPaths.h"
 #include "layer/layer.h"
+#include "widgets/textBox.h"
 
 extern char** environ;
 
@@ -154,6 +155,16 @@ void localiseMenu(int menuJapanese, int pagesJapanese) {
                          {40013, 6}, {40014, 7}, {40016, 8}, {40015, 10}};
   for (const auto& item : byId) setMenuItemText(item[0], menuText(item[1], jp).c_str());
   pagesInJapanese = pagesJapanese != 0;
+}
+
+void menuMessageBox(const char* text) {
+  const int font = makeFont("Segoe UI", 18, 4, 18, -1, 0, 0, 0);
+  textBox box = makeTextBox(18, font);
+  setTextBoxButtons(box, 6);
+  measureTextBox(box, text);
+  showTextBox(box, text, 0, 0);
+  destroyTextBox(box);
+  deleteFont(font);
 }
 
 void installMenuHook(menuHook& hook) { setMenuCommandReceiver(windowHook, &hook); }

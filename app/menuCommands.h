@@ -34,6 +34,10 @@ struct menuHook {
   const char* pageOpener = "xdg-open";          // program that opens a page in the browser
 };
 
+// Tells the user in a message box with OK, over whatever screen is up; for
+// menuHook::message in the window program.
+void menuMessageBox(const char* text);
+
 // Makes `hook` the receiver of the window's menu commands.
 void installMenuHook(menuHook& hook);
 

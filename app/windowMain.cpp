@@ -81,6 +81,7 @@ int main() {
   // The menu's commands reach the driver's state from inside processMessages.
   static menuHook hook;
   hook.state = &state;
+  hook.message = menuMessageBox;
   installMenuHook(hook);
   stages.askNewProjectPath = [](driverState&) { return askNewProjectPath(hook); };
   stages.askExistingProjectPath = [](driverState&) { return askExistingProjectPath(hook); };

@@ -219,4 +219,27 @@ TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   std::filesystem::remove_all(start);
 }
 
+TEST_F(menuScriptTest, aHelpPageThatCannotOpenIsToldInAMessageBoxUntilOk) {
+  marv::driverState state;
+  marv::menuHook hook;
+  hook.state = &state;
+  hook.message = marv::menuMessageBox;
+  hook.pageOpener = "/nonexistent/opener";
+  marv::installMenuHook(hook);
+  inputFrame alt;
+  alt.keysHeld = {altKey};
+  alt.keysTapped = {35};  // H
+  inputFrame choose;
+  choose.keysTapped = {25};  // P: the parameter page
+  inputFrame wait;
+  inputFrame ok;
+  ok.keysHeld = {marv::keyEnter};  // the box polls the key
+  inputFrame after;
+  marv::setInputScript({alt, choose, wait, wait, ok, after, after}, false);
+  EXPECT_EQ(marv::processMessages(), 0);
+  EXPECT_EQ(marv::processMessages(), 0);  // the box runs its frames in here, until OK
+  EXPECT_LE(marv::inputScriptFramesLeft(), 2) << "the message waited for its OK";
+  EXPECT_EQ(marv::processMessages(), 0);
+}
+
 }  // namespace
