@@ -181,32 +181,4 @@ TEST_F(menuCommandsTest, aPageThatCannotBeOpenedIsToldAndTheProgramGoesOn) {
   EXPECT_EQ(state.chosenFilePath, "");
 }
 
-TEST_F(menuCommandsTest, theWindowMenuReachesTheDriverStateAndExitEndsTheMessages) {
-  marv::setWindowMenu(101);
-  marv::installMenuHook(hook);
-  marv::menu::menuModel& m = marv::menu::windowMenu();
-  script.path = "/data/thermo/input/param.txt";
-  marv::menu::keyPressed(m, 0, 'F', true);
-  marv::menu::keyPressed(m, 0, 'L', false);
-  marv::menu::keyPressed(m, 0, 'A', false);
-  EXPECT_EQ(marv::processMessages(), 0);
-  EXPECT_EQ(state.analysisRequest, 1);
-  EXPECT_EQ(state.chosenFilePath, "/data/thermo/input/param.txt");
-  EXPECT_EQ(here(), state.startDirectory);
-
-  // Once a project is chosen the three project commands are greyed and refused.
-  for (int id : {40006, 40009, 40010}) marv::setMenuItemEnabled(id, 0);
-  state.chosenFilePath.clear();
-  marv::menu::keyPressed(m, 0, 'F', true);
-  marv::menu::keyPressed(m, 0, 'N', false);
-  marv::menu::keyPressed(m, marv::keyEsc, 0, false);
-  EXPECT_EQ(marv::processMessages(), 0);
-  EXPECT_TRUE(script.asked.size() == 1u) << "no dialog for a greyed item";
-  EXPECT_EQ(state.chosenFilePath, "");
-
-  marv::menu::keyPressed(m, 0, 'F', true);
-  marv::menu::keyPressed(m, 0, 'X', false);
-  EXPECT_EQ(marv::processMessages(), -1);
-}
-
 }  // namespace
