@@ -273,6 +273,7 @@ int startLayer() {
 
 int stopLayer() {
   menu::resetWindowMenu();
+  menu::forgetMenuFont();
   stopRenderer();
   if (win.context) SDL_GL_DeleteContext(win.context);
   if (win.window) {

@@ -64,13 +64,16 @@ void drawList(const menuModel& m, int list, const rect& r, int hot, int openSub)
   }
 }
 
+int font = -1;  // made on first use, forgotten when the layer stops
+
 }  // namespace
 
 int menuFont() {
-  static int font = -1;
   if (font < 0) font = makeFont("Segoe UI", fontSize, 4, 18, -1, 0, 0, 0);
   return font;
 }
+
+void forgetMenuFont() { font = -1; }
 
 int menuTextWidth(const char* utf8) { return textWidthInFont(menuFont(), "%s", utf8 ? utf8 : ""); }
 
