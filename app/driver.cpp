@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "app/menuCommands.h"
 #include "domain/bcDomain.h"
 #include "domain/bitmapDomain.h"
 #include "domain/bmpTxt.h"
@@ -155,6 +156,8 @@ int runPass(const passStages& stages, driverState& state) {
   state.windowTitle += " (" + cfg.version + ")";
   setWindowText(state.windowTitle.c_str());
   state.startDirectory = currentDirectory();
+  setWindowMenu(101);
+  localiseMenu(cfg.menuJapanese, cfg.uiJapanese);
 
   int outcome = 0;
   auto endPass = [&](int result) {

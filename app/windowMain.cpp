@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "app/driver.h"
+#include "app/menuCommands.h"
 #include "app/startScreen.h"
 #include "layer/layer.h"
 
@@ -58,5 +59,12 @@ int main() {
   passStages stages;
   stages.startScreen = runStartScreen;
   driverState state;
+  // The menu's commands reach the driver's state from inside processMessages.
+  static menuHook hook;
+  hook.state = &state;
+  hook.message = menuMessageBox;
+  installMenuHook(hook);
+  stages.askNewProjectPath = [](driverState&) { return askNewProjectPath(hook); };
+  stages.askExistingProjectPath = [](driverState&) { return askExistingProjectPath(hook); };
   return runDriver(stages, state);
 }

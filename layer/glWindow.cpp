@@ -13,11 +13,14 @@
 #include <EGL/eglext.h>
 #include <SDL2/SDL.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
 #include "layer/glCore.h"
 #include "layer/inputDevices.h"
+#include "layer/menuDraw.h"
+#include "layer/windowMenu.h"
 
 namespace marv {
 
@@ -38,6 +41,8 @@ struct windowState {
   int iconId = -1;                         // picture of the window icon, or -1
   bool resizable = false;                  // the user may resize the window
   bool active = true;                      // the window has the focus
+  int menuImage = -1;                      // off-screen canvas of the menu bar and the picture
+  int barApplied = 0;                      // menu bar height the window's size allows for [px]
 };
 
 windowState win;
@@ -81,6 +86,8 @@ int keyCodeOf(SDL_Scancode s) {
     case SDL_SCANCODE_K: return keyK;
     case SDL_SCANCODE_L: return keyL;
     case SDL_SCANCODE_LSHIFT: return keyLeftShift;
+    case SDL_SCANCODE_LALT: return 56;
+    case SDL_SCANCODE_RALT: return 184;
     case SDL_SCANCODE_Z: return keyZ;
     case SDL_SCANCODE_X: return keyX;
     case SDL_SCANCODE_C: return keyC;
@@ -188,12 +195,24 @@ bool startWindow() {
   return true;
 }
 
-// Window pixels to back buffer pixels.
+// Window pixels to back buffer pixels. The menu bar lies above the back
+// buffer, at negative y; both scale alike when the user resizes the window.
 void mapMouse(int wx, int wy) {
-  int ww = core().width, wh = core().height;
+  const int canvasHeight = core().height + win.barApplied;
+  int ww = core().width, wh = canvasHeight;
   if (win.window) SDL_GetWindowSize(win.window, &ww, &wh);
-  input::mouseMoved(ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx,
-                    wh > 0 ? static_cast<int>(static_cast<long long>(wy) * core().height / wh) : wy);
+  const int cx = ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx;
+  const int cy = wh > 0 ? static_cast<int>(static_cast<long long>(wy) * canvasHeight / wh) : wy;
+  input::mouseMoved(cx, cy - win.barApplied);
+}
+
+// The window's size follows the menu bar: the back buffer keeps its size
+// below it.
+void fitWindowToMenu() {
+  const int bar = menu::shownBarHeight();
+  if (bar == win.barApplied) return;
+  win.barApplied = bar;
+  if (win.window) SDL_SetWindowSize(win.window, core().width, core().height + bar);
 }
 
 // Key repeats come as further downs and edit the active field again; Ctrl+V
@@ -253,6 +272,8 @@ int startLayer() {
 }
 
 int stopLayer() {
+  menu::resetWindowMenu();
+  menu::forgetMenuFont();
   stopRenderer();
   if (win.context) SDL_GL_DeleteContext(win.context);
   if (win.window) {
@@ -273,7 +294,12 @@ int stopLayer() {
 
 int processMessages() {
   if (win.closed) return -1;
-  if (win.window == nullptr) return input::stepInputScript();
+  if (win.window == nullptr) {
+    const int script = input::stepInputScript();
+    menu::deliverCommands();
+    return script == -1 || menu::closeRequested() ? -1 : 0;
+  }
+  fitWindowToMenu();
   SDL_Event e;
   while (SDL_PollEvent(&e)) {
     switch (e.type) {
@@ -284,6 +310,7 @@ int processMessages() {
         if (e.window.event == SDL_WINDOWEVENT_FOCUS_LOST) {
           win.active = false;
           input::releaseAll();  // releases are not seen without focus
+          menu::closeAll(menu::windowMenu());
         }
         break;
       case SDL_KEYDOWN: handleKey(e.key, true); break;
@@ -311,6 +338,8 @@ int processMessages() {
       default: break;
     }
   }
+  menu::deliverCommands();
+  if (menu::closeRequested()) win.closed = true;
   return win.closed ? -1 : 0;
 }
 
@@ -325,7 +354,7 @@ int setWindowIcon(int id) {
 
 int setGraphicsMode(int width, int height, int, int) {
   if (width <= 0 || height <= 0 || width > 16384 || height > 16384) return -1;
-  if (win.window) SDL_SetWindowSize(win.window, width, height);
+  if (win.window) SDL_SetWindowSize(win.window, width, height + win.barApplied);
   resizeBackBuffer(width, height);
   return 0;
 }
@@ -362,9 +391,6 @@ int setWindowPosition(int x, int y) {
 }
 
 // This desktop has no menu bar in the window: the menu is not shown.
-int setWindowMenu(int) { return 0; }
-int setMenuItemEnabled(int, int) { return 0; }
-
 int windowActive() { return win.active ? 1 : 0; }
 
 int setFileDropEnabled(int flag) {
@@ -375,6 +401,42 @@ int setFileDropEnabled(int flag) {
 
 // ---------------------------------------------------------------- frame
 
+namespace {
+
+// The window's whole picture on one canvas, the bar's height taller than
+// the back buffer: the bar, the back buffer below it, the open menus over
+// it. Null without a menu.
+const image* drawMenuCanvas() {
+  coreState& s = core();
+  if (win.barApplied == 0) return nullptr;
+  const int canvasHeight = s.height + win.barApplied;
+  int w = 0, h = 0;
+  if (win.menuImage < 0 || imageSize(win.menuImage, &w, &h) != 0 || w != s.width || h != canvasHeight) {
+    deleteImage(win.menuImage);
+    win.menuImage = makeOffscreenImage(s.width, canvasHeight, 0);
+  }
+  const image* canvas = imageOf(win.menuImage);
+  if (canvas == nullptr || canvas->framebuffer == 0) return nullptr;
+  menu::menuModel& m = menu::windowMenu();
+  m.measure = menu::menuTextWidth;
+  m.canvasWidth = s.width;
+  const int target = s.target, blendMode = s.blendMode, blendAmount = s.blendAmount;
+  setDrawTarget(win.menuImage);
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, s.backImage.framebuffer);
+  glBindFramebuffer(GL_DRAW_FRAMEBUFFER, canvas->framebuffer);
+  glDisable(GL_SCISSOR_TEST);
+  glBlitFramebuffer(0, 0, s.width, s.height, 0, win.barApplied, s.width, canvasHeight, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  bindTarget();
+  setBlend(0, 0);
+  menu::drawMenu(m);
+  setBlend(blendMode, blendAmount);
+  setDrawTarget(target);
+  flush();
+  return canvas;
+}
+
+}  // namespace
+
 int present() {
   coreState& s = core();
   if (!s.ready) return 0;
@@ -383,14 +445,22 @@ int present() {
     glFlush();
     return 0;
   }
-  int ww = s.width, wh = s.height;
+  fitWindowToMenu();
+  const image* menuCanvas = drawMenuCanvas();
+  const int bar = menuCanvas ? win.barApplied : 0;
+  const int canvasHeight = s.height + bar;
+  int ww = s.width, wh = canvasHeight;
   SDL_GL_GetDrawableSize(win.window, &ww, &wh);
-  // The back buffer's rows run top-down, the window's bottom-up.
-  glBindFramebuffer(GL_READ_FRAMEBUFFER, s.backImage.framebuffer);
+  // Canvas pixels to window pixels; the canvas's rows run top-down, the
+  // window's bottom-up.
+  auto wx = [&](int x) { return static_cast<GLint>(static_cast<long long>(x) * ww / s.width); };
+  auto wy = [&](int y) { return static_cast<GLint>(wh - static_cast<long long>(y) * wh / canvasHeight); };
+  glBindFramebuffer(GL_READ_FRAMEBUFFER, menuCanvas ? menuCanvas->framebuffer : s.backImage.framebuffer);
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
   glDisable(GL_SCISSOR_TEST);
   glViewport(0, 0, ww, wh);
-  glBlitFramebuffer(0, 0, s.width, s.height, 0, wh, ww, 0, GL_COLOR_BUFFER_BIT, GL_LINEAR);
+  glBlitFramebuffer(0, 0, s.width, canvasHeight, wx(0), wy(0), wx(s.width), wy(canvasHeight), GL_COLOR_BUFFER_BIT,
+                    GL_LINEAR);
   SDL_GL_SwapWindow(win.window);
   bindTarget();
   return 0;

@@ -26,6 +26,7 @@
 #include "layer/imageFile.h"
 #include "layer/inputDevices.h"
 #include "layer/layer.h"
+#include "layer/windowMenu.h"
 
 namespace marv {
 
@@ -172,9 +173,16 @@ int stopLayer() {
   input::resetInput();
   fonts::stopFonts();
   resetPictureKey();
+  menu::resetWindowMenu();
   return 0;
 }
-int processMessages() { return input::stepInputScript(); }
+// Menu commands chosen in this frame reach their receiver here, as they
+// would inside a window's message handling.
+int processMessages() {
+  const int script = input::stepInputScript();
+  menu::deliverCommands();
+  return script == -1 || menu::closeRequested() ? -1 : 0;
+}
 int setLogging(int) { return 0; }
 int setTextCodePage(int) { return 0; }
 int setWindowedMode(int) { return 0; }
@@ -203,8 +211,6 @@ int windowPosition(int* x, int* y) {
   return 0;
 }
 int setWindowPosition(int, int) { return 0; }
-int setWindowMenu(int) { return 0; }
-int setMenuItemEnabled(int, int) { return 0; }
 int windowActive() { return 1; }
 int setFileDropEnabled(int flag) {
   input::enableDrops(flag != 0);

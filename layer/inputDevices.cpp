@@ -8,6 +8,7 @@
 #include <string>
 
 #include "layer/layer.h"
+#include "layer/windowMenu.h"
 
 namespace marv {
 
@@ -31,16 +32,21 @@ namespace input {
 
 void keyChanged(int code, bool down) {
   if (code <= 0 || code >= 256) return;
+  if (menu::takesKey(code, down)) return;  // the window's menu bar took it
   devices.keys[code] = down ? 1 : 0;
   if (down) fieldKey(code);
 }
 
 void mouseMoved(int x, int y) {
+  if (menu::takesPointer(x, y)) return;
   devices.mouseX = x;
   devices.mouseY = y;
 }
 
-void buttonChanged(int bit, bool down) { devices.buttons = down ? (devices.buttons | bit) : (devices.buttons & ~bit); }
+void buttonChanged(int bit, bool down) {
+  if (menu::takesButton(bit, down) && down) return;
+  devices.buttons = down ? (devices.buttons | bit) : (devices.buttons & ~bit);
+}
 
 void wheelTurned(int notches) { devices.wheel += notches; }
 

@@ -146,11 +146,20 @@ int windowPosition(int* x, int* y);                                 // position 
 int setWindowPosition(int x, int y);                                // move the window
 int setWindowMenu(int id);                                          // shows the menu bar of that id
 int setMenuItemEnabled(int id, int enable);                         // greys a menu item (0)
-int windowActive();                                                 // 1 while the window has the focus
-int setFileDropEnabled(int flag);                                   // accept files dropped on the window
-int droppedFileCount();                                             // dropped paths waiting
-int droppedFilePath(char* buffer, int size);                        // takes the oldest path; -1 if none
-int clearDroppedFiles();                                            // forgets waiting paths
+int setMenuItemText(int id, const char* text);                      // caption of the item of a command id
+int setMenuHeadText(int head, int item, const char* text);  // caption by position: a bar menu (item -1) or its item
+int menuBarHeight();                                        // [px] the bar takes above the back buffer; 0 without
+int closeWindow();                                          // as the close button: processMessages gives -1 from now
+// Where chosen menu commands go: called inside processMessages, on the main
+// thread, once per command, as the window procedure of a desktop with native
+// menus would get them.
+using menuCommandReceiver = void (*)(int commandId, void* context);
+int setMenuCommandReceiver(menuCommandReceiver receiver, void* context);
+int windowActive();                           // 1 while the window has the focus
+int setFileDropEnabled(int flag);             // accept files dropped on the window
+int droppedFileCount();                       // dropped paths waiting
+int droppedFilePath(char* buffer, int size);  // takes the oldest path; -1 if none
+int clearDroppedFiles();                      // forgets waiting paths
 
 // ---------------------------------------------------------------- frame control
 

@@ -12,6 +12,7 @@
 
 #include "layer/inputDevices.h"
 #include "layer/layer.h"
+#include "layer/windowMenu.h"
 
 namespace marv {
 
@@ -86,7 +87,7 @@ namespace input {
 
 void textTyped(const char* utf8) {
   textField* f = activeField();
-  if (f == nullptr || utf8 == nullptr) return;
+  if (f == nullptr || utf8 == nullptr || menu::takesText()) return;  // typed at the menu bar
   const std::string piece(utf8);
   if (!accepts(*f, piece) || !fits(*f, piece.size())) return;
   insertAtCursor(*f, piece);

@@ -1,0 +1,184 @@
+// Menu commands as the driver sees them: the request flags and the chosen
+// path after a dialog, the working directory put back, the captions in both
+// languages, and the help pages found and opened, or a message when they
+// cannot be.
+#include "app/menuCommands.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <climits>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/dataPaths.h"
+#include "layer/layer.h"
+#include "layer/windowMenu.h"
+#include "testSupport.h"
+
+namespace {
+
+std::string here() {
+  char buffer[PATH_MAX];
+  return getcwd(buffer, sizeof buffer) ? buffer : "";
+}
+
+// A stand-in for the desktop's dialog: it wanders off to another folder, as
+// real dialogs may, and answers as told.
+struct dialogScript {
+  int result = 0;
+  std::string path;
+  std::string wanderTo = "/";
+  std::vector<marv::fileDialogRequest> asked;
+};
+dialogScript script;
+
+int scriptedDialog(const marv::fileDialogRequest& request, std::string& path) {
+  script.asked.push_back(request);
+  if (chdir(script.wanderTo.c_str()) != 0) return -1;
+  if (script.result == 0) path = script.path;
+  return script.result;
+}
+
+std::vector<std::string> messages;
+void collect(const char* text) { messages.emplace_back(text); }
+
+class menuCommandsTest : public ::testing::Test {
+ protected:
+  marv::driverState state;
+  marv::menuHook hook;
+  std::string start;
+  std::string scratch;
+
+  void SetUp() override {
+    start = here();
+    script = dialogScript{};
+    messages.clear();
+    scratch = marvtest::scratchFolder("menu-start").string();
+    state.startDirectory = scratch;
+    ASSERT_EQ(chdir(state.startDirectory.c_str()), 0);
+    hook.state = &state;
+    hook.dialog = scriptedDialog;
+    hook.message = collect;
+    marv::localiseMenu(0, 0);
+  }
+  void TearDown() override {
+    ASSERT_EQ(chdir(start.c_str()), 0);
+    std::filesystem::remove_all(scratch);
+    marv::stopLayer();
+  }
+};
+
+TEST_F(menuCommandsTest, chosenPathsSetTheRequestsAndTheWorkingDirectoryComesBack) {
+  script.path = "/home/user/projects/newOne";
+  state.analysisRequest = 1;
+  marv::windowHook(40006, &hook);
+  EXPECT_EQ(state.chosenFilePath, "/home/user/projects/newOne");
+  EXPECT_EQ(state.newProjectRequest, 1);
+  EXPECT_EQ(state.analysisRequest, 0);
+  EXPECT_EQ(here(), state.startDirectory) << "the dialog's wandering is undone";
+  ASSERT_EQ(script.asked.size(), 1u);
+  EXPECT_TRUE(script.asked[0].save);
+  EXPECT_EQ(script.asked[0].title, "Enter a New Project Name and Click Save.");
+
+  script.path = "/data/cavity/input/param.txt";
+  marv::windowHook(40010, &hook);
+  EXPECT_EQ(state.chosenFilePath, "/data/cavity/input/param.txt");
+  EXPECT_EQ(state.newProjectRequest, 0);
+  EXPECT_EQ(state.analysisRequest, 1);
+  EXPECT_FALSE(script.asked[1].save);
+  EXPECT_TRUE(script.asked[1].inputFilter);
+
+  marv::windowHook(40009, &hook);
+  EXPECT_EQ(state.newProjectRequest, 0);
+  EXPECT_EQ(state.analysisRequest, 0);
+  EXPECT_EQ(here(), state.startDirectory);
+  EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(menuCommandsTest, aCancelledOrMissingDialogLeavesTheRequestsAsTheyWere) {
+  state.chosenFilePath = "/an/earlier/path";
+  state.newProjectRequest = 0;
+  state.analysisRequest = 1;
+  script.result = -1;
+  script.wanderTo = state.startDirectory;  // a cancelled dialog changes nothing but the path
+  marv::windowHook(40006, &hook);
+  EXPECT_EQ(state.chosenFilePath, "") << "cleared before the dialog";
+  EXPECT_EQ(state.newProjectRequest, 0);
+  EXPECT_EQ(state.analysisRequest, 1);
+  EXPECT_TRUE(messages.empty());
+
+  script.result = -2;  // no dialog program on this desktop
+  marv::windowHook(40009, &hook);
+  EXPECT_EQ(state.analysisRequest, 1);
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_NE(messages[0].find("zenity"), std::string::npos);
+}
+
+TEST_F(menuCommandsTest, withoutAStartDirectoryAnExistingProjectIsRefused) {
+  state.startDirectory.clear();
+  script.path = "/data/cavity/input/param.txt";
+  EXPECT_EQ(marv::askExistingProjectPath(hook), -1);
+  EXPECT_EQ(state.chosenFilePath, "");
+  // A new project needs no start directory.
+  EXPECT_EQ(marv::askNewProjectPath(hook), 0);
+  EXPECT_EQ(state.chosenFilePath, "/data/cavity/input/param.txt");
+}
+
+TEST_F(menuCommandsTest, captionsFollowTheMenuLanguageAndComeBackInEnglish) {
+  marv::setWindowMenu(101);
+  marv::localiseMenu(1, 0);
+  const marv::menu::menuModel& m = marv::menu::windowMenu();
+  EXPECT_EQ(m.bar[0].caption, "ファイル (&F)");
+  EXPECT_EQ(m.bar[1].caption, "ヘルプ (&H)");
+  EXPECT_EQ(m.lists[0].items[1].caption, "既存プロジェクトをロード (&L)");
+  EXPECT_EQ(marv::menu::findItem(m, 40010)->caption, "分析モードでロード (&A)");
+  EXPECT_EQ(marv::menu::findItem(m, 40015)->caption, "更新情報 (&U)");
+  // The Japanese captions keep the access letters of the English ones.
+  marv::localiseMenu(0, 0);
+  EXPECT_EQ(m.bar[0].caption, "File (&F)");
+  EXPECT_EQ(marv::menu::findItem(m, 40016)->caption, "Examples (&E)");
+  EXPECT_EQ(marv::menu::findItem(m, 40006)->caption, "Create New Project (&N)");
+}
+
+TEST_F(menuCommandsTest, thePagesOfBothLanguagesShipWithTheProgram) {
+  const int commands[] = {40013, 40014, 40016, 40015};
+  const char* english[] = {"param_en.html", "display_en.html", "examples_top_en.html", "updates_en.html"};
+  const char* japanese[] = {"param.html", "display.html", "examples_top.html", "updates.html"};
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_STREQ(marv::helpPageName(commands[i], false), english[i]);
+    EXPECT_STREQ(marv::helpPageName(commands[i], true), japanese[i]);
+    for (const char* name : {english[i], japanese[i]}) {
+      const std::string path = marv::programDataPath(std::string("help/") + name);
+      ASSERT_FALSE(path.empty()) << name;
+      EXPECT_GT(marvtest::readText(path).size(), 1000u) << name << " holds a page";
+    }
+  }
+  EXPECT_EQ(marv::helpPageName(40012, false), nullptr);
+  // The parameter page tells what users trip over.
+  const std::string params = marvtest::readText(marv::programDataPath("help/param_en.html"));
+  for (const char* word : {"cfl", "deltat", "peps", "presw", "1e-9", "omega", "1.95"})
+    EXPECT_NE(params.find(word), std::string::npos) << word;
+}
+
+TEST_F(menuCommandsTest, aPageThatCannotBeOpenedIsToldAndTheProgramGoesOn) {
+  std::string failure;
+  EXPECT_EQ(marv::openHelpPage(40013, false, "true", failure), 0);
+  EXPECT_EQ(failure, "");
+  EXPECT_EQ(marv::openHelpPage(40014, true, "false", failure), -1);
+  EXPECT_NE(failure.find("display.html"), std::string::npos) << "the message names the page: " << failure;
+  EXPECT_EQ(marv::openHelpPage(40016, false, "/nonexistent/opener", failure), -1);
+  EXPECT_NE(failure.find("examples_top_en.html"), std::string::npos) << failure;
+  EXPECT_EQ(marv::openHelpPage(40006, false, "true", failure), -1);
+
+  // Through the hook: the failure becomes a message, the state is untouched.
+  hook.pageOpener = "/nonexistent/opener";
+  marv::windowHook(40015, &hook);
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_NE(messages[0].find("updates_en.html"), std::string::npos);
+  EXPECT_EQ(state.newProjectRequest, 0);
+  EXPECT_EQ(state.chosenFilePath, "");
+}
+
+}  // namespace

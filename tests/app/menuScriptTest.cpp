@@ -1,0 +1,245 @@
+// The menu bar driven frame by frame through the input script, as a user
+// would: the screens below never see what the menu takes, and its commands
+// reach the driver of a whole pass.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <climits>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/driver.h"
+#include "app/menuCommands.h"
+#include "layer/inputScript.h"
+#include "layer/layer.h"
+#include "layer/windowMenu.h"
+#include "testSupport.h"
+
+namespace {
+
+using marv::inputFrame;
+namespace menu = marv::menu;
+
+constexpr int altKey = 56;
+constexpr int letterF = 33, letterL = 38, letterN = 49, letterS = 31, letterX = 45;
+
+// Centre of a rectangle of the menu canvas, in back buffer pixels as the
+// script gives them: the bar lies above the back buffer.
+inputFrame at(const menu::rect& r, int buttons = 0) {
+  inputFrame f;
+  f.mouseX = (r.x1 + r.x2) / 2;
+  f.mouseY = (r.y1 + r.y2) / 2 - marv::menuBarHeight();
+  f.buttons = buttons;
+  return f;
+}
+
+menu::rect itemOf(int list, int index) {
+  const menu::menuModel& m = menu::windowMenu();
+  const menu::rect r = list == 1 ? menu::openSubRect(m) : menu::openListRect(m);
+  return menu::itemRect(m, list, index, r.x1, r.y1);
+}
+
+std::vector<int> received;
+void record(int id, void*) { received.push_back(id); }
+
+class menuScriptTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    marv::stopLayer();
+    received.clear();
+    marv::setWindowMenu(101);
+    marv::setMenuCommandReceiver(record, nullptr);
+  }
+  void TearDown() override { marv::stopLayer(); }
+
+  // Plays one frame; what the screens saw of the left button in it.
+  int play(const inputFrame& f) {
+    marv::setInputScript({f}, false);
+    EXPECT_EQ(marv::processMessages(), 0);
+    return marv::mouseButtons() & marv::mouseLeft;
+  }
+};
+
+TEST_F(menuScriptTest, openMoveAndChooseWithTheScreensSeeingNoneOfIt) {
+  const menu::menuModel& m = menu::windowMenu();
+  int seen = 0;
+  seen |= play(at(menu::headRect(m, 0), marv::mouseLeft));
+  seen |= play(at(menu::headRect(m, 0)));
+  EXPECT_EQ(m.openHead, 0);
+  // Hover to Help, then a click on its third item.
+  seen |= play(at(menu::headRect(m, 1)));
+  EXPECT_EQ(m.openHead, 1);
+  seen |= play(at(itemOf(2, 2), marv::mouseLeft));
+  seen |= play(at(itemOf(2, 2)));
+  EXPECT_EQ(seen, 0) << "no click on the menu reaches the screens";
+  EXPECT_FALSE(menu::isOpen(m));
+  EXPECT_EQ(received, std::vector<int>{menu::commandHelpExamples});
+  // With the menu closed, a click in the picture is the screens' again.
+  inputFrame picture;
+  picture.mouseX = 300;
+  picture.mouseY = 200;
+  picture.buttons = marv::mouseLeft;
+  EXPECT_EQ(play(picture), marv::mouseLeft);
+  int x = 0, y = 0;
+  marv::mousePosition(&x, &y);
+  EXPECT_EQ(x, 300);
+  EXPECT_EQ(y, 200);
+}
+
+TEST_F(menuScriptTest, greyedItemsAreRefusedAndEscClosesWithoutReachingTheScreens) {
+  marv::setMenuItemEnabled(menu::commandNewProject, 0);
+  marv::setMenuItemEnabled(menu::commandOpenSimulation, 0);
+  const menu::menuModel& m = menu::windowMenu();
+  play(at(menu::headRect(m, 0), marv::mouseLeft));
+  play(at(menu::headRect(m, 0)));
+  play(at(itemOf(0, 0), marv::mouseLeft));
+  play(at(itemOf(0, 0)));
+  EXPECT_TRUE(menu::isOpen(m)) << "a greyed item is not chosen";
+  // By keys: N refused; L opens the submenu, S refused there.
+  inputFrame keys = at(itemOf(0, 0));
+  keys.keysTapped = {letterN, letterL, letterS};
+  play(keys);
+  EXPECT_GE(m.openSub, 0);
+  EXPECT_TRUE(received.empty());
+  // Esc twice: the submenu, then the menu; the screens never see it held.
+  inputFrame esc = keys;
+  esc.keysTapped.clear();
+  esc.keysHeld = {marv::keyEsc};
+  play(esc);
+  EXPECT_EQ(marv::keyDown(marv::keyEsc), 0);
+  EXPECT_EQ(m.openSub, -1);
+  EXPECT_TRUE(menu::isOpen(m));
+  esc.keysHeld.clear();
+  play(esc);
+  esc.keysHeld = {marv::keyEsc};
+  play(esc);
+  EXPECT_EQ(marv::keyDown(marv::keyEsc), 0);
+  EXPECT_FALSE(menu::isOpen(m));
+  // With the menu closed, Esc is the screens' again.
+  esc.keysHeld.clear();
+  play(esc);
+  esc.keysHeld = {marv::keyEsc};
+  play(esc);
+  EXPECT_EQ(marv::keyDown(marv::keyEsc), 1);
+  // Alt+F opens it from the keyboard; a click outside closes it.
+  inputFrame alt;
+  alt.mouseX = 600;
+  alt.mouseY = 300;
+  alt.keysHeld = {altKey};
+  alt.keysTapped = {letterF};
+  play(alt);
+  EXPECT_EQ(m.openHead, 0);
+  alt.keysHeld.clear();
+  alt.keysTapped.clear();
+  alt.buttons = marv::mouseLeft;
+  EXPECT_EQ(play(alt), 0) << "the closing click is the menu's";
+  EXPECT_FALSE(menu::isOpen(m));
+  EXPECT_TRUE(received.empty());
+}
+
+// A pass of the driver whose start screen waits, as the window's does, until
+// the menu has delivered a path or the window closes.
+bool windowClosed = false;
+bool greyedDuringThePass[3] = {};
+
+int waitingStartScreen(marv::driverState& state, marv::appConfig&) {
+  for (int frame = 0; frame < 200; ++frame) {
+    if (marv::processMessages() == -1) {
+      windowClosed = true;  // the window program ends here, without teardown
+      return -1;
+    }
+    if (!state.chosenFilePath.empty()) return 0;  // go on with what the menu chose
+  }
+  return -1;
+}
+
+// After the project choice: are the project commands greyed?
+int refuseSource(marv::driverState&, marv::appConfig&) {
+  const int ids[] = {40006, 40009, 40010};
+  for (int i = 0; i < 3; ++i) greyedDuringThePass[i] = !menu::findItem(menu::windowMenu(), ids[i])->enabled;
+  return -1;
+}
+
+int answerDialog(const marv::fileDialogRequest&, std::string& path) {
+  path = "/projects/duct/input/param.txt";
+  return 0;
+}
+
+std::vector<inputFrame> fileMenuKeys(std::vector<int> letters) {
+  inputFrame alt;
+  alt.keysHeld = {altKey};
+  alt.keysTapped = {letterF};
+  inputFrame choose;
+  choose.keysTapped = letters;
+  return {alt, choose};
+}
+
+TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
+  const std::filesystem::path start = marvtest::scratchFolder("menu-pass");
+  char here[PATH_MAX];
+  ASSERT_NE(getcwd(here, sizeof here), nullptr);
+  ASSERT_EQ(chdir(start.c_str()), 0);
+
+  marv::driverState state;
+  marv::menuHook hook;
+  hook.state = &state;
+  hook.dialog = answerDialog;
+  marv::installMenuHook(hook);
+  marv::passStages stages;
+  stages.startScreen = waitingStartScreen;
+  stages.sourceScreen = refuseSource;
+  stages.onePass = true;
+  stages.writeHistory = false;
+  stages.splash = false;
+
+  // File, Load, In Simulation Mode: the path arrives, the pass goes on with
+  // it and the project commands are greyed for the rest of the pass.
+  state.analysisRequest = 1;
+  marv::setInputScript(fileMenuKeys({letterL, letterS}), false);
+  marv::runDriver(stages, state);
+  EXPECT_EQ(state.chosenFilePath, "/projects/duct/input/param.txt");
+  EXPECT_EQ(state.newProjectRequest, 0);
+  EXPECT_EQ(state.analysisRequest, 0);
+  EXPECT_EQ(std::filesystem::current_path(), start);
+  EXPECT_FALSE(windowClosed);
+  for (bool greyed : greyedDuringThePass) EXPECT_TRUE(greyed);
+
+  // File, Exit ends the process's loop at the next message handling.
+  marv::setWindowMenu(101);
+  marv::installMenuHook(hook);
+  state.chosenFilePath.clear();
+  marv::setInputScript(fileMenuKeys({letterX}), false);
+  marv::runDriver(stages, state);
+  EXPECT_TRUE(windowClosed);
+  EXPECT_EQ(state.runsCompleted, 0);
+  EXPECT_EQ(state.chosenFilePath, "");
+
+  ASSERT_EQ(chdir(here), 0);
+  std::filesystem::remove_all(start);
+}
+
+TEST_F(menuScriptTest, aHelpPageThatCannotOpenIsToldInAMessageBoxUntilOk) {
+  marv::driverState state;
+  marv::menuHook hook;
+  hook.state = &state;
+  hook.message = marv::menuMessageBox;
+  hook.pageOpener = "/nonexistent/opener";
+  marv::installMenuHook(hook);
+  inputFrame alt;
+  alt.keysHeld = {altKey};
+  alt.keysTapped = {35};  // H
+  inputFrame choose;
+  choose.keysTapped = {25};  // P: the parameter page
+  inputFrame wait;
+  inputFrame ok;
+  ok.keysHeld = {marv::keyEnter};  // the box polls the key
+  inputFrame after;
+  marv::setInputScript({alt, choose, wait, wait, ok, after, after}, false);
+  EXPECT_EQ(marv::processMessages(), 0);
+  EXPECT_EQ(marv::processMessages(), 0);  // the box runs its frames in here, until OK
+  EXPECT_LE(marv::inputScriptFramesLeft(), 2) << "the message waited for its OK";
+  EXPECT_EQ(marv::processMessages(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,258 @@
+// The window's menu bar: how it opens, moves, chooses and closes, by pointer
+// and by key, and that greyed items are refused.
+#include "layer/menuBar.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "layer/layer.h"
+#include "layer/windowMenu.h"
+
+namespace {
+
+using namespace marv::menu;
+
+constexpr int codeDownArrow = 208;
+
+struct point {
+  int x, y;
+};
+
+point centre(const rect& r) { return {(r.x1 + r.x2) / 2, (r.y1 + r.y2) / 2}; }
+
+// Index of the item of a command in its list.
+int itemIndex(const menuModel& m, int list, int id) {
+  for (int i = 0; i < static_cast<int>(m.lists[list].items.size()); ++i)
+    if (m.lists[list].items[i].id == id) return i;
+  return -1;
+}
+
+class menuBarTest : public ::testing::Test {
+ protected:
+  menuModel m = mainMenu();
+  void SetUp() override { m.shown = true; }
+
+  void click(point p) {
+    leftButton(m, p.x, p.y, true);
+    leftButton(m, p.x, p.y, false);
+  }
+  void clickHead(int head) { click(centre(headRect(m, head))); }
+  point itemCentre(int id) {
+    const rect list = openListRect(m);
+    const int file = m.bar[m.openHead].list;
+    const int i = itemIndex(m, file, id);
+    if (i >= 0) return centre(itemRect(m, file, i, list.x1, list.y1));
+    const rect sub = openSubRect(m);
+    const int subList = m.lists[file].items[m.openSub].submenu;
+    return centre(itemRect(m, subList, itemIndex(m, subList, id), sub.x1, sub.y1));
+  }
+  std::vector<int> taken() {
+    std::vector<int> ids;
+    for (int id = takeCommand(m); id != 0; id = takeCommand(m)) ids.push_back(id);
+    return ids;
+  }
+};
+
+TEST_F(menuBarTest, geometryStacksItemsBelowTheirHeadAndSubmenusBesideTheirItem) {
+  const rect file = headRect(m, 0), help = headRect(m, 1);
+  EXPECT_EQ(file.y1, 0);
+  EXPECT_EQ(file.y2, m.barHeight);
+  EXPECT_LE(file.x2, help.x1) << "bar items must not overlap";
+  clickHead(0);
+  const rect list = openListRect(m);
+  EXPECT_EQ(list.x1, file.x1);
+  EXPECT_EQ(list.y1, m.barHeight);
+  int previousBottom = list.y1;
+  for (int i = 0; i < static_cast<int>(m.lists[0].items.size()); ++i) {
+    const rect r = itemRect(m, 0, i, list.x1, list.y1);
+    EXPECT_GE(r.y1, previousBottom) << "item " << i;
+    EXPECT_LE(r.y2, list.y2) << "item " << i;
+    EXPECT_GE(r.x1, list.x1);
+    EXPECT_LE(r.x2, list.x2);
+    previousBottom = r.y2;
+  }
+  // The submenu opens by hover, to the right of its head item.
+  const rect head = itemRect(m, 0, 1, list.x1, list.y1);
+  pointerMoved(m, centre(head).x, centre(head).y);
+  const rect sub = openSubRect(m);
+  ASSERT_GT(sub.x2, sub.x1);
+  EXPECT_GE(sub.x1, list.x2 - 4);
+  EXPECT_LE(sub.y1, head.y1);
+  EXPECT_GE(sub.y2, head.y2);
+}
+
+TEST_F(menuBarTest, clickOpensHoverMovesAndAClickChooses) {
+  EXPECT_FALSE(isOpen(m));
+  clickHead(0);
+  EXPECT_EQ(m.openHead, 0);
+  // Hovering the other bar item moves there while a menu is open.
+  const point help = centre(headRect(m, 1));
+  EXPECT_TRUE(pointerMoved(m, help.x, help.y));
+  EXPECT_EQ(m.openHead, 1);
+  click(itemCentre(commandHelpExamples));
+  EXPECT_FALSE(isOpen(m));
+  EXPECT_EQ(taken(), std::vector<int>{commandHelpExamples});
+  // Without an open menu, hovering the bar opens nothing.
+  const point file = centre(headRect(m, 0));
+  pointerMoved(m, file.x, file.y);
+  EXPECT_FALSE(isOpen(m));
+  // A second click on the open menu's own head closes it.
+  clickHead(0);
+  clickHead(0);
+  EXPECT_FALSE(isOpen(m));
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(menuBarTest, pressOnTheBarDragAndReleaseOnAnItemChooses) {
+  const point file = centre(headRect(m, 0));
+  EXPECT_TRUE(leftButton(m, file.x, file.y, true));
+  // Through the submenu head into the submenu, button held all the way.
+  const rect list = openListRect(m);
+  const point load = centre(itemRect(m, 0, 1, list.x1, list.y1));
+  pointerMoved(m, load.x, load.y);
+  const point analysis = itemCentre(commandOpenAnalysis);
+  pointerMoved(m, analysis.x, analysis.y);
+  EXPECT_TRUE(leftButton(m, analysis.x, analysis.y, false));
+  EXPECT_EQ(taken(), std::vector<int>{commandOpenAnalysis});
+  EXPECT_FALSE(isOpen(m));
+}
+
+TEST_F(menuBarTest, greyedItemsAreRefusedByPointerAndKey) {
+  for (int id : {commandNewProject, commandOpenSimulation, commandOpenAnalysis})
+    ASSERT_TRUE(setItemEnabled(m, id, false));
+  EXPECT_FALSE(setItemEnabled(m, 12345, false)) << "no such item";
+  clickHead(0);
+  click(itemCentre(commandNewProject));
+  EXPECT_TRUE(isOpen(m)) << "a greyed item keeps the menu open";
+  // Its access letter and Enter on it do nothing either.
+  keyPressed(m, 0, 'N', false);
+  EXPECT_TRUE(isOpen(m));
+  m.hotItem = 0;
+  keyPressed(m, marv::keyEnter, 0, false);
+  EXPECT_TRUE(isOpen(m));
+  // In the submenu too.
+  const rect list = openListRect(m);
+  const point load = centre(itemRect(m, 0, 1, list.x1, list.y1));
+  pointerMoved(m, load.x, load.y);
+  click(itemCentre(commandOpenSimulation));
+  keyPressed(m, 0, 'A', false);
+  EXPECT_TRUE(taken().empty());
+  // Exit stays available.
+  keyPressed(m, 0, 'X', false);
+  EXPECT_EQ(taken(), std::vector<int>{commandExit});
+}
+
+TEST_F(menuBarTest, escClosesOneLevelAndAClickOutsideClosesWithoutPassingOn) {
+  keyPressed(m, 0, 'F', true);
+  ASSERT_EQ(m.openHead, 0);
+  EXPECT_EQ(m.hotItem, 0) << "the keyboard opens with the first item highlighted";
+  keyPressed(m, marv::keyRight, 0, false);  // the first item has no submenu: on to Help
+  EXPECT_EQ(m.openHead, 1);
+  keyPressed(m, marv::keyLeft, 0, false);
+  EXPECT_EQ(m.openHead, 0);
+  keyPressed(m, codeDownArrow, 0, false);
+  keyPressed(m, marv::keyRight, 0, false);
+  ASSERT_GE(m.openSub, 0);
+  EXPECT_TRUE(keyPressed(m, marv::keyEsc, 0, false));
+  EXPECT_EQ(m.openSub, -1);
+  EXPECT_EQ(m.openHead, 0) << "the first Esc closes the submenu only";
+  EXPECT_TRUE(keyPressed(m, marv::keyEsc, 0, false));
+  EXPECT_FALSE(isOpen(m));
+  // With everything closed, Esc and plain letters belong to the screens.
+  EXPECT_FALSE(keyPressed(m, marv::keyEsc, 0, false));
+  EXPECT_FALSE(keyPressed(m, 0, 'F', false));
+  EXPECT_FALSE(keyPressed(m, 0, 'Q', true)) << "Alt with a letter of no menu";
+
+  clickHead(1);
+  const point outside{700, 400};
+  EXPECT_TRUE(leftButton(m, outside.x, outside.y, true)) << "the closing click is the menu's";
+  EXPECT_FALSE(isOpen(m));
+  EXPECT_TRUE(leftButton(m, outside.x, outside.y, false));
+  // The next click there is the screens'.
+  EXPECT_FALSE(leftButton(m, outside.x, outside.y, true));
+  EXPECT_FALSE(leftButton(m, outside.x, outside.y, false));
+  EXPECT_FALSE(pointerMoved(m, outside.x, outside.y));
+  EXPECT_TRUE(taken().empty());
+}
+
+TEST_F(menuBarTest, keyboardWalksOverSeparatorsAndChoosesByLetterOrEnter) {
+  keyPressed(m, 0, 'H', true);
+  ASSERT_EQ(m.openHead, 1);
+  for (int i = 0; i < 3; ++i) keyPressed(m, codeDownArrow, 0, false);
+  EXPECT_EQ(m.lists[2].items[m.hotItem].id, commandHelpUpdates) << "the separator is skipped";
+  keyPressed(m, codeDownArrow, 0, false);
+  EXPECT_EQ(m.hotItem, 0) << "wraps to the top";
+  keyPressed(m, marv::keyEnter, 0, false);
+  keyPressed(m, 0, 'F', true);
+  keyPressed(m, 0, 'L', false);  // opens the submenu
+  keyPressed(m, 0, 's', false);  // lower case works as well
+  EXPECT_EQ(taken(), (std::vector<int>{commandHelpParameters, commandOpenSimulation}));
+}
+
+TEST(menuCaptions, accessLettersAndUnderlinesOfCaptions) {
+  EXPECT_EQ(accessLetter("Exit (&X)"), 'X');
+  EXPECT_EQ(accessLetter("in (&s)"), 'S');
+  EXPECT_EQ(accessLetter("Fish && Chips"), 0);
+  EXPECT_EQ(accessLetter("A && B (&C)"), 'C');
+  EXPECT_EQ(accessLetter("trailing &"), 0);
+  int underline = 0;
+  EXPECT_EQ(visibleCaption("Exit (&X)", &underline), "Exit (X)");
+  EXPECT_EQ(underline, 6);
+  EXPECT_EQ(visibleCaption("A && B", &underline), "A & B");
+  EXPECT_EQ(underline, -1);
+  // Japanese captions: the offset counts bytes of UTF-8.
+  const std::string jp = "ファイル (&F)";
+  EXPECT_EQ(visibleCaption(jp, &underline), "ファイル (F)");
+  EXPECT_EQ(underline, 4 * 3 + 2);
+  EXPECT_EQ(accessLetter(jp), 'F');
+}
+
+// The window's own menu through the layer: a command reaches the receiver
+// inside processMessages; Exit closes the window.
+struct received {
+  std::vector<int> ids;
+  bool exitCloses = true;
+};
+
+void receive(int id, void* context) {
+  received& r = *static_cast<received*>(context);
+  r.ids.push_back(id);
+  if (id == commandExit && r.exitCloses) marv::closeWindow();
+}
+
+TEST(windowMenu, commandsReachTheReceiverInsideProcessMessagesAndExitCloses) {
+  marv::stopLayer();
+  EXPECT_EQ(marv::menuBarHeight(), 0) << "no bar until a menu is set";
+  EXPECT_EQ(marv::setWindowMenu(7), -1);
+  ASSERT_EQ(marv::setWindowMenu(mainMenuId), 0);
+  EXPECT_GT(marv::menuBarHeight(), 0);
+  received r;
+  marv::setMenuCommandReceiver(receive, &r);
+  menuModel& m = windowMenu();
+  keyPressed(m, 0, 'H', true);
+  keyPressed(m, 0, 'P', false);
+  EXPECT_TRUE(r.ids.empty()) << "commands wait for the message handling";
+  EXPECT_EQ(marv::processMessages(), 0);
+  EXPECT_EQ(r.ids, std::vector<int>{commandHelpParameters});
+
+  // Greying and captions by id; a new menu comes back enabled and in English.
+  EXPECT_EQ(marv::setMenuItemEnabled(commandNewProject, 0), 0);
+  EXPECT_EQ(marv::setMenuItemEnabled(99999, 0), -1);
+  EXPECT_EQ(marv::setMenuItemText(commandExit, "Quit (&Q)"), 0);
+  EXPECT_EQ(marv::setMenuHeadText(0, 2, "separator"), -1) << "a separator has no caption";
+  EXPECT_FALSE(findItem(m, commandNewProject)->enabled);
+  marv::setWindowMenu(mainMenuId);
+  EXPECT_TRUE(findItem(windowMenu(), commandNewProject)->enabled);
+  EXPECT_EQ(findItem(windowMenu(), commandExit)->caption, "Exit (&X)");
+
+  keyPressed(windowMenu(), 0, 'F', true);
+  keyPressed(windowMenu(), 0, 'X', false);
+  EXPECT_EQ(marv::processMessages(), -1);
+  EXPECT_EQ(marv::processMessages(), -1) << "the window stays closed";
+  marv::stopLayer();
+  EXPECT_EQ(marv::processMessages(), 0) << "a new start forgets the close";
+  EXPECT_EQ(marv::menuBarHeight(), 0);
+}
+
+}  // namespace
