@@ -225,7 +225,11 @@ int runPass(const passStages& stages, driverState& state) {
     prepareFromInputs(domain, cfg);
     setUpScene(scene, cfg);
     if (r != 0) break;
-    // The preview needs the window: without one it shows once and returns.
+    // The preview, while the button is held; then the same bitmap again.
+    if (stages.bitmapPreview) {
+      passObjects objects{&domain, &scene, &input, nullptr, &state.views};
+      stages.bitmapPreview(cfg, objects);
+    }
     state.solver.reset();
     state.views = fieldViews{};
   }
@@ -234,7 +238,8 @@ int runPass(const passStages& stages, driverState& state) {
   constructControlPanel(panel, cfg);
   writeBmpTxt(cfg);
   syncViz(cfg, 1);
-  const int placed = stages.placementStage ? stages.placementStage(state, cfg) : 1;
+  passObjects objects{&domain, &scene, &input, &panel, &state.views};
+  const int placed = stages.placementStage ? stages.placementStage(cfg, objects) : 1;
   if (placed == 1) {
     if (!cfg.analysisMode) {
       // The placement values go back into the list: offsets and angles by

@@ -111,6 +111,10 @@ int keyCodeOf(SDL_Scancode s) {
     case SDL_SCANCODE_LEFT: return keyLeft;
     case SDL_SCANCODE_RIGHT: return keyRight;
     case SDL_SCANCODE_DOWN: return 208;
+    case SDL_SCANCODE_PAGEUP: return 201;
+    case SDL_SCANCODE_PAGEDOWN: return 209;
+    case SDL_SCANCODE_HOME: return 199;
+    case SDL_SCANCODE_END: return 207;
     default: return 0;
   }
 }
