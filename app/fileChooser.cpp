@@ -20,7 +20,8 @@ namespace {
 bool endsWith(const std::string& s, const char* tail) {
   const std::string t = tail;
   if (s.size() < t.size()) return false;
-  return std::equal(t.rbegin(), t.rend(), s.rbegin(), [](char a, char b) { return std::tolower(a) == std::tolower(b); });
+  return std::equal(t.rbegin(), t.rend(), s.rbegin(),
+                    [](char a, char b) { return std::tolower(a) == std::tolower(b); });
 }
 
 // A title fit for a shell argument in single quotes.
@@ -203,8 +204,9 @@ std::string resolveChosenPath(const std::string& given, bool saving) {
     const fs::path p(path);
     const fs::path parent = p.has_parent_path() ? p.parent_path() : fs::path(".");
     if (fs::exists(p, error) || !fs::is_directory(parent, error)) return std::string();
-    return path;
+    return p.lexically_normal().string();
   }
+  path = fs::path(path).lexically_normal().string();
   if (fs::is_regular_file(path, error)) return path;
   if (fs::is_regular_file(path + "/input/param.txt", error)) return path + "/input/param.txt";
   return std::string();

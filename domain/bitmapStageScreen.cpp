@@ -34,8 +34,8 @@ int lineHeight(const appConfig& cfg) { return cfg.textHeight + cfg.textGap / 2; 
 // Left edge of option o of a selector, relative to the row's left edge.
 int optionLeft(const appConfig& cfg, int option) {
   const int labelWidth = textWidthInFont(cfg.fixedCaption, "Strtch") + cfg.textGap;
-  const int step = static_cast<int>(2.5 * cfg.textGap + cfg.textHeight) + textWidthInFont(cfg.fixedCaption, "XY");
-  return cfg.textGap + labelWidth + option * step;
+  const int room = cfg.colourBarX - cfg.textGap - cfg.listGap - labelWidth - cfg.textGap;
+  return cfg.textGap + labelWidth + option * std::max(1, room / 4);
 }
 
 choiceGroup& selectorOf(appConfig& cfg, int c, int which) {
@@ -161,8 +161,8 @@ void setStageWindow(const appConfig& cfg, int width, int height) {
 
 void layoutColourList(appConfig& cfg) {
   const int widest = textWidthInFont(cfg.fixedCaption, "AAAXYYZZXOFF");
-  cfg.colourBarX =
-      static_cast<int>((2.5 * cfg.textGap + cfg.textHeight) * 4.0 + widest + 2 * cfg.textGap + cfg.textGap + cfg.listGap);
+  cfg.colourBarX = static_cast<int>((2.5 * cfg.textGap + cfg.textHeight) * 4.0 + widest + 2 * cfg.textGap +
+                                    cfg.textGap + cfg.listGap);
 }
 
 bool colourOptionCentre(const appConfig& cfg, int row, int selector, int option, int& x, int& y) {
@@ -228,8 +228,8 @@ int bitmapStageFrame(bitmapStageState& st, appConfig& cfg, const screenInput& in
   char status[600];
   std::snprintf(status, sizeof status, format.c_str(), name.c_str());
   const int statusY = cfg.bitmapScreenHeight - cfg.marginBottom;
-  drawBox(0, statusY, cfg.bitmapScreenWidth, cfg.bitmapScreenHeight, colour(41, 57, 85), 1);
-  drawText(cfg.marginLeft, statusY + 1, status, colour(255, 255, 255), cfg.fontCaption, 0, 0);
+  drawBox(0, statusY, cfg.bitmapScreenWidth + cfg.colourBarX, cfg.bitmapScreenHeight, colour(41, 57, 85), 1);
+  drawText(cfg.marginLeft, statusY + 1, status, colour(255, 255, 255), cfg.fontTiny, 0, 0);
 
   const int x0 = static_cast<int>(cfg.bitmapScreenWidth - 2.8 * cfg.buttonSize);
   const int y0 = static_cast<int>(cfg.bitmapScreenHeight - 1.8 * cfg.buttonSize);
@@ -362,7 +362,8 @@ void drawStageInset(const appConfig& cfg) {
   drawLine(x, y, x + len, y, colour(220, 0, 0), 2);
   drawLine(x, y, x, y - len, colour(0, 160, 0), 2);
   drawText(x + len + 2, y - cfg.textHeight / 2, names[plane][0], colour(220, 0, 0), cfg.fixedCaption, 0, 0);
-  drawText(x - cfg.textHeight / 3, y - len - cfg.textHeight, names[plane][1], colour(0, 160, 0), cfg.fixedCaption, 0, 0);
+  drawText(x - cfg.textHeight / 3, y - len - cfg.textHeight, names[plane][1], colour(0, 160, 0), cfg.fixedCaption, 0,
+           0);
 }
 
 }  // namespace marv

@@ -13,7 +13,9 @@ namespace {
 
 constexpr int modelSurface = 7;  // the STL type's surface
 
-int unitStep(const appConfig& cfg) { return cfg.textHeight / 3 * 2 + cfg.textGap + textWidthInFont(cfg.fixedCaption, "inch"); }
+int unitStep(const appConfig& cfg) {
+  return cfg.textHeight / 3 * 2 + cfg.textGap + textWidthInFont(cfg.fixedCaption, "inch");
+}
 
 }  // namespace
 
@@ -63,8 +65,8 @@ int placementControls(placementState& st, bcDomain& domain, appConfig& cfg, cons
         st.unitArmed = 0;
       }
       drawCircle(cx, cy, radius, colour(0, 120, 200), cfg.unitSelector.selected == o ? 1 : 0, 2);
-      drawText(cx + radius + 2, l.unitY, cfg.unitSelector.labels[o].c_str(), colour(255, 255, 255), cfg.fixedCaption,
-               0, 0);
+      drawText(cx + radius + 2, l.unitY, cfg.unitSelector.labels[o].c_str(), colour(50, 50, 50), cfg.fixedCaption, 0,
+               0);
     }
     if (cfg.unitSelector.selected != cfg.unitSTL) rescaleModel(domain, cfg);
   }
@@ -102,8 +104,9 @@ int runPlacement(appConfig& cfg, bcDomain& domain, sceneView& scene, inputState&
     runControlPanel(panel, cfg);
     if (cfg.snapshotRequested && cfg.ts <= cfg.latts) saveSnapshot(cfg);
     const std::string status = screenText(cfg, cfg.nz > 1 ? 51 : 52);
-    drawText(cfg.marginLeft, cfg.screenHeight - cfg.textHeight - cfg.textGap, status.c_str(), colour(255, 255, 255),
-             cfg.fontCaption, 0, 0);
+    const int statusY = cfg.screenHeight - cfg.textHeight - cfg.textGap;
+    drawBox(0, statusY, cfg.screenWidth, cfg.screenHeight, colour(41, 57, 85), 1);
+    drawText(cfg.marginLeft, statusY + cfg.textGap / 2, status.c_str(), colour(255, 255, 255), cfg.fontTiny, 0, 0);
     const screenInput in = readScreenInput();
     outcome = placementControls(st, domain, cfg, in);
     endScreenFrame();
