@@ -12,14 +12,6 @@
 
 namespace marv {
 
-// Key codes of the navigation keys, as the layer's key table numbers them.
-constexpr int keyArrowUp = 200;
-constexpr int keyArrowDown = 208;
-constexpr int keyPageUp = 201;
-constexpr int keyPageDown = 209;
-constexpr int keyHome = 199;
-constexpr int keyEnd = 207;
-
 // The input of one frame.
 struct screenInput {
   int mouseX = 0, mouseY = 0;  // [px]
