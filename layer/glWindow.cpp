@@ -378,12 +378,10 @@ int setFileDropEnabled(int flag) {
 
 int present() {
   coreState& s = core();
-  if (!s.ready) return 0;
+  // Without a window nobody sees the back buffer: its pending frame stays
+  // recorded until it is read back or cleared away.
+  if (!s.ready || win.window == nullptr) return 0;
   flush();
-  if (win.window == nullptr) {
-    glFlush();
-    return 0;
-  }
   int ww = s.width, wh = s.height;
   SDL_GL_GetDrawableSize(win.window, &ww, &wh);
   // The back buffer's rows run top-down, the window's bottom-up.
