@@ -6,6 +6,7 @@
 
 #include "app/catalogue.h"
 #include "layer/layer.h"
+#include "widgets/textBox.h"
 
 namespace marv {
 
@@ -144,56 +145,20 @@ void endScreenFrame() {
 
 void showScreenMessage(appConfig& cfg, const std::string& text) {
   ensureScreenFonts(cfg);
-  buttonTiles tiles;
-  loadButtonTiles(tiles);
-  screenButton ok;
-  int w = 0, h = 0;
+  textBox box = makeTextBox(cfg.textHeight, cfg.fontBody);
+  setTextBoxButtons(box, 6);
   // What stands on the screen now is the back of the box.
-  const int width = cfg.screenWidth > 0 ? cfg.screenWidth : 1080;
-  const int height = cfg.screenHeight > 0 ? cfg.screenHeight : 560;
-  const int backdrop = makeImage(width, height, 1);
-  captureScreen(0, 0, width, height, backdrop);
-  imageSize(backdrop, &w, &h);
-  const int lineHeight = cfg.textHeight + cfg.textGap;
-  const int boxW = width * 2 / 3, boxX = (width - boxW) / 2;
-  // Lines broken at blanks to fit the box.
-  std::string lines[8];
-  int count = 0;
-  {
-    const int chars = std::max(10, (boxW - 2 * lineHeight) / std::max(1, textWidthInFont(cfg.fontBody, "a")));
-    std::string rest = text;
-    while (!rest.empty() && count < 8) {
-      std::size_t cut = rest.size();
-      if (static_cast<int>(cut) > chars) {
-        cut = rest.rfind(' ', chars);
-        if (cut == std::string::npos || cut == 0) cut = chars;
-      }
-      lines[count++] = rest.substr(0, cut);
-      rest = cut < rest.size() ? rest.substr(cut + (rest[cut] == ' ' ? 1 : 0)) : std::string();
-    }
+  int width = 0, height = 0;
+  imageSize(backBuffer, &width, &height);
+  if (width > 0 && height > 0) {
+    box.backdrop = makeImage(width, height, 1);
+    captureScreen(0, 0, width, height, box.backdrop);
   }
-  const int boxH = count * lineHeight + 2 * lineHeight + cfg.buttonSize;
-  const int boxY = (height - boxH) / 2;
-  const int start = nowMs();
-  for (;;) {
-    const screenInput in = readScreenInput();
-    if (backdrop >= 0) drawImage(0, 0, backdrop, 0);
-    drawBox(boxX, boxY, boxX + boxW, boxY + boxH, colour(255, 255, 255), 1);
-    drawBoxF(static_cast<float>(boxX), static_cast<float>(boxY), static_cast<float>(boxX + boxW),
-             static_cast<float>(boxY + boxH), colour(255, 120, 120), 0, 6.0f);
-    for (int i = 0; i < count; ++i)
-      drawText(boxX + lineHeight, boxY + lineHeight + i * lineHeight, lines[i].c_str(), colour(0, 0, 0), cfg.fontBody,
-               0, 0);
-    const int bx = boxX + (boxW - cfg.buttonSize) / 2, by = boxY + boxH - cfg.buttonSize - lineHeight / 2;
-    const bool clicked = clickButton(ok, bx, by, cfg.buttonSize, in);
-    drawScreenButton(ok, tiles, tileProceed, "OK", cfg.fontCaption);
-    const bool keyed = (in.enter || in.esc) && in.now - start > cfg.keyDelayMs;
-    endScreenFrame();
-    if (clicked || keyed) break;
-  }
+  showTextBox(box, text.c_str(), 0, 0);
+  deleteImage(box.backdrop);
+  box.backdrop = 0;
+  destroyTextBox(box);
   cfg.lastKeyMs = nowMs();
-  deleteImage(backdrop);
-  freeButtonTiles(tiles);
 }
 
 }  // namespace marv

@@ -556,6 +556,10 @@ int editorFrame(editorScreen& s, appConfig& cfg, const screenInput& in) {
 
 int runParameterEditor(parameterEditor& ed, appConfig& cfg) {
   static editorScreen screen;
+  return runEditorScreen(screen, ed, cfg);
+}
+
+int runEditorScreen(editorScreen& screen, parameterEditor& ed, appConfig& cfg) {
   ensureScreenFonts(cfg);
   if (startEditorScreen(screen, ed, cfg) != 1) return -1;
   loadButtonTiles(screen.tiles);

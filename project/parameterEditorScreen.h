@@ -81,6 +81,10 @@ int acceptEditor(editorScreen& screen, appConfig& cfg);
 // The whole screen: 1 accepted, -1 cancelled, refused or no file.
 int runParameterEditor(parameterEditor& editor, appConfig& cfg);
 
+// The same with a screen record of the caller's, whose two question hooks
+// it keeps.
+int runEditorScreen(editorScreen& screen, parameterEditor& editor, appConfig& cfg);
+
 void destroyEditorScreen(editorScreen& screen);
 
 }  // namespace marv
