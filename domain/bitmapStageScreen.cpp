@@ -25,8 +25,8 @@ int rowHeight(const appConfig& cfg) { return static_cast<int>(5.0 * cfg.textHeig
 int rowPosition(int c) { return c < 7 ? c - 1 : c - 2; }
 int listHeight(const appConfig& cfg) { return (rowHeight(cfg) + cfg.textGap) * (maxColourSlots - 2); }
 
-int rowTop(const appConfig& cfg, int c) {
-  return cfg.marginTop + rowPosition(c) * (rowHeight(cfg) + cfg.textGap) - listScroll;
+int rowTop(const appConfig& cfg, int c, int scroll = -1) {
+  return cfg.marginTop + rowPosition(c) * (rowHeight(cfg) + cfg.textGap) - (scroll < 0 ? listScroll : scroll);
 }
 
 int lineHeight(const appConfig& cfg) { return cfg.textHeight + cfg.textGap / 2; }
@@ -165,16 +165,18 @@ void layoutColourList(appConfig& cfg) {
                                     cfg.textGap + cfg.listGap);
 }
 
-bool colourOptionCentre(const appConfig& cfg, int row, int selector, int option, int& x, int& y) {
-  const int top = rowTop(cfg, row);
+int colourListNotch(const appConfig& cfg) { return static_cast<int>(1.2 * cfg.textHeight); }
+
+bool colourOptionCentre(const appConfig& cfg, int row, int selector, int option, int& x, int& y, int scroll) {
+  const int top = rowTop(cfg, row, scroll);
   x = cfg.bitmapScreenWidth + optionLeft(cfg, option) + cfg.textHeight / 3;
   y = top + cfg.textGap / 2 + (selector + 1) * lineHeight(cfg) + cfg.textHeight / 2;
   return y >= cfg.marginTop && y < cfg.bitmapScreenHeight;
 }
 
-bool colourSwatchCentre(const appConfig& cfg, int row, int& x, int& y) {
+bool colourSwatchCentre(const appConfig& cfg, int row, int& x, int& y, int scroll) {
   x = cfg.bitmapScreenWidth + cfg.textGap + cfg.textHeight;
-  y = rowTop(cfg, row) + cfg.textGap / 2 + lineHeight(cfg) / 2;
+  y = rowTop(cfg, row, scroll) + cfg.textGap / 2 + lineHeight(cfg) / 2;
   return y >= cfg.marginTop && y < cfg.bitmapScreenHeight;
 }
 
@@ -198,7 +200,7 @@ void prepareRowChoices(appConfig& cfg) {
 
 int bitmapStageFrame(bitmapStageState& st, appConfig& cfg, const screenInput& in) {
   const planeGeometry g = makePlaneGeometry(cfg, st.plane);
-  listScroll -= static_cast<int>(1.2 * cfg.textHeight) * in.wheel;
+  listScroll -= colourListNotch(cfg) * in.wheel;
   listScroll = std::clamp(listScroll, 0, std::max(0, listHeight(cfg) - cfg.bitmapScreenHeight));
 
   drawBox(0, 0, cfg.bitmapScreenWidth, cfg.bitmapScreenHeight, colour(255, 255, 255), 1);

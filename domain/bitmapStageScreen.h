@@ -35,9 +35,13 @@ enum colourSelector : int { selectStretch = 0, selectSymmetry = 1, selectInverse
 void layoutColourList(appConfig& cfg);
 
 // Screen centre of an option of a row's selector, and of a row's swatch,
-// with the list's current scroll; false when the row is out of view.
-bool colourOptionCentre(const appConfig& cfg, int row, int selector, int option, int& x, int& y);
-bool colourSwatchCentre(const appConfig& cfg, int row, int& x, int& y);
+// with the list scrolled by scroll pixels (-1: as it stands); false when
+// the row is out of view.
+bool colourOptionCentre(const appConfig& cfg, int row, int selector, int option, int& x, int& y, int scroll = -1);
+bool colourSwatchCentre(const appConfig& cfg, int row, int& x, int& y, int scroll = -1);
+
+// Pixels the list scrolls per notch of the wheel.
+int colourListNotch(const appConfig& cfg);
 
 // The choices of rows not yet shown come from bmp.txt's saved columns (by
 // colour code, the last matching row winning); then every row's selected
