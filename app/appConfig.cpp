@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "app/fontSet.h"
+#include "app/screenFrame.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
 
@@ -59,11 +60,10 @@ void constructAppConfig(appConfig& cfg, bool firstPass, bool useHistory) {
   cfg.lastKeyMs = nowMs();
 
   if (firstPass) {
-    // The splash: the logo is drawn by the text catalogue's fonts once they
-    // exist; here the window only shows for the splash time.
-    present();
-    clearDrawTarget();
-    waitMs(2 * cfg.keyDelayMs);
+    // The splash, with fonts a size larger than the screens'.
+    cfg.textHeight = static_cast<int>(1.4 * baseTextSize);
+    buildFonts(cfg);
+    showSplash(cfg);
     if (processMessages() == -1) {
       stopLayer();
       std::exit(0);
@@ -111,10 +111,12 @@ void constructAppConfig(appConfig& cfg, bool firstPass, bool useHistory) {
   cfg.cancelY = static_cast<int>(cfg.startHeight - 1.8 * cfg.buttonSize);
   cfg.proceedX = cfg.cancelX + cfg.buttonSize + cfg.textGap;
   cfg.proceedY = cfg.cancelY;
+  setUpButtons(cfg);
 }
 
 void destroyAppConfig(appConfig& cfg) {
   deleteFonts(cfg);
+  freeButtonTiles(cfg);
   cfg = appConfig{};
 }
 
