@@ -1,8 +1,8 @@
-// Fonts and text of the OpenGL backend, on FreeType: the mapping of the face
-// names the program asks for to installed font files, font handles, text
-// widths and text drawing from a glyph atlas per font.
+// Fonts and text of the OpenGL backend, on FreeType: font handles made from
+// the files that the face table (fontFaces.cpp) maps names to, text widths
+// and text drawing from a glyph atlas per font.
 //
-// Sections: face mapping | font table | glyphs | public operations
+// Sections: font table | glyphs | public operations
 //
 // Widths come from FreeType alone, so they are true even without a
 // renderer. Strings are UTF-8; a byte that does not decode shows as "?". A
@@ -12,10 +12,7 @@
 #include FT_FREETYPE_H
 #include FT_SYNTHESIS_H
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cctype>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -23,6 +20,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "layer/fontFaces.h"
 #include "layer/glCore.h"
 
 namespace marv {
@@ -34,100 +32,6 @@ namespace {
 constexpr int atlasSide = 1024;   // glyph atlas of a font [px]
 constexpr int maxFontSize = 400;  // largest font size [px]
 constexpr int boldThickness = 6;  // thickness from which a font is bold [-]
-
-// ---------------------------------------------------------------- face mapping
-
-enum class faceKind { none, sans, mono, serif, japanese, japaneseProportional };
-
-struct faceName {
-  const char* name;  // lower case, as asked for
-  faceKind kind;     // which stand-in
-  bool bold;         // the name asks for bold
-};
-
-// The faces the program asks for and their stand-ins.
-const faceName knownFaces[] = {
-    {"consolas", faceKind::mono, false},
-    {"consolas bold", faceKind::mono, true},
-    {"courier new", faceKind::mono, false},
-    {"dejavu sans mono", faceKind::mono, false},
-    {"monospace", faceKind::mono, false},
-    {"times new roman", faceKind::serif, false},
-    {"times new roman bold", faceKind::serif, true},
-    {"dejavu serif", faceKind::serif, false},
-    {"serif", faceKind::serif, false},
-    {"arial", faceKind::sans, false},
-    {"segoe ui", faceKind::sans, false},
-    {"dejavu sans", faceKind::sans, false},
-    {"sans", faceKind::sans, false},
-    {"meiryo ui", faceKind::japaneseProportional, false},
-    {"meiryo", faceKind::japanese, false},
-    {"yu gothic ui", faceKind::japaneseProportional, false},
-    {"yu gothic", faceKind::japanese, false},
-    {"ms gothic", faceKind::japanese, false},
-    {"ms ui gothic", faceKind::japaneseProportional, false},
-    {"ipagothic", faceKind::japanese, false},
-    {"ipapgothic", faceKind::japaneseProportional, false},
-};
-
-// Installed files for each kind, regular then bold, first present wins.
-const char* const sansFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", nullptr};
-const char* const sansBoldFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf", nullptr};
-const char* const monoFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf", nullptr};
-const char* const monoBoldFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Bold.ttf", nullptr};
-const char* const serifFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf", nullptr};
-const char* const serifBoldFiles[] = {"/usr/share/fonts/truetype/dejavu/DejaVuSerif-Bold.ttf", nullptr};
-const char* const japaneseFiles[] = {"/usr/share/fonts/opentype/ipafont-gothic/ipag.ttf",
-                                     "/usr/share/fonts/truetype/fonts-japanese-gothic.ttf",
-                                     "/usr/share/fonts/opentype/ipaexfont-gothic/ipaexg.ttf",
-                                     "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc", nullptr};
-const char* const japanesePropFiles[] = {"/usr/share/fonts/opentype/ipafont-gothic/ipagp.ttf",
-                                         "/usr/share/fonts/opentype/ipafont-gothic/ipag.ttf",
-                                         "/usr/share/fonts/truetype/fonts-japanese-gothic.ttf", nullptr};
-
-std::string firstPresent(const char* const* files) {
-  for (; *files != nullptr; ++files)
-    if (::access(*files, R_OK) == 0) return *files;
-  return std::string();
-}
-
-std::string lowerTrimmed(const char* name) {
-  std::string s = name ? name : "";
-  for (char& ch : s) ch = static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-  while (!s.empty() && s.back() == ' ') s.pop_back();
-  return s;
-}
-
-const faceName* lookupFace(const char* name) {
-  const std::string key = lowerTrimmed(name);
-  for (const faceName& f : knownFaces)
-    if (key == f.name) return &f;
-  return nullptr;
-}
-
-// The file that stands for a face; `synthBold` is set when bold is asked for
-// and no bold file exists, so that the outline is thickened instead.
-std::string fileFor(faceKind kind, bool bold, bool& synthBold) {
-  synthBold = false;
-  std::string file;
-  switch (kind) {
-    case faceKind::mono: file = firstPresent(bold ? monoBoldFiles : monoFiles); break;
-    case faceKind::serif: file = firstPresent(bold ? serifBoldFiles : serifFiles); break;
-    case faceKind::japanese: file = firstPresent(japaneseFiles); break;
-    case faceKind::japaneseProportional: file = firstPresent(japanesePropFiles); break;
-    case faceKind::sans:
-    case faceKind::none: file = firstPresent(bold ? sansBoldFiles : sansFiles); break;
-  }
-  if (bold && (kind == faceKind::japanese || kind == faceKind::japaneseProportional)) synthBold = !file.empty();
-  if (file.empty() && bold) {
-    // A bold face that is missing: the regular one, thickened.
-    bool unused = false;
-    file = fileFor(kind, false, unused);
-    synthBold = !file.empty();
-  }
-  if (file.empty() && kind != faceKind::sans) file = firstPresent(sansFiles);
-  return file;
-}
 
 // ---------------------------------------------------------------- font table
 
@@ -187,13 +91,11 @@ void freeFont(fontEntry& f) {
 }
 
 int newFont(const char* name, int size, int thickness) {
-  const faceName* known = lookupFace(name);
-  const faceKind kind = known ? known->kind : faceKind::none;
-  const bool bold = (known && known->bold) || thickness >= boldThickness;
   fontEntry f;
   f.size = std::clamp(size > 0 ? size : fonts.defaultSize, 1, maxFontSize);
-  const std::string file = fileFor(kind, bold, f.synthBold);
-  f.face = openFace(file, f.size);
+  const faceFile file = resolveFace(name, thickness >= boldThickness);
+  f.synthBold = file.synthBold;
+  f.face = openFace(file.path, f.size);
   if (f.face == nullptr) return -1;
   f.ascent = static_cast<int>(f.face->size->metrics.ascender >> 6);
   return addToTable(fonts.fonts, std::move(f));
@@ -245,7 +147,7 @@ FT_Face loadGlyph(fontEntry& f, std::uint32_t cp, bool render) {
   if (FT_Get_Char_Index(face, cp) == 0 && cp >= 0x80) {
     if (!f.fallbackTried) {
       f.fallbackTried = true;
-      f.fallback = openFace(firstPresent(japaneseFiles), f.size);
+      f.fallback = openFace(japaneseFallbackFace(), f.size);
     }
     if (f.fallback && FT_Get_Char_Index(f.fallback, cp) != 0) face = f.fallback;
   }
@@ -421,19 +323,8 @@ int makeFont(const char* name, int size, int thickness, int, int, int, int, int)
   return newFont(name, size, thickness);
 }
 
-// True only for the faces of the mapping whose stand-in file is installed.
-int fontExists(const char* name, int) {
-  const faceName* known = lookupFace(name);
-  if (known == nullptr) return 0;
-  switch (known->kind) {
-    case faceKind::japanese: return firstPresent(japaneseFiles).empty() ? 0 : 1;
-    case faceKind::japaneseProportional: return firstPresent(japanesePropFiles).empty() ? 0 : 1;
-    default: break;
-  }
-  bool synth = false;
-  const std::string file = fileFor(known->kind, known->bold, synth);
-  return file.empty() ? 0 : 1;
-}
+// True only for the faces of the table whose own stand-in is installed.
+int fontExists(const char* name, int) { return faceInstalled(name) ? 1 : 0; }
 
 int deleteFont(int handle) {
   if (handle >= 0 && handle < static_cast<int>(fonts.fonts.size()) && fonts.fonts[handle].live &&

@@ -283,7 +283,6 @@ void stopRenderer() {
     glDeleteVertexArrays(1, &state.vao);
     glDeleteProgram(state.program);
   }
-  stopTextInputs();
   state = coreState{};
 }
 

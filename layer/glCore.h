@@ -186,14 +186,6 @@ int textWidthOf(int font, const char* text);  // [px]
 int textHeightOf(int font);                   // line height [px]
 void stopFonts();
 
-// Text inputs (textInput.cpp): the window feeds typed text and editing keys
-// to the active field.
-enum class editKey { backspace, erase, left, right, home, end, enter, escape };
-void textInputTyped(const char* utf8);
-void textInputKey(editKey key);
-bool textInputActive();
-void stopTextInputs();
-
 // Set by the small file an executable links: true for the off-screen
 // context without a window (tests, batch runs), false for the window.
 extern const bool startsOffscreen;

@@ -1,8 +1,9 @@
 // The window side of the OpenGL backend: the SDL2 window and its OpenGL
-// context, or an off-screen EGL context without any display; events, the
-// keyboard table, mouse, wheel, dropped files, present and the clock.
+// context, or an off-screen EGL context without any display; window events
+// fed into the layer's shared input state, and present. Off-screen, the
+// input script of a test stands in for the events.
 //
-// Sections: state | contexts | window and process | frame | keyboard and mouse | clock
+// Sections: state | contexts | window and process | frame
 //
 // The picture is always drawn into the back buffer framebuffer of the size
 // that setGraphicsMode asks for. present() stretches it over the window, so
@@ -12,13 +13,11 @@
 #include <EGL/eglext.h>
 #include <SDL2/SDL.h>
 
-#include <chrono>
 #include <cstdio>
-#include <cstring>
-#include <deque>
 #include <string>
 
 #include "layer/glCore.h"
+#include "layer/inputDevices.h"
 
 namespace marv {
 
@@ -39,13 +38,6 @@ struct windowState {
   int iconId = -1;                         // picture of the window icon, or -1
   bool resizable = false;                  // the user may resize the window
   bool active = true;                      // the window has the focus
-  bool dropEnabled = false;                // dropped files are taken
-  std::deque<std::string> dropped;         // paths, oldest first
-  std::uint8_t keys[256] = {};             // 1 while held, by key code
-  int buttons = 0;                         // mouseButtons bits
-  int mouseX = 0;                          // [px of the back buffer]
-  int mouseY = 0;                          // [px of the back buffer]
-  int wheel = 0;                           // notches since the last clearing call
 };
 
 windowState win;
@@ -64,26 +56,28 @@ int keyCodeOf(SDL_Scancode s) {
     case SDL_SCANCODE_8: return key8;
     case SDL_SCANCODE_9: return key9;
     case SDL_SCANCODE_0: return key0;
+    case SDL_SCANCODE_BACKSPACE: return keyBackspace;
+    case SDL_SCANCODE_TAB: return keyTab;
     case SDL_SCANCODE_Q: return keyQ;
     case SDL_SCANCODE_W: return keyW;
-    case SDL_SCANCODE_E: return 18;
+    case SDL_SCANCODE_E: return keyE;
     case SDL_SCANCODE_R: return keyR;
     case SDL_SCANCODE_T: return keyT;
     case SDL_SCANCODE_Y: return keyY;
-    case SDL_SCANCODE_U: return 22;
+    case SDL_SCANCODE_U: return keyU;
     case SDL_SCANCODE_I: return keyI;
     case SDL_SCANCODE_O: return keyO;
     case SDL_SCANCODE_P: return keyP;
     case SDL_SCANCODE_RETURN: return keyEnter;
-    case SDL_SCANCODE_KP_ENTER: return 156;
+    case SDL_SCANCODE_KP_ENTER: return keyPadEnter;
     case SDL_SCANCODE_LCTRL: return keyLeftCtrl;
     case SDL_SCANCODE_A: return keyA;
     case SDL_SCANCODE_S: return keyS;
-    case SDL_SCANCODE_D: return 32;
-    case SDL_SCANCODE_F: return 33;
+    case SDL_SCANCODE_D: return keyD;
+    case SDL_SCANCODE_F: return keyF;
     case SDL_SCANCODE_G: return keyG;
     case SDL_SCANCODE_H: return keyH;
-    case SDL_SCANCODE_J: return 36;
+    case SDL_SCANCODE_J: return keyJ;
     case SDL_SCANCODE_K: return keyK;
     case SDL_SCANCODE_L: return keyL;
     case SDL_SCANCODE_LSHIFT: return keyLeftShift;
@@ -92,8 +86,8 @@ int keyCodeOf(SDL_Scancode s) {
     case SDL_SCANCODE_C: return keyC;
     case SDL_SCANCODE_V: return keyV;
     case SDL_SCANCODE_B: return keyB;
-    case SDL_SCANCODE_N: return 49;
-    case SDL_SCANCODE_M: return 50;
+    case SDL_SCANCODE_N: return keyN;
+    case SDL_SCANCODE_M: return keyM;
     case SDL_SCANCODE_RSHIFT: return keyRightShift;
     case SDL_SCANCODE_SPACE: return keySpace;
     case SDL_SCANCODE_KP_7: return keyPad7;
@@ -107,10 +101,13 @@ int keyCodeOf(SDL_Scancode s) {
     case SDL_SCANCODE_KP_3: return keyPad3;
     case SDL_SCANCODE_KP_0: return keyPad0;
     case SDL_SCANCODE_RCTRL: return keyRightCtrl;
-    case SDL_SCANCODE_UP: return 200;
+    case SDL_SCANCODE_UP: return keyArrowUp;
     case SDL_SCANCODE_LEFT: return keyLeft;
     case SDL_SCANCODE_RIGHT: return keyRight;
-    case SDL_SCANCODE_DOWN: return 208;
+    case SDL_SCANCODE_DOWN: return keyArrowDown;
+    case SDL_SCANCODE_HOME: return keyHome;
+    case SDL_SCANCODE_END: return keyEnd;
+    case SDL_SCANCODE_DELETE: return keyDelete;
     default: return 0;
   }
 }
@@ -186,7 +183,7 @@ bool startWindow() {
     return false;
   }
   SDL_GL_SetSwapInterval(0);  // the program paces its own frames
-  SDL_EventState(SDL_DROPFILE, win.dropEnabled ? SDL_ENABLE : SDL_DISABLE);
+  SDL_EventState(SDL_DROPFILE, input::dropsEnabled() ? SDL_ENABLE : SDL_DISABLE);
   setIcon();
   return true;
 }
@@ -195,25 +192,19 @@ bool startWindow() {
 void mapMouse(int wx, int wy) {
   int ww = core().width, wh = core().height;
   if (win.window) SDL_GetWindowSize(win.window, &ww, &wh);
-  win.mouseX = ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx;
-  win.mouseY = wh > 0 ? static_cast<int>(static_cast<long long>(wy) * core().height / wh) : wy;
+  input::mouseMoved(ww > 0 ? static_cast<int>(static_cast<long long>(wx) * core().width / ww) : wx,
+                    wh > 0 ? static_cast<int>(static_cast<long long>(wy) * core().height / wh) : wy);
 }
 
+// Key repeats come as further downs and edit the active field again; Ctrl+V
+// pastes the clipboard into it.
 void handleKey(const SDL_KeyboardEvent& e, bool down) {
   const int code = keyCodeOf(e.keysym.scancode);
-  if (code > 0) win.keys[code] = down ? 1 : 0;
-  if (!down || !textInputActive()) return;
-  switch (e.keysym.sym) {
-    case SDLK_BACKSPACE: textInputKey(editKey::backspace); break;
-    case SDLK_DELETE: textInputKey(editKey::erase); break;
-    case SDLK_LEFT: textInputKey(editKey::left); break;
-    case SDLK_RIGHT: textInputKey(editKey::right); break;
-    case SDLK_HOME: textInputKey(editKey::home); break;
-    case SDLK_END: textInputKey(editKey::end); break;
-    case SDLK_RETURN:
-    case SDLK_KP_ENTER: textInputKey(editKey::enter); break;
-    case SDLK_ESCAPE: textInputKey(editKey::escape); break;
-    default: break;
+  if (code > 0) input::keyChanged(code, down);
+  if (down && code == keyV && (keyDown(keyLeftCtrl) || keyDown(keyRightCtrl)) && SDL_HasClipboardText()) {
+    char* text = SDL_GetClipboardText();
+    if (text != nullptr) input::textPasted(text);
+    SDL_free(text);
   }
 }
 
@@ -275,12 +266,13 @@ int stopLayer() {
     eglReleaseThread();
   }
   win = windowState{};
+  input::resetInput();
   return 0;
 }
 
 int processMessages() {
   if (win.closed) return -1;
-  if (win.window == nullptr) return 0;
+  if (win.window == nullptr) return input::stepInputScript();
   SDL_Event e;
   while (SDL_PollEvent(&e)) {
     switch (e.type) {
@@ -290,27 +282,28 @@ int processMessages() {
         if (e.window.event == SDL_WINDOWEVENT_FOCUS_GAINED) win.active = true;
         if (e.window.event == SDL_WINDOWEVENT_FOCUS_LOST) {
           win.active = false;
-          std::memset(win.keys, 0, sizeof win.keys);  // releases are not seen without focus
-          win.buttons = 0;
+          input::releaseAll();  // releases are not seen without focus
         }
         break;
       case SDL_KEYDOWN: handleKey(e.key, true); break;
       case SDL_KEYUP: handleKey(e.key, false); break;
-      case SDL_TEXTINPUT: textInputTyped(e.text.text); break;
+      case SDL_TEXTINPUT: input::textTyped(e.text.text); break;
       case SDL_MOUSEMOTION: mapMouse(e.motion.x, e.motion.y); break;
       case SDL_MOUSEBUTTONDOWN:
       case SDL_MOUSEBUTTONUP: {
         const int bit = e.button.button == SDL_BUTTON_LEFT    ? mouseLeft
                         : e.button.button == SDL_BUTTON_RIGHT ? mouseRight
                                                               : 0;
-        win.buttons = e.type == SDL_MOUSEBUTTONDOWN ? (win.buttons | bit) : (win.buttons & ~bit);
         mapMouse(e.button.x, e.button.y);
+        if (bit != 0) input::buttonChanged(bit, e.type == SDL_MOUSEBUTTONDOWN);
         break;
       }
-      case SDL_MOUSEWHEEL: win.wheel += e.wheel.direction == SDL_MOUSEWHEEL_FLIPPED ? -e.wheel.y : e.wheel.y; break;
+      case SDL_MOUSEWHEEL:
+        input::wheelTurned(e.wheel.direction == SDL_MOUSEWHEEL_FLIPPED ? -e.wheel.y : e.wheel.y);
+        break;
       case SDL_DROPFILE:
         if (e.drop.file != nullptr) {
-          if (win.dropEnabled) win.dropped.emplace_back(e.drop.file);
+          input::fileDropped(e.drop.file);
           SDL_free(e.drop.file);
         }
         break;
@@ -374,23 +367,8 @@ int setMenuItemEnabled(int, int) { return 0; }
 int windowActive() { return win.active ? 1 : 0; }
 
 int setFileDropEnabled(int flag) {
-  win.dropEnabled = flag != 0;
-  if (win.window) SDL_EventState(SDL_DROPFILE, win.dropEnabled ? SDL_ENABLE : SDL_DISABLE);
-  return 0;
-}
-
-int droppedFileCount() { return static_cast<int>(win.dropped.size()); }
-
-int droppedFilePath(char* buffer, int size) {
-  if (buffer && size > 0) buffer[0] = '\0';
-  if (win.dropped.empty()) return -1;
-  if (buffer && size > 0) std::snprintf(buffer, static_cast<std::size_t>(size), "%s", win.dropped.front().c_str());
-  win.dropped.pop_front();
-  return 0;
-}
-
-int clearDroppedFiles() {
-  win.dropped.clear();
+  input::enableDrops(flag != 0);
+  if (win.window) SDL_EventState(SDL_DROPFILE, flag ? SDL_ENABLE : SDL_DISABLE);
   return 0;
 }
 
@@ -413,38 +391,6 @@ int present() {
   SDL_GL_SwapWindow(win.window);
   bindTarget();
   return 0;
-}
-
-// ---------------------------------------------------------------- keyboard and mouse
-
-int keyDown(int code) { return code >= 0 && code < 256 && win.keys[code] ? 1 : 0; }
-
-int anyKeyDown(int kinds) {
-  int held = 0;
-  if (kinds & 1)
-    for (const std::uint8_t k : win.keys) held |= k;
-  if ((kinds & 4) && win.buttons != 0) held = 1;
-  return held;
-}
-
-int readKeyboard(std::uint8_t table[256]) {
-  if (table == nullptr) return -1;
-  std::memcpy(table, win.keys, 256);
-  return 0;
-}
-
-int mouseButtons() { return win.buttons; }
-
-int mousePosition(int* x, int* y) {
-  if (x) *x = win.mouseX;
-  if (y) *y = win.mouseY;
-  return 0;
-}
-
-int mouseWheel(int clear) {
-  const int notches = win.wheel;
-  if (clear) win.wheel = 0;
-  return notches;
 }
 
 }  // namespace marv

@@ -1,8 +1,10 @@
 // The headless backend of the drawing layer: no window, no screen.
-// processMessages returns 0 and no key or button is ever down. Images, pixel
-// images, fonts and text inputs get handles and sizes, so that the logic
-// above behaves as it does with a window; the camera converts points as the
-// window backend does; the clock is real.
+// processMessages returns 0, and no key or button is down unless a test hands
+// in an input script (layer/inputScript.h), which it plays frame by frame
+// into the shared input state as a window's events would. Images, pixel
+// images and fonts get handles and sizes, so that the logic above behaves as
+// it does with a window; the camera converts points as the window backend
+// does; the clock is real.
 //
 // A small CPU pixel path stands in for the pictures the logic reads back:
 // pictures load (PNG, BMP), clearing, filled boxes and pictures drawn at any
@@ -19,7 +21,9 @@
 #include <vector>
 
 #include "layer/camera.h"
+#include "layer/fontFaces.h"
 #include "layer/imageFile.h"
+#include "layer/inputDevices.h"
 #include "layer/layer.h"
 
 namespace marv {
@@ -40,16 +44,9 @@ struct headlessPixels {
   bool live = false;
 };
 
-struct headlessInput {
-  std::string text;
-  int maxLength = 0;  // [bytes]
-  bool live = false;
-};
-
 struct headlessState {
   std::vector<headlessImage> images;
   std::vector<headlessPixels> pixelImages;
-  std::vector<headlessInput> inputs;
   std::vector<int> fontSizes;                   // by handle; 0 once deleted
   int defaultFontSize = 16;                     // [px]
   int width = 640;                              // back buffer [px]
@@ -181,9 +178,10 @@ int nominalWidth(int fontSize, const char* format, va_list args) {
 int startLayer() { return 0; }
 int stopLayer() {
   state = headlessState{};
+  input::resetInput();
   return 0;
 }
-int processMessages() { return 0; }
+int processMessages() { return input::stepInputScript(); }
 int setLogging(int) { return 0; }
 int setTextCodePage(int) { return 0; }
 int setWindowedMode(int) { return 0; }
@@ -215,13 +213,10 @@ int setWindowPosition(int, int) { return 0; }
 int setWindowMenu(int) { return 0; }
 int setMenuItemEnabled(int, int) { return 0; }
 int windowActive() { return 1; }
-int setFileDropEnabled(int) { return 0; }
-int droppedFileCount() { return 0; }
-int droppedFilePath(char* buffer, int size) {
-  if (buffer && size > 0) buffer[0] = '\0';
-  return -1;
+int setFileDropEnabled(int flag) {
+  input::enableDrops(flag != 0);
+  return 0;
 }
-int clearDroppedFiles() { return 0; }
 
 // ---------------------------------------------------------------- frame control
 
@@ -292,6 +287,11 @@ int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth
   return made == count ? 0 : -1;
 }
 int imageSize(int image, int* width, int* height) {
+  if (image == backBuffer) {
+    if (width) *width = state.width;
+    if (height) *height = state.height;
+    return 0;
+  }
   const bool ok = liveHandle(state.images, image);
   if (width) *width = ok ? state.images[image].width : 0;
   if (height) *height = ok ? state.images[image].height : 0;
@@ -451,7 +451,7 @@ int makeFont(const char*, int size, int, int, int, int, int, int) {
   state.fontSizes.push_back(size > 0 ? size : state.defaultFontSize);
   return static_cast<int>(state.fontSizes.size()) - 1;
 }
-int fontExists(const char*, int) { return 0; }
+int fontExists(const char* name, int) { return faceInstalled(name) ? 1 : 0; }
 int deleteFont(int handle) {
   if (handle >= 0 && handle < static_cast<int>(state.fontSizes.size())) state.fontSizes[handle] = 0;
   return 0;
@@ -474,54 +474,13 @@ int textWidthInFont(int font, const char* format, ...) {
   return w;
 }
 
-// ---------------------------------------------------------------- keyboard and mouse
-
-int keyDown(int) { return 0; }
-int anyKeyDown(int) { return 0; }
-int readKeyboard(std::uint8_t table[256]) {
-  if (table) std::memset(table, 0, 256);
-  return 0;
-}
-int mouseButtons() { return 0; }
-int mousePosition(int* x, int* y) {
-  if (x) *x = 0;
-  if (y) *y = 0;
-  return 0;
-}
-int mouseWheel(int) { return 0; }
-
 // ---------------------------------------------------------------- text input fields
 
-int makeTextInput(int maxLength, int, int, int, int, int) {
-  if (state.inputs.empty()) state.inputs.emplace_back();
-  state.inputs.push_back({std::string(), maxLength > 0 ? maxLength : 0, true});
-  return static_cast<int>(state.inputs.size()) - 1;
+// The fields live in the shared part of the layer; here they are not drawn.
+int drawTextInput(int, int, int handle, int) {
+  input::fieldLook look;
+  return input::lookOfField(handle, look) ? 0 : -1;
 }
-int deleteTextInput(int handle) {
-  if (liveHandle(state.inputs, handle)) state.inputs[handle] = headlessInput{};
-  return 0;
-}
-int activateTextInput(int handle) { return liveHandle(state.inputs, handle) ? 0 : -1; }
-int setTextInputCursor(int, int handle) { return liveHandle(state.inputs, handle) ? 0 : -1; }
-int setTextInputClip(int, int, int, int, int handle) { return liveHandle(state.inputs, handle) ? 0 : -1; }
-int drawTextInput(int, int, int, int) { return 0; }
-int textInputState(int) { return 0; }
-int getTextInput(char* buffer, int size, int handle) {
-  if (buffer == nullptr || size <= 0) return -1;
-  buffer[0] = '\0';
-  if (!liveHandle(state.inputs, handle)) return -1;
-  std::snprintf(buffer, static_cast<std::size_t>(size), "%s", state.inputs[handle].text.c_str());
-  return 0;
-}
-int setTextInput(const char* text, int handle) {
-  if (!liveHandle(state.inputs, handle)) return -1;
-  headlessInput& in = state.inputs[handle];
-  in.text = text ? text : "";
-  if (in.maxLength > 0 && static_cast<int>(in.text.size()) > in.maxLength) in.text.resize(in.maxLength);
-  return 0;
-}
-int setTextInputColours(const int[17]) { return 0; }
-int setTextInputFont(int) { return 0; }
 
 // ---------------------------------------------------------------- backend facts
 

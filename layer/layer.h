@@ -55,6 +55,7 @@ struct matrix4 {
 };
 
 // Key codes: indices of the 256-entry key table and arguments of keyDown.
+// Keys that edit text fields (Backspace, Delete, Home, End) have codes too.
 enum keyCode : int {
   keyEsc = 1,
   key1 = 2,
@@ -67,11 +68,15 @@ enum keyCode : int {
   key8 = 9,
   key9 = 10,
   key0 = 11,
+  keyBackspace = 14,
+  keyTab = 15,
   keyQ = 16,
   keyW = 17,
+  keyE = 18,
   keyR = 19,
   keyT = 20,
   keyY = 21,
+  keyU = 22,
   keyI = 23,
   keyO = 24,
   keyP = 25,
@@ -79,8 +84,11 @@ enum keyCode : int {
   keyLeftCtrl = 29,
   keyA = 30,
   keyS = 31,
+  keyD = 32,
+  keyF = 33,
   keyG = 34,
   keyH = 35,
+  keyJ = 36,
   keyK = 37,
   keyL = 38,
   keyLeftShift = 42,
@@ -89,6 +97,8 @@ enum keyCode : int {
   keyC = 46,
   keyV = 47,
   keyB = 48,
+  keyN = 49,
+  keyM = 50,
   keyRightShift = 54,
   keySpace = 57,
   keyPad7 = 71,
@@ -101,9 +111,15 @@ enum keyCode : int {
   keyPad2 = 80,
   keyPad3 = 81,
   keyPad0 = 82,
+  keyPadEnter = 156,
   keyRightCtrl = 157,
+  keyHome = 199,
+  keyArrowUp = 200,
   keyLeft = 203,
   keyRight = 205,
+  keyEnd = 207,
+  keyArrowDown = 208,
+  keyDelete = 211,
 };
 
 constexpr int mouseLeft = 1;   // bit of mouseButtons
@@ -153,7 +169,7 @@ int loadImage(const char* path, int notFor3d);                 // from a file (B
 int loadImageResource(int id);                                 // from the program's pictures
 int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth, int cellHeight,
                          int* handles);                                              // cut a picture into cells
-int imageSize(int image, int* width, int* height);                                   // size of an image
+int imageSize(int image, int* width, int* height);                                   // size; also of backBuffer
 int drawImage(int x, int y, int image, int transparent);                             // at its own size
 int drawImageStretched(int x1, int y1, int x2, int y2, int image, int transparent);  // to a rectangle
 int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int image, int transparent, int flipX,

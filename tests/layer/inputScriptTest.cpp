@@ -1,0 +1,186 @@
+// Scripted input through the headless backend: held state and events arrive
+// frame by frame, text fields edit as a user would edit them, and the end of
+// a script can close the window.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "layer/inputScript.h"
+#include "layer/layer.h"
+
+namespace {
+
+using namespace marv;
+
+class scriptedInput : public ::testing::Test {
+ protected:
+  void TearDown() override { stopLayer(); }
+};
+
+std::string fieldText(int field) {
+  char text[64];
+  getTextInput(text, sizeof text, field);
+  return text;
+}
+
+// Plays a script of the frames through a field made with the given rules and
+// returns its text.
+std::string edit(std::vector<inputFrame> frames, int maxLength = 0, int singleByte = 0, int doubleOnly = 0) {
+  const int field = makeTextInput(maxLength, 1, singleByte, 0, doubleOnly, 0);
+  activateTextInput(field);
+  setInputScript(std::move(frames), false);
+  while (inputScriptFramesLeft() > 0) processMessages();
+  const std::string text = fieldText(field);
+  deleteTextInput(field);
+  return text;
+}
+
+inputFrame typing(const char* text, std::vector<int> taps = {}) {
+  inputFrame f;
+  f.typed = text;
+  f.keysTapped = std::move(taps);
+  return f;
+}
+
+TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
+  inputFrame press;
+  press.mouseX = 40;
+  press.mouseY = 30;
+  press.buttons = mouseLeft;
+  press.keysHeld = {keyLeftShift, keyX};
+  press.wheel = -2;
+  inputFrame move = press;
+  move.mouseX = 41;
+  move.buttons = mouseLeft | mouseRight;
+  move.keysHeld = {keyX};
+  move.wheel = 3;
+  inputFrame release;
+  release.mouseX = 41;
+  release.mouseY = 30;
+  setInputScript({press, move, release}, true);
+
+  EXPECT_EQ(mouseButtons(), 0) << "nothing arrives before the first processMessages";
+  ASSERT_EQ(processMessages(), 0);
+  int x = 0, y = 0;
+  mousePosition(&x, &y);
+  EXPECT_EQ(x, 40);
+  EXPECT_EQ(y, 30);
+  EXPECT_EQ(mouseButtons(), mouseLeft);
+  EXPECT_EQ(keyDown(keyLeftShift), 1);
+  EXPECT_EQ(keyDown(keyX), 1);
+  EXPECT_EQ(anyKeyDown(1), 1);
+
+  ASSERT_EQ(processMessages(), 0);
+  EXPECT_EQ(mouseButtons(), mouseLeft | mouseRight);
+  EXPECT_EQ(keyDown(keyLeftShift), 0) << "a key missing from the next frame is released";
+  std::uint8_t table[256];
+  readKeyboard(table);
+  int held = 0;
+  for (const std::uint8_t k : table) held += k;
+  EXPECT_EQ(held, 1);
+  EXPECT_EQ(table[keyX], 1);
+  EXPECT_EQ(mouseWheel(0), 1) << "notches add up until a clearing call";
+  EXPECT_EQ(mouseWheel(1), 1);
+  EXPECT_EQ(mouseWheel(1), 0);
+
+  ASSERT_EQ(processMessages(), 0);
+  EXPECT_EQ(anyKeyDown(7), 0);
+  EXPECT_EQ(inputScriptFramesLeft(), 0);
+  EXPECT_EQ(processMessages(), -1) << "the script closes the window after its last frame";
+  EXPECT_EQ(processMessages(), -1) << "and it stays closed";
+
+  setInputScript({inputFrame{}}, false);
+  EXPECT_EQ(processMessages(), 0) << "a new script opens the window again";
+  EXPECT_EQ(processMessages(), 0);
+  EXPECT_EQ(processMessages(), 0);
+}
+
+TEST_F(scriptedInput, aFrameCanCloseTheWindowAndTappedKeysDoNotStayDown) {
+  inputFrame tap;
+  tap.keysTapped = {keyEsc};
+  inputFrame close;
+  close.closeWindow = true;
+  setInputScript({tap, close, inputFrame{}}, false);
+  EXPECT_EQ(processMessages(), 0);
+  EXPECT_EQ(keyDown(keyEsc), 0);
+  EXPECT_EQ(processMessages(), -1);
+  EXPECT_EQ(processMessages(), -1);
+}
+
+TEST_F(scriptedInput, droppedPathsQueueOnlyWhileDropsAreEnabled) {
+  inputFrame drop;
+  drop.dropped = {"/tmp/a/param.txt", "/tmp/b"};
+  setInputScript({drop, drop}, false);
+  processMessages();
+  EXPECT_EQ(droppedFileCount(), 0);
+  setFileDropEnabled(1);
+  processMessages();
+  ASSERT_EQ(droppedFileCount(), 2);
+  char path[8];
+  ASSERT_EQ(droppedFilePath(path, sizeof path), 0);
+  EXPECT_STREQ(path, "/tmp/a/") << "the oldest first, cut to the buffer";
+  clearDroppedFiles();
+  EXPECT_EQ(droppedFilePath(path, sizeof path), -1);
+  EXPECT_STREQ(path, "");
+}
+
+TEST_F(scriptedInput, typingAndEditingKeysWorkOnWholeCharacters) {
+  // Home, Right, Delete removes "b"; End, Backspace removes "e".
+  EXPECT_EQ(edit({typing("abcde"), typing("", {keyHome, keyRight, keyDelete}), typing("X", {keyEnd, keyBackspace})}),
+            "aXcd");
+  // Japanese: three bytes a character; the cursor steps over whole ones.
+  const char* nihongo = "\xe6\x97\xa5\xe6\x9c\xac\xe8\xaa\x9e";  // three characters
+  EXPECT_EQ(edit({typing(nihongo, {keyLeft, keyBackspace}), typing("x", {keyRight, keyBackspace})}), "\xe6\x97\xa5x");
+  EXPECT_EQ(edit({typing("", {keyBackspace, keyDelete, keyLeft}), typing("ok", {keyRight, keyRight, keyDelete})}), "ok")
+      << "edits at either end of the text do nothing";
+}
+
+TEST_F(scriptedInput, fieldRulesRefuseTypedTextWholeAndTrimPastes) {
+  EXPECT_EQ(edit({typing("ab"), typing("\xc3\xa9"), typing("cde"), typing("fg")}, 6, 1), "abcde")
+      << "a non-ASCII character and a piece beyond 6 bytes are refused whole";
+  EXPECT_EQ(edit({typing("1"), typing("."), typing("5x"), typing("e-3"), typing(" ")}, 0, 0, 1), "1.e-3");
+
+  inputFrame paste;
+  paste.pasted = "12a.5\n99";
+  EXPECT_EQ(edit({paste}, 0, 0, 1), "12.5") << "refused characters are left out; a line break ends the paste";
+  paste.pasted = "x\xe6\x97\xa5yz";
+  EXPECT_EQ(edit({paste}, 5), "x\xe6\x97\xa5y") << "a paste stops where the field is full";
+}
+
+TEST_F(scriptedInput, enterFinishesEscCancelsOnlyWhereAllowed) {
+  const int strict = makeTextInput(0, 0, 1, 0, 0, 0);
+  const int lenient = makeTextInput(0, 1, 1, 0, 0, 0);
+  activateTextInput(strict);
+  setInputScript({typing("ab", {keyEsc}), typing("c", {keyEnter}), typing("z")}, false);
+  processMessages();
+  EXPECT_EQ(textInputState(strict), 0) << "Esc does not cancel a field that does not allow it";
+  processMessages();
+  EXPECT_EQ(textInputState(strict), 1);
+  processMessages();
+  EXPECT_EQ(fieldText(strict), "abc") << "a finished field takes no more keys";
+
+  activateTextInput(lenient);
+  inputFrame esc;
+  esc.keysHeld = {keyEsc};
+  setInputScript({esc, esc}, false);
+  processMessages();
+  processMessages();
+  EXPECT_EQ(textInputState(lenient), 2) << "a held key edits once, when it goes down";
+  EXPECT_EQ(keyDown(keyEsc), 1) << "and still shows in the key table";
+
+  activateTextInput(strict);
+  EXPECT_EQ(textInputState(strict), 0) << "activating a field starts editing again";
+  char cut[3];
+  getTextInput(cut, sizeof cut, strict);
+  EXPECT_STREQ(cut, "ab");
+  setTextInput("\xe6\x97\xa5", strict);
+  getTextInput(cut, sizeof cut, strict);
+  EXPECT_STREQ(cut, "") << "a copy never ends inside a character";
+  deleteTextInput(strict);
+  EXPECT_EQ(textInputState(strict), -1);
+  EXPECT_NE(activateTextInput(strict), 0);
+  EXPECT_EQ(drawTextInput(0, 0, lenient, 1), 0);
+  EXPECT_EQ(drawTextInput(0, 0, strict, 1), -1);
+}
+
+}  // namespace
