@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "app/fontSet.h"
 #include "domain/bcDomain.h"
 #include "domain/bitmapDomain.h"
 #include "domain/bmpTxt.h"
@@ -220,6 +221,7 @@ int runPass(const passStages& stages, driverState& state) {
       setDrawTarget(backBuffer);
       present();
       clearDrawTarget();
+      buildFonts(cfg);
     }
     state.solver = makeSolver(cfg, domain);
     fetchViews(state, cfg);

@@ -33,19 +33,6 @@ void drawHelpList(sceneView& scene, const appConfig& cfg) {
            c.black, 0, 2.0f);
 }
 
-void drawQuitPrompt(const sceneView& scene, const appConfig& cfg) {
-  static const char* const lines[] = {"Do you want to terminate the simulation?", "Press OK to terminate.",
-                                      "Press CANCEL to continue the simulation.", "(Enter: continue, Q: terminate)"};
-  const sceneColours& c = scene.colours;
-  const int h = cfg.textHeight, w = 24 * h;
-  const int x = (cfg.screenWidth - w) / 2, y = cfg.marginTop + h;
-  setBlend(1, 230);
-  drawBox(x, y, x + w, y + 6 * h, c.white, 1);
-  setBlend(0, 0);
-  drawBox(x, y, x + w, y + 6 * h, c.black, 0);
-  for (int i = 0; i < 4; ++i) drawText(x + h / 2, y + h / 2 + i * (h + h / 4), lines[i], c.black, cfg.fontBody, 0, 0);
-}
-
 void drawPlacementBand(const sceneView& scene, const appConfig& cfg, const char* text) {
   drawBox(0, cfg.screenHeight - cfg.marginBottom, cfg.colourBarX + cfg.sceneWidth, cfg.screenHeight, colour(41, 57, 85),
           1);  // the panel colour

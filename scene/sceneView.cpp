@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "app/catalogue.h"
+#include "app/fontSet.h"
 #include "scene/boundaries3d.h"
 #include "scene/camera3d.h"
 #include "scene/colourScale.h"
@@ -17,17 +19,9 @@ namespace marv {
 
 namespace {
 
-const char* const placementText3d = "Constructed 3D domain. Press ENTER to start the simulation, ESC to cancel.";
-const char* const placementText2d = "Constructed 2D domain. Press ENTER to start the simulation, ESC to cancel.";
-
-// The fonts the picture writes with, made here only when nobody built them.
-void ensureFonts(appConfig& cfg) {
-  const int h = cfg.textHeight, t = cfg.fontThickness;
-  if (cfg.captionSize <= 0) cfg.captionSize = static_cast<int>(0.85 * h);
-  if (cfg.fixedBold < 0) cfg.fixedBold = makeFont("Consolas", h, t + 2, 18, -1, 0, 0, 0);
-  if (cfg.fontCaption < 0) cfg.fontCaption = makeFont("Consolas", cfg.captionSize, t + 1, 18, -1, 0, 0, 0);
-  if (cfg.fontBody < 0) cfg.fontBody = makeFont("Consolas", h, t, 18, -1, 0, 0, 0);
-}
+constexpr int quitText = 42;         // catalogue: the quit question
+constexpr int placement3dText = 51;  // catalogue: the band of 3D placement
+constexpr int placement2dText = 52;  // catalogue: the band of 2D placement
 
 int showFlagOf(const appConfig& cfg, int id) {
   switch (id) {
@@ -102,7 +96,7 @@ void drawPlacement(sceneView& scene, appConfig& cfg, fieldViews& views) {
     drawBoundaries2d(scene, cfg, true);
   }
   cfg.drawEndMs = nowMs();
-  drawPlacementBand(scene, cfg, scene.is3d ? placementText3d : placementText2d);
+  drawPlacementBand(scene, cfg, scene.is3d ? scene.placementText3d.c_str() : scene.placementText2d.c_str());
 }
 
 }  // namespace
@@ -150,7 +144,14 @@ void constructScene(sceneView& scene, appConfig& cfg, bcDomain& domain) {
 }
 
 void setUpScene(sceneView& scene, appConfig& cfg) {
-  ensureFonts(cfg);
+  buildFonts(cfg);
+  const bool japanese = cfg.uiJapanese != 0;
+  scene.promptText = catalogueText(quitText, japanese);
+  scene.placementText3d = catalogueText(placement3dText, japanese);
+  scene.placementText2d = catalogueText(placement2dText, japanese);
+  destroyTextBox(scene.promptBox);
+  scene.promptBox = makeTextBox(cfg.textHeight, cfg.fontBody);
+  setTextBoxButtons(scene.promptBox, 5);
   scene.grad = makeGradOperator(cfg.dx, cfg.dy, cfg.dz);
   layOutCells(scene, cfg);
   if (scene.is3d) {
@@ -201,12 +202,17 @@ void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
     cfg.drawEndMs = nowMs();
     drawStatus(scene, cfg);
   }
-  if (cfg.quitPromptFlag == 1) drawQuitPrompt(scene, cfg);
+  if (cfg.quitPromptFlag == 1) {
+    const int answer = showTextBox(scene.promptBox, scene.promptText.c_str(), 1, 0);
+    if (answer == 1) cfg.quitConfirmed = 1;
+    if (answer == -1) cfg.quitPromptFlag = 0;
+  }
   if (cfg.showHelpShortcutFlag == 1) drawHelpList(scene, cfg);
 }
 
 void destroyScene(sceneView& scene) {
   deleteImage(scene.helpImage);
+  destroyTextBox(scene.promptBox);
   scene = sceneView{};
 }
 

@@ -23,6 +23,7 @@
 #include "scene/velocityStatistics.h"
 #include "solver/fieldViews.h"
 #include "solver/gradOperator.h"
+#include "widgets/textBox.h"
 
 namespace marv {
 
@@ -100,7 +101,10 @@ struct sceneView {
   int lastEmitStep = -10000, emitInterval = 50, particlesReady = 0, seedCount = 0, particlesActive = 0;
 
   // ---------------------------------------------------------------- text
-  const std::string* windowTitle = nullptr;  // the driver's window title, not owned
+  const std::string* windowTitle = nullptr;      // the driver's window title, not owned
+  textBox promptBox;                             // the quit question with OK and Cancel
+  std::string promptText;                        // its text, in the language of the screens
+  std::string placementText2d, placementText3d;  // the band of placement mode
   char statusLine1[512] = "";
   char statusLine2[512] = "";
   char titleLine[1024] = "";
