@@ -98,12 +98,12 @@ enum class commandKind : int { clear = 0, vertices = 1, boxes = 2 };
 // One command of the pending frame.
 struct command {
   commandKind kind = commandKind::vertices;
-  int target = backBuffer;  // draw target handle
-  batchKey key;             // how its primitives are drawn
-  int first = 0;            // first vertex or box record
-  int count = 0;            // vertices or box records
-  unsigned serial = 0;      // state serial when recorded; a change starts a new command
-  bool live = true;         // false once a later clear of its target made it pointless
+  int target = backBuffer;   // draw target handle
+  batchKey key;              // how its primitives are drawn
+  int first = 0;             // first vertex or box record
+  int count = 0;             // vertices or box records
+  unsigned serial = 0;       // state serial when recorded; a change starts a new command
+  bool live = true;          // false once a later clear of its target made it pointless
   float background[4] = {};  // colour of a clear
   drawUniforms uniforms;     // of a draw
   int uploadFirst = 0;       // first vertex in the upload, set while rasterising
