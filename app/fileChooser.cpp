@@ -67,6 +67,7 @@ std::string chooserInWindow(appConfig& cfg, const std::string& title, bool savin
   std::error_code error;
   std::string folder = fs::current_path(error).string();
   const int field = makeTextInput(399, 0, 1, 0, 0, 0);
+  setTextInputFont(cfg.fontBody);
   setTextInput((folder + "/").c_str(), field);
   activateTextInput(field);
   setTextInputCursor(static_cast<int>(folder.size()) + 1, field);
@@ -107,10 +108,10 @@ std::string chooserInWindow(appConfig& cfg, const std::string& title, bool savin
     drawBox(0, 0, width, height, colour(250, 252, 255), 1);
     drawText(g * 2, g, title.c_str(), colour(0, 0, 0), cfg.fontBold, 0, 0);
     const int fieldY = 2 * h;
-    drawBox(2 * g, fieldY - g / 2, width - 2 * g, fieldY + h + g / 2, colour(255, 255, 255), 1);
-    setTextInputClip(2 * g, fieldY, width - 2 * g, fieldY + h, field);
+    drawBox(2 * g, fieldY - g / 2, width - 2 * g, fieldY + h + g, colour(255, 255, 255), 1);
+    setTextInputClip(2 * g, fieldY - g / 2, width - 2 * g, fieldY + h + g, field);
     drawTextInput(3 * g, fieldY, field, 1);
-    drawLine(2 * g, fieldY + h + g / 2, width - 2 * g, fieldY + h + g / 2, colour(0, 120, 200), 1);
+    drawLine(2 * g, fieldY + h + g, width - 2 * g, fieldY + h + g, colour(0, 120, 200), 1);
     scroll = std::clamp(scroll - in.wheel * 3, 0, std::max(0, static_cast<int>(entries.size()) - visible));
     for (int i = 0; i < visible && scroll + i < static_cast<int>(entries.size()); ++i) {
       const int e = scroll + i;
@@ -143,6 +144,13 @@ std::string chooserInWindow(appConfig& cfg, const std::string& title, bool savin
     if (goUp) enter(fs::path(folder).parent_path().string());
     if (goOpen || (settled && textInputState(field) == 1)) {
       std::string path = typed;
+      // A path typed behind the folder shown starts anew at its "/" or "~/",
+      // as in the desktop's own dialogs.
+      const std::size_t restart = path.rfind("//");
+      if (restart != std::string::npos) path = path.substr(restart + 1);
+      const std::size_t home = path.rfind("/~/");
+      if (home != std::string::npos && std::getenv("HOME") != nullptr)
+        path = std::string(std::getenv("HOME")) + path.substr(home + 2);
       if (saving) {
         // A bare name is made in the folder shown.
         if (!path.empty() && path[0] != '/') path = folder + "/" + path;
@@ -155,6 +163,7 @@ std::string chooserInWindow(appConfig& cfg, const std::string& title, bool savin
     endScreenFrame();
   }
   deleteTextInput(field);
+  setTextInputFont(cfg.fixedInput);
   freeButtonTiles(tiles);
   cfg.lastKeyMs = nowMs();
   return result;

@@ -103,10 +103,6 @@ int runPlacement(appConfig& cfg, bcDomain& domain, sceneView& scene, inputState&
     if (cfg.stlPresent) applyDragMove(domain, cfg);
     runControlPanel(panel, cfg);
     if (cfg.snapshotRequested && cfg.ts <= cfg.latts) saveSnapshot(cfg);
-    const std::string status = screenText(cfg, cfg.nz > 1 ? 51 : 52);
-    const int statusY = cfg.screenHeight - cfg.textHeight - cfg.textGap;
-    drawBox(0, statusY, cfg.screenWidth, cfg.screenHeight, colour(41, 57, 85), 1);
-    drawText(cfg.marginLeft, statusY + cfg.textGap / 2, status.c_str(), colour(255, 255, 255), cfg.fontTiny, 0, 0);
     const screenInput in = readScreenInput();
     outcome = placementControls(st, domain, cfg, in);
     endScreenFrame();

@@ -572,6 +572,7 @@ int runEditorScreen(editorScreen& screen, parameterEditor& ed, appConfig& cfg) {
     endScreenFrame();
   }
   cfg.lastKeyMs = nowMs();
+  setTextInputFont(cfg.fixedInput);
   destroyEditorScreen(screen);
   return result;
 }

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "app/screenFrame.h"
 #include "layer/layer.h"
 
 namespace marv {
@@ -84,35 +85,20 @@ bool hoverRow(const appConfig& cfg, const screenInput& in, int x, int y, int wid
 void drawCommonFrame(projectWizard& w, appConfig& cfg, const screenInput& in, bool& cancel, bool& proceed) {
   const int width = cfg.startWidth, height = cfg.startHeight;
   drawBox(0, 0, width, height, colour(250, 252, 255), 1);
-  setBlend(1, 40);
-  for (int i = 0; i < 24; ++i) {
-    const double t = in.now * 0.03 * (1 + i % 3);
-    const int r = static_cast<int>((1 + i % 3) * 0.3 * cfg.textHeight);
-    const int x = static_cast<int>(std::fmod(i * 97.0 + t, width + 4.0 * r)) - 2 * r;
-    const int y = static_cast<int>((i * 53) % height + 0.06 * height * std::cos(i + 6.2832 * in.now / 5000.0));
-    drawCircle(x, y, r, colour(0, 176, 240), 1, 1);
-  }
-  setBlend(0, 0);
-  const int word = textWidthInFont(cfg.logoFont, "Marvanesse");
-  const int plus = textWidthInFont(cfg.logoPlusFont, "+");
-  const int logoX = width - w.listLeft - word - plus;
-  drawText(logoX, 8 * cfg.textGap, "Marvanesse", colour(0, 120, 200), cfg.logoFont, 0, 0);
-  drawText(logoX + word, 8 * cfg.textGap - cfg.textGap, "+", colour(0, 120, 200), cfg.logoPlusFont, 0, 0);
+  drawBackdrop(cfg, 0.03);
+  // The product word at the right, its right end listLeft from the edge.
+  const int logoWidth = textWidthInFont(cfg.logoFont, "Marvanesse") + textWidthInFont(cfg.logoPlusFont, "+");
+  drawLogo(cfg, width - w.listLeft - logoWidth, 8 * cfg.textGap, colour(0, 120, 200), colour(90, 90, 90), 0, nullptr);
   drawText(w.listLeft, height - cfg.textHeight - cfg.textGap, cfg.footerText.c_str(), colour(120, 120, 120),
            cfg.fontTiny, 0, 0);
   cancel = clickButton(w.cancel, cfg.cancelX, cfg.cancelY, cfg.buttonSize, in);
   proceed = clickButton(w.proceed, cfg.proceedX, cfg.proceedY, cfg.buttonSize, in);
   drawScreenButton(w.cancel, w.tiles, tileCancel, "Cancel", cfg.fontCaption);
   drawScreenButton(w.proceed, w.tiles, tileProceed, "Proceed", cfg.fontCaption);
-  // The proceed hint, right-aligned to the right edge of "Proceed".
-  const std::string hint1 = screenText(cfg, 34), hint2 = screenText(cfg, 35);
-  const int right = cfg.proceedX + cfg.buttonSize;
+  // The proceed hint, right-aligned to the right edge of "Proceed", its
+  // lower line ending textGap above the buttons.
   const int lineH = cfg.tinySize > 0 ? cfg.tinySize : cfg.textHeight * 7 / 10;
-  const int y2 = cfg.proceedY - cfg.textGap - lineH;
-  drawText(right - textWidthInFont(cfg.fontTiny, "%s", hint1.c_str()), y2 - lineH, hint1.c_str(), colour(90, 90, 90),
-           cfg.fontTiny, 0, 0);
-  drawText(right - textWidthInFont(cfg.fontTiny, "%s", hint2.c_str()), y2, hint2.c_str(), colour(90, 90, 90),
-           cfg.fontTiny, 0, 0);
+  drawProceedHint(cfg, cfg.proceedX + cfg.buttonSize, cfg.proceedY - cfg.textGap - 2 * lineH, cfg.fontTiny, lineH);
 }
 
 template <typename frameFunction>
