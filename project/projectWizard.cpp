@@ -282,6 +282,8 @@ int sourceScreenFrame(projectWizard& w, appConfig& cfg, const screenInput& in, c
                   8, colour(0, 120, 200), 0, 2.0f);
   int y = cfg.startHeight / 4;
   auto centred = [&](const std::string& text, int font, std::uint32_t c, int height) {
+    // A line too wide for the box takes the caption font.
+    if (textWidthInFont(font, "%s", text.c_str()) > x2 - x1 - 2 * inset) font = cfg.fontCaption;
     drawText((cfg.startWidth - textWidthInFont(font, "%s", text.c_str())) / 2, y, text.c_str(), c, font, 0, 0);
     y += height + cfg.textGap;
   };
