@@ -358,7 +358,11 @@ int confirmScreenFrame(projectWizard& w, appConfig& cfg, const screenInput& in) 
   drawCommonFrame(w, cfg, in, cancel, proceed);
   const int pitch = 2 * cfg.textHeight;
   const int labelX = w.listLeft;
-  const int valueX = w.listLeft + 16 * cfg.textHeight;
+  // Values stand one text height right of the widest label.
+  int labelWidth = 0;
+  for (int label : {24, 27, 28, 29})
+    labelWidth = std::max(labelWidth, textWidthInFont(cfg.fontBold, "%s", screenText(cfg, label).c_str()));
+  const int valueX = w.listLeft + labelWidth + cfg.textHeight;
   int y = w.listTop;
   auto row = [&](int label, const std::string& value) {
     drawText(labelX, y, screenText(cfg, label).c_str(), black, cfg.fontBold, 0, 0);
