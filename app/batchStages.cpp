@@ -94,7 +94,7 @@ int bitmapStage(appConfig& cfg) {
   cfg.progressToTerminal = options.quiet ? 0 : 1;
   return readBoundaryBitmaps(cfg, [&cfg](const std::string& text) { batchMessage(cfg, text.c_str()); });
 }
-int acceptPlacement(driverState&, appConfig&) { return 1; }
+int acceptPlacement(appConfig&, passObjects&) { return 1; }
 
 }  // namespace
 

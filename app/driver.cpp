@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "app/fontSet.h"
 #include "app/menuCommands.h"
 #include "domain/bcDomain.h"
 #include "domain/bitmapDomain.h"
@@ -53,16 +54,6 @@ bool running(const appConfig& cfg) {
          cfg.analysisMode == 0;
 }
 
-// Smoothed time per step, kept as the status line keeps it.
-void smoothStepTime(appConfig& cfg) {
-  const double solveMs = cfg.solveEndMs - cfg.solveStartMs;
-  const double drawMs = cfg.drawEndMs - cfg.solveEndMs;
-  if (cfg.ts == cfg.sts + 1)
-    cfg.stepMsSmoothed = solveMs + drawMs;
-  else if (running(cfg))
-    cfg.stepMsSmoothed = (20.0 * cfg.stepMsSmoothed + solveMs + drawMs) / 21.0;
-}
-
 // The run (step 23 of a pass). Returns -1 when the window was closed.
 int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneView& scene, inputState& input,
             controlPanel& panel, bcDomain& domain) {
@@ -96,7 +87,6 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
       writeStepResults(cfg, state.views);
-      smoothStepTime(cfg);
       if (presentThisStep(cfg)) present();
       clearDrawTarget();
       cfg.solveStartMs = nowMs();
@@ -212,6 +202,7 @@ int runPass(const passStages& stages, driverState& state) {
   constructDomain(domain, cfg);
   sceneView scene;
   constructScene(scene, cfg, domain);
+  scene.windowTitle = &state.windowTitle;
   inputState input;
   resetInputState(input);
 
@@ -223,12 +214,28 @@ int runPass(const passStages& stages, driverState& state) {
       destroyScene(scene);
       return endPass(0);
     }
+    if (r == 1) {
+      // The window takes the run's size, centred where the bitmap stage stood.
+      int x = 0, y = 0;
+      windowPosition(&x, &y);
+      setGraphicsMode(cfg.screenWidth, cfg.screenHeight, 32, 60);
+      const int cx = x + (cfg.colourBarX + cfg.bitmapScreenWidth) / 2, cy = y + cfg.bitmapScreenHeight / 2;
+      setWindowPosition(cx - cfg.screenWidth / 2, cy - cfg.screenHeight / 2);
+      setDrawTarget(backBuffer);
+      present();
+      clearDrawTarget();
+      buildFonts(cfg);
+    }
     state.solver = makeSolver(cfg, domain);
     fetchViews(state, cfg);
     prepareFromInputs(domain, cfg);
     setUpScene(scene, cfg);
     if (r != 0) break;
-    // The preview needs the window: without one it shows once and returns.
+    // The preview, while the button is held; then the same bitmap again.
+    if (stages.bitmapPreview) {
+      passObjects objects{&domain, &scene, &input, nullptr, &state.views};
+      stages.bitmapPreview(cfg, objects);
+    }
     state.solver.reset();
     state.views = fieldViews{};
   }
@@ -237,7 +244,8 @@ int runPass(const passStages& stages, driverState& state) {
   constructControlPanel(panel, cfg);
   writeBmpTxt(cfg);
   syncViz(cfg, 1);
-  const int placed = stages.placementStage ? stages.placementStage(state, cfg) : 1;
+  passObjects objects{&domain, &scene, &input, &panel, &state.views};
+  const int placed = stages.placementStage ? stages.placementStage(cfg, objects) : 1;
   if (placed == 1) {
     if (!cfg.analysisMode) {
       // The placement values go back into the list: offsets and angles by

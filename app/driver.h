@@ -9,8 +9,10 @@
 
 #include "app/appConfig.h"
 #include "project/parameterEditor.h"
+#include "scene/inputState.h"
 #include "scene/sceneView.h"
 #include "solver/solverCommon.h"
+#include "widgets/controlPanel.h"
 
 namespace marv {
 
@@ -33,6 +35,15 @@ struct driverState {
   int refusals = 0;                      // passes that a stage ended early
 };
 
+// The objects of a pass that the later stages draw with and act on.
+struct passObjects {
+  bcDomain* domain = nullptr;
+  sceneView* scene = nullptr;
+  inputState* input = nullptr;
+  controlPanel* panel = nullptr;
+  fieldViews* views = nullptr;
+};
+
 // The screens of a pass. Each returns the stage's result as the driver
 // expects it; a null entry accepts at once.
 struct passStages {
@@ -43,7 +54,8 @@ struct passStages {
   int (*confirmScreen)(driverState&, appConfig&) = nullptr;              // 1: in the project folder
   int (*parameterEditorScreen)(parameterEditor&, appConfig&) = nullptr;  // 1 accepted
   int (*bitmapStage)(appConfig&) = nullptr;                              // 1 done, 0 preview, -1 cancelled
-  int (*placementStage)(driverState&, appConfig&) = nullptr;             // 1 proceed, -1 cancel
+  void (*bitmapPreview)(appConfig&, passObjects&) = nullptr;             // shown after a result 0
+  int (*placementStage)(appConfig&, passObjects&) = nullptr;             // 1 proceed, -1 cancel
   messageSink showMessage = nullptr;                                     // dialog with OK
   void (*runStep)(appConfig&, bool final) = nullptr;  // after each cycle of the run loop; may end the run
   bool onePass = false;                               // stop after the first pass (batch)

@@ -1,44 +1,13 @@
 // marvanesse: the window program. It takes no arguments. It brings up the
-// window with the settings of the first pass and runs the driver; until the
-// project screens exist the pass shows a stand-in start screen
-// (app/startScreen.h), which leads to a new pass and so back to itself.
-#include <cstdio>
-#include <cstdlib>
-
+// window with the settings of the first pass and runs the driver with the
+// window's screens: the project choice, the parameter editor, the bitmap
+// stage, the placement and the live run, pass after pass until the window
+// closes. The menu bar's commands reach the driver's state from inside
+// processMessages.
 #include "app/driver.h"
 #include "app/menuCommands.h"
-#include "app/startScreen.h"
+#include "app/windowStages.h"
 #include "layer/layer.h"
-
-namespace {
-
-constexpr int frameMs = 16;  // pause per frame of the start screen [ms]
-
-// Closing the window ends the process at once, without teardown.
-void endWithWindow() {
-  marv::stopLayer();
-  std::exit(0);
-}
-
-// The start screen's loop: a frame, present, wait, the window's messages.
-int runStartScreen(marv::driverState&, marv::appConfig& cfg) {
-  using namespace marv;
-  startScreen screen;
-  openStartScreen(screen, cfg);
-  for (;;) {
-    const int result = startScreenFrame(screen, cfg);
-    present();
-    waitMs(frameMs);
-    if (processMessages() == -1) endWithWindow();
-    if (result != 0) {
-      closeStartScreen(screen);
-      // Nothing lies beyond this screen yet: either way a new pass shows it again.
-      return -1;
-    }
-  }
-}
-
-}  // namespace
 
 int main() {
   using namespace marv;
@@ -56,15 +25,12 @@ int main() {
   if (startLayer() != 0) return -1;
   setDrawTarget(backBuffer);
 
-  passStages stages;
-  stages.startScreen = runStartScreen;
   driverState state;
-  // The menu's commands reach the driver's state from inside processMessages.
+  const passStages stages = windowStages();
   static menuHook hook;
   hook.state = &state;
   hook.message = menuMessageBox;
+  hook.dialog = menuFileDialog;
   installMenuHook(hook);
-  stages.askNewProjectPath = [](driverState&) { return askNewProjectPath(hook); };
-  stages.askExistingProjectPath = [](driverState&) { return askExistingProjectPath(hook); };
   return runDriver(stages, state);
 }

@@ -1,8 +1,8 @@
 // The renderer of the OpenGL backend: one shader program for every shape,
-// the vertex batch and its flush, draw targets as framebuffers, and the
-// frame state operations (draw target, clear, blend, depth).
+// the pending frame and its rasterisation, draw targets as framebuffers, and
+// the frame state operations (draw target, clear, blend, depth).
 //
-// Sections: shaders | renderer life | batch | targets and images | frame control
+// Sections: shaders | renderer life | recording | rasterising | targets and images | frame control
 //
 // Everything is drawn into framebuffers whose rows run top-down, as the
 // pixels of the layer do: row 0 is the top of the picture. Reading back and
@@ -19,8 +19,12 @@ namespace marv::gl {
 
 namespace {
 
-// Vertices one batch holds: 32768 boxes, 65536 triangles [-].
+// Vertices of one draw call: 49152 boxes, 65536 triangles [-].
 constexpr int batchCapacity = 196608;
+// Pending vertices (and box records) beyond which the frame is rasterised
+// before it grows further: 160 MB of vertices, 40 MB of boxes.
+constexpr int pendingVertexLimit = 1 << 22;
+constexpr int pendingBoxLimit = 1 << 21;
 constexpr float ambientShare = 0.3f;  // light every lit surface gets without the lamp [-]
 
 enum uniformSlot { uMatrix, uLit, uLightPos, uAtten, uEye, uTextured, uTexAlpha, uGlyphs, uAlphaScale, uTex };
@@ -116,7 +120,10 @@ matrix4 pixelMatrix(int width, int height) {
   return m;
 }
 
-void applyKey(const batchKey& k) {
+// The uniforms a run of primitives recorded now is drawn with: the camera
+// (3D) or the pixel grid (2D) of the current target, and the light.
+drawUniforms uniformsNow(const batchKey& k) {
+  drawUniforms u;
   const image* target = imageOf(state.target);
   const int w = target ? target->width : state.width;
   const int h = target ? target->height : state.height;
@@ -124,16 +131,24 @@ void applyKey(const batchKey& k) {
     cameraState cam = state.camera;
     cam.width = w;
     cam.height = h;
-    uploadMatrix(uMatrix, multiply(projectionMatrix(cam), viewMatrix(cam)));
+    u.matrix = multiply(projectionMatrix(cam), viewMatrix(cam));
   } else {
-    uploadMatrix(uMatrix, pixelMatrix(w, h));
+    u.matrix = pixelMatrix(w, h);
   }
+  u.light = state.light;
+  u.eye = state.camera.position;
+  return u;
+}
+
+void applyCommand(const command& c) {
+  const batchKey& k = c.key;
+  uploadMatrix(uMatrix, c.uniforms.matrix);
   glUniform1i(state.uniforms[uLit], k.lit ? 1 : 0);
   if (k.lit) {
-    const lightState& l = state.light;
+    const lightState& l = c.uniforms.light;
     glUniform3f(state.uniforms[uLightPos], l.position.x, l.position.y, l.position.z);
     glUniform4f(state.uniforms[uAtten], l.a0, l.a1, l.a2, l.range);
-    const vec3 e = state.camera.position;
+    const vec3 e = c.uniforms.eye;
     glUniform3f(state.uniforms[uEye], e.x, e.y, e.z);
   }
   glUniform1i(state.uniforms[uTextured], k.texture != 0 ? 1 : 0);
@@ -154,6 +169,33 @@ void applyKey(const batchKey& k) {
   } else {
     glDisable(GL_SCISSOR_TEST);
   }
+}
+
+// Binds the framebuffer of a target handle; false when it is gone.
+bool bindHandle(int handle) {
+  image* target = imageOf(handle);
+  if (target == nullptr || target->framebuffer == 0) return false;
+  glBindFramebuffer(GL_FRAMEBUFFER, target->framebuffer);
+  glViewport(0, 0, target->width, target->height);
+  return true;
+}
+
+// Starts a new command at the end of the pending frame.
+command& startCommand(commandKind kind, const batchKey& k, int first) {
+  command c;
+  c.kind = kind;
+  c.target = state.target;
+  c.key = k;
+  c.first = first;
+  c.serial = state.serial;
+  if (kind != commandKind::clear) c.uniforms = uniformsNow(k);
+  state.commands.push_back(c);
+  return state.commands.back();
+}
+
+template <class T>
+void growTo(std::vector<T>& v, std::size_t n) {
+  if (v.size() < n) v.resize(std::max(n, 2 * v.size()));
 }
 
 }  // namespace
@@ -194,6 +236,7 @@ bool startRenderer(int width, int height) {
   glGenBuffers(1, &state.vbo);
   glBindBuffer(GL_ARRAY_BUFFER, state.vbo);
   glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(batchCapacity * sizeof(vertex)), nullptr, GL_STREAM_DRAW);
+  state.bufferCapacity = batchCapacity;
   const GLsizei stride = sizeof(vertex);
   glEnableVertexAttribArray(0);
   glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, stride, reinterpret_cast<void*>(offsetof(vertex, x)));
@@ -223,6 +266,8 @@ bool startRenderer(int width, int height) {
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   state.vertices.assign(batchCapacity, vertex{});
   state.vertexCount = 0;
+  state.boxCount = 0;
+  state.commands.clear();
   state.ready = true;
   resizeBackBuffer(width, height);
   return state.backImage.framebuffer != 0;
@@ -261,27 +306,133 @@ batchKey key3d(primitive kind, bool lit) {
 
 vertex* reserve(const batchKey& k, int n) {
   if (!state.ready || n <= 0 || n > batchCapacity) return nullptr;
-  if (state.vertexCount > 0 && (!(state.key == k) || state.vertexCount + n > batchCapacity)) flush();
-  state.key = k;
+  if (state.vertexCount + n > pendingVertexLimit) flush();
+  command* last = state.commands.empty() ? nullptr : &state.commands.back();
+  const bool joins = last != nullptr && last->kind == commandKind::vertices && last->live &&
+                     last->serial == state.serial && last->count + n <= batchCapacity && last->key == k;
+  if (!joins) last = &startCommand(commandKind::vertices, k, state.vertexCount);
+  growTo(state.vertices, static_cast<std::size_t>(state.vertexCount) + n);
   vertex* at = state.vertices.data() + state.vertexCount;
   state.vertexCount += n;
+  last->count += n;
   return at;
 }
 
+void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour) {
+  if (!state.ready) return;
+  if (state.boxCount >= pendingBoxLimit) flush();
+  command* last = state.commands.empty() ? nullptr : &state.commands.back();
+  // The usual case, box after box in the same state, only compares serials.
+  if (last == nullptr || last->kind != commandKind::boxes || !last->live || last->serial != state.serial ||
+      4 * (last->count + 1) > batchCapacity)
+    last = &startCommand(commandKind::boxes, key2d(primitive::quads), state.boxCount);
+  growTo(state.boxes, static_cast<std::size_t>(state.boxCount) + 1);
+  state.boxes[state.boxCount++] = boxRecord{x1, y1, x2, y2, colour};
+  ++last->count;
+}
+
+void recordClear() {
+  if (!state.ready) return;
+  const image* target = imageOf(state.target);
+  const unsigned texture = target != nullptr && state.target != backBuffer ? target->texture : 0;
+  // Commands after the last one that samples this target's picture draw
+  // into pixels that the clear overwrites before anyone sees them.
+  int lastRead = -1;
+  if (texture != 0)
+    for (int i = static_cast<int>(state.commands.size()) - 1; i >= 0; --i)
+      if (state.commands[i].live && state.commands[i].key.texture == texture) {
+        lastRead = i;
+        break;
+      }
+  bool anyLive = false;
+  for (int i = 0; i < static_cast<int>(state.commands.size()); ++i) {
+    command& c = state.commands[i];
+    if (i > lastRead && c.target == state.target) c.live = false;
+    anyLive = anyLive || c.live;
+  }
+  if (!anyLive) {
+    state.commands.clear();
+    state.vertexCount = 0;
+    state.boxCount = 0;
+  }
+  command& c = startCommand(commandKind::clear, batchKey{}, 0);
+  std::copy(state.background, state.background + 4, c.background);
+  stateChanged();
+}
+
+// ---------------------------------------------------------------- rasterising
+
+namespace {
+
+// The vertices of the live commands, boxes expanded, in one upload.
+int buildUpload() {
+  int total = 0;
+  for (const command& c : state.commands)
+    if (c.live) total += c.kind == commandKind::boxes ? 4 * c.count : (c.kind == commandKind::vertices ? c.count : 0);
+  growTo(state.upload, static_cast<std::size_t>(total));
+  int at = 0;
+  for (command& c : state.commands) {
+    if (!c.live || c.kind == commandKind::clear) continue;
+    c.uploadFirst = at;
+    vertex* v = state.upload.data() + at;
+    if (c.kind == commandKind::vertices) {
+      std::copy(state.vertices.data() + c.first, state.vertices.data() + c.first + c.count, v);
+      at += c.count;
+      continue;
+    }
+    for (int b = 0; b < c.count; ++b, v += 4) {
+      const boxRecord& r = state.boxes[c.first + b];
+      const float xs[4] = {r.x1, r.x2, r.x2, r.x1}, ys[4] = {r.y1, r.y1, r.y2, r.y2};
+      for (int corner = 0; corner < 4; ++corner) {
+        v[corner] = vertex{};
+        v[corner].x = xs[corner];
+        v[corner].y = ys[corner];
+        setColour(v[corner], r.colour);
+      }
+    }
+    at += 4 * c.count;
+  }
+  return total;
+}
+
+}  // namespace
+
 void flush() {
-  if (!state.ready || state.vertexCount == 0) return;
-  bindTarget();
-  applyKey(state.key);
+  if (!state.ready || state.commands.empty()) return;
+  const int total = buildUpload();
   glBindVertexArray(state.vao);
   glBindBuffer(GL_ARRAY_BUFFER, state.vbo);
-  const GLsizeiptr bytes = static_cast<GLsizeiptr>(state.vertexCount * sizeof(vertex));
-  glBufferSubData(GL_ARRAY_BUFFER, 0, bytes, state.vertices.data());
-  if (state.key.kind == primitive::quads)
-    glDrawElements(GL_TRIANGLES, state.vertexCount / 4 * 6, GL_UNSIGNED_INT, nullptr);
-  else
-    glDrawArrays(state.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, 0, state.vertexCount);
-  ++state.drawCalls;
+  if (total > state.bufferCapacity) {
+    state.bufferCapacity = std::max(total, batchCapacity);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(state.bufferCapacity * sizeof(vertex)), nullptr,
+                 GL_STREAM_DRAW);
+  }
+  if (total > 0)
+    glBufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(total * sizeof(vertex)), state.upload.data());
+  for (const command& c : state.commands) {
+    if (!c.live || !bindHandle(c.target)) continue;
+    if (c.kind == commandKind::clear) {
+      glClearColor(c.background[0], c.background[1], c.background[2], c.background[3]);
+      glClearDepth(1.0);
+      glDepthMask(GL_TRUE);
+      glDisable(GL_SCISSOR_TEST);
+      glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+      continue;
+    }
+    applyCommand(c);
+    if (c.key.kind == primitive::quads || c.kind == commandKind::boxes) {
+      const int quads = c.kind == commandKind::boxes ? c.count : c.count / 4;
+      glDrawElementsBaseVertex(GL_TRIANGLES, quads * 6, GL_UNSIGNED_INT, nullptr, c.uploadFirst);
+    } else {
+      glDrawArrays(c.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, c.uploadFirst, c.count);
+    }
+    ++state.drawCalls;
+  }
+  state.commands.clear();
   state.vertexCount = 0;
+  state.boxCount = 0;
+  stateChanged();
+  bindTarget();
 }
 
 // ---------------------------------------------------------------- targets and images
@@ -380,21 +531,15 @@ int setDrawTarget(int handle) {
   const image* img = imageOf(handle);
   const bool valid = handle == backBuffer || (img != nullptr && (img->framebuffer != 0 || !s.ready));
   if (!valid) return -1;
-  if (handle != s.target) flush();
+  if (handle != s.target) stateChanged();
   s.target = handle;
   return 0;
 }
 
 int clearDrawTarget() {
-  coreState& s = core();
-  if (!s.ready) return 0;
-  flush();
-  bindTarget();
-  glClearColor(s.background[0], s.background[1], s.background[2], s.background[3]);
-  glClearDepth(1.0);
-  glDepthMask(GL_TRUE);
-  glDisable(GL_SCISSOR_TEST);
-  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  if (!core().ready) return 0;
+  if (imageOf(core().target) == nullptr) core().target = backBuffer;
+  recordClear();
   return 0;
 }
 
@@ -403,16 +548,19 @@ int setBlend(int mode, int amount) {
   if (mode != 0 && mode != 1) return -1;
   s.blendMode = mode;
   s.blendAmount = amount < 0 ? 0 : (amount > 255 ? 255 : amount);
+  stateChanged();
   return 0;
 }
 
 int setZBuffer(int flag) {
   core().zBuffer = flag != 0;
+  stateChanged();
   return 0;
 }
 
 int setZWrite(int flag) {
   core().zWrite = flag != 0;
+  stateChanged();
   return 0;
 }
 

@@ -1,11 +1,15 @@
 // Internal interface of the OpenGL backend, shared by its files and never
-// seen above the layer: the vertex batch, draw targets and textures, and the
-// state of the current frame (blend, depth, camera, light, clip).
+// seen above the layer: the recorded frame, draw targets and textures, and
+// the state of the current frame (blend, depth, camera, light, clip).
 //
-// Every shape function appends vertices to one batch. The batch is drawn in
-// one call when the next shape needs another texture, blend, primitive kind,
-// space (2D or 3D), lighting, depth or clip state, when the buffer is full,
-// and before anything reads or changes the draw target.
+// Drawing is lazy. Every shape function records its vertices (filled boxes
+// as compact box records) into the pending frame, a list of commands, each a
+// run of primitives with one key, target and camera, or a clear. Nothing
+// reaches OpenGL until somebody needs pixels: the window's present, a screen
+// copy, a pixel read, a JPEG, a font atlas or image that is about to go.
+// Then the whole list is rasterised in order (flush). A clear makes the
+// pending commands of its target that nobody has read since dead, so a
+// frame that is cleared without being looked at costs only its recording.
 #pragma once
 
 #define GL_GLEXT_PROTOTYPES
@@ -68,12 +72,41 @@ struct pixelImage {
   bool live = false;               // the handle is in use
 };
 
+// A filled axis-aligned box as recorded: corners [px] and packed colour.
+struct boxRecord {
+  float x1 = 0.0f, y1 = 0.0f, x2 = 0.0f, y2 = 0.0f;
+  std::uint32_t colour = 0;
+};
+
 struct lightState {
   vec3 position{0.0f, 0.0f, 0.0f};  // [world units]
   float range = 1e30f;              // no light beyond [world units]
   float a0 = 1.0f;                  // constant attenuation [-]
   float a1 = 0.0f;                  // linear attenuation [1/unit]
   float a2 = 0.0f;                  // quadratic attenuation [1/unit^2]
+};
+
+// What a run of primitives is drawn with, fixed when the run is recorded.
+struct drawUniforms {
+  matrix4 matrix;    // world or pixels to clip coordinates
+  lightState light;  // the point light
+  vec3 eye;          // camera position, for the highlight
+};
+
+enum class commandKind : int { clear = 0, vertices = 1, boxes = 2 };
+
+// One command of the pending frame.
+struct command {
+  commandKind kind = commandKind::vertices;
+  int target = backBuffer;   // draw target handle
+  batchKey key;              // how its primitives are drawn
+  int first = 0;             // first vertex or box record
+  int count = 0;             // vertices or box records
+  unsigned serial = 0;       // state serial when recorded; a change starts a new command
+  bool live = true;          // false once a later clear of its target made it pointless
+  float background[4] = {};  // colour of a clear
+  drawUniforms uniforms;     // of a draw
+  int uploadFirst = 0;       // first vertex in the upload, set while rasterising
 };
 
 // The state of the backend. One instance; main thread only.
@@ -94,9 +127,14 @@ struct coreState {
   cameraState camera;                               // current camera; size follows the draw target
   lightState light;                                 // the point light
   long long drawCalls = 0;                          // draw calls issued since start
-  std::vector<vertex> vertices;                     // the batch buffer, allocated once
-  int vertexCount = 0;                              // vertices in the batch
-  batchKey key;                                     // how the batch is drawn
+  std::vector<command> commands;                    // the pending frame, in order
+  std::vector<vertex> vertices;                     // pending vertices; grows, never shrinks
+  int vertexCount = 0;                              // of them in use
+  std::vector<boxRecord> boxes;                     // pending box records; grows, never shrinks
+  int boxCount = 0;                                 // of them in use
+  std::vector<vertex> upload;                       // vertices of one rasterisation
+  int bufferCapacity = 0;                           // vertices the GL buffer holds
+  unsigned serial = 1;                              // bumped by every change of drawing state
   unsigned program = 0, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
   int uniforms[16] = {};                            // uniform locations, see glBatch.cpp
 };
@@ -107,18 +145,25 @@ coreState& core();
 bool startRenderer(int width, int height);
 void stopRenderer();
 
-// Makes room for n vertices drawn with key k, flushing first when the key
-// differs or the buffer is full, and returns where to write them. Null when
-// there is no renderer: the caller draws nothing.
+// Makes room for n vertices drawn with key k in the pending frame and
+// returns where to write them (valid until the next reserve). Null when there
+// is no renderer: the caller draws nothing.
 vertex* reserve(const batchKey& k, int n);
+// Records one filled box in the current 2D state.
+void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour);
+// Something that decides how later primitives are drawn has changed.
+inline void stateChanged();
 
 // The key for a 2D shape in the current blend state.
 batchKey key2d(primitive kind = primitive::triangles);
 // The key for a 3D shape in the current depth, light and blend state.
 batchKey key3d(primitive kind, bool lit);
 
-// Draws what the batch holds.
+// Rasterises the pending frame and empties it.
 void flush();
+// Forgets the pending commands of the current target that nobody reads, and
+// records a clear of it.
+void recordClear();
 
 // Binds the framebuffer of the current target and sets the viewport.
 void bindTarget();
@@ -162,6 +207,8 @@ int addToTable(std::vector<T>& table, T item) {
   table.push_back(std::move(item));
   return static_cast<int>(table.size()) - 1;
 }
+
+inline void stateChanged() { ++core().serial; }
 
 // Colour helpers.
 inline void setColour(vertex& v, std::uint32_t c) {

@@ -106,7 +106,13 @@ int deleteImage(int handle) {
   if (handle == backBuffer) return 0;
   image* img = imageOf(handle);
   if (img == nullptr) return 0;
-  flush();  // the batch may still use its texture
+  // Pending drawing into it or from it is rasterised first; a frame that
+  // does not touch it stays pending.
+  for (const command& c : core().commands)
+    if (c.live && (c.target == handle || (img->texture != 0 && c.key.texture == img->texture))) {
+      flush();
+      break;
+    }
   if (core().target == handle) core().target = backBuffer;
   freeImageObjects(*img);
   *img = image{};

@@ -177,7 +177,7 @@ int drawBox(int x1, int y1, int x2, int y2, std::uint32_t c, int fill) {
   if (x1 == x2 || y1 == y2) return 0;
   const float l = float(x1), t = float(y1), r = float(x2), b = float(y2);
   if (fill) {
-    quad(l, t, r, b, c);
+    recordBox(l, t, r, b, c);  // the common primitive of a frame, kept compact until rasterised
     return 0;
   }
   // One-pixel frame on the outermost pixels of the filled box.

@@ -121,11 +121,12 @@ void sphereBand(const meshPen& pen, vec3 c, float r, vec3 a, vec3 u, vec3 w, flo
 
 int setLighting(int flag) {
   core().lighting = flag != 0;
+  stateChanged();
   return 0;
 }
 
 int setCamera(vec3 position, vec3 target, vec3 up) {
-  flush();  // the batch is drawn with the camera it was made under
+  stateChanged();  // primitives recorded from now on take the new camera
   cameraState& cam = core().camera;
   cam.position = position;
   cam.target = target;
@@ -135,13 +136,13 @@ int setCamera(vec3 position, vec3 target, vec3 up) {
 
 int setPerspective(float fov) {
   if (!(fov > 0.0f) || !(fov < pi)) return -1;
-  flush();
+  stateChanged();
   core().camera.fov = fov;
   return 0;
 }
 
 int setPointLight(vec3 position, float range, float a0, float a1, float a2) {
-  flush();
+  stateChanged();
   lightState& l = core().light;
   l.position = position;
   l.range = range > 0.0f ? range : 0.0f;
@@ -152,7 +153,7 @@ int setPointLight(vec3 position, float range, float a0, float a1, float a2) {
 }
 
 int setLightPosition(vec3 position) {
-  flush();
+  stateChanged();
   core().light.position = position;
   return 0;
 }

@@ -112,6 +112,8 @@ int keyCodeOf(SDL_Scancode s) {
     case SDL_SCANCODE_LEFT: return keyLeft;
     case SDL_SCANCODE_RIGHT: return keyRight;
     case SDL_SCANCODE_DOWN: return keyArrowDown;
+    case SDL_SCANCODE_PAGEUP: return keyPageUp;
+    case SDL_SCANCODE_PAGEDOWN: return keyPageDown;
     case SDL_SCANCODE_HOME: return keyHome;
     case SDL_SCANCODE_END: return keyEnd;
     case SDL_SCANCODE_DELETE: return keyDelete;
@@ -439,12 +441,10 @@ const image* drawMenuCanvas() {
 
 int present() {
   coreState& s = core();
-  if (!s.ready) return 0;
+  // Without a window nobody sees the back buffer: its pending frame stays
+  // recorded until it is read back or cleared away.
+  if (!s.ready || win.window == nullptr) return 0;
   flush();
-  if (win.window == nullptr) {
-    glFlush();
-    return 0;
-  }
   fitWindowToMenu();
   const image* menuCanvas = drawMenuCanvas();
   const int bar = menuCanvas ? win.barApplied : 0;

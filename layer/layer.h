@@ -115,10 +115,12 @@ enum keyCode : int {
   keyRightCtrl = 157,
   keyHome = 199,
   keyArrowUp = 200,
+  keyPageUp = 201,
   keyLeft = 203,
   keyRight = 205,
   keyEnd = 207,
   keyArrowDown = 208,
+  keyPageDown = 209,
   keyDelete = 211,
 };
 

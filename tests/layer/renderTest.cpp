@@ -301,11 +301,11 @@ TEST_F(offscreenRender, offscreenImageIsATargetAndCopiesBack) {
 }
 
 TEST_F(offscreenRender, primitivesShareDrawCallsUntilTheStateChanges) {
-  present();
+  at(0, 0);  // reading pixels rasterises what is pending
   const int before = drawCallCount();
   for (int i = 0; i < 20000; ++i) drawBox(i % width, i % height, i % width + 1, i % height + 1, colour(1, 2, 3), 1);
   for (int i = 0; i < 20000; ++i) drawTriangle3d({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, colour(1, 2, 3), 1);
-  present();
+  at(0, 0);
   EXPECT_EQ(drawCallCount() - before, 2) << "one call for the boxes, one for the 3D triangles";
 
   const int mid = drawCallCount();
@@ -314,8 +314,59 @@ TEST_F(offscreenRender, primitivesShareDrawCallsUntilTheStateChanges) {
   drawBox(0, 0, 1, 1, colour(9, 9, 9), 1);
   setBlend(0, 0);
   drawBox(0, 0, 1, 1, colour(9, 9, 9), 1);
-  present();
+  at(0, 0);
   EXPECT_EQ(drawCallCount() - mid, 3) << "a blend change starts a new call";
+}
+
+// Frames are rasterised only when someone needs their pixels.
+TEST_F(offscreenRender, aFrameNobodyReadsIsNeverRasterised) {
+  at(0, 0);
+  const int before = drawCallCount();
+  for (int frame = 0; frame < 5; ++frame) {
+    for (int i = 0; i < 1000; ++i) drawBox(i % width, 0, i % width + 1, 10, colour(255, 0, 0), 1);
+    drawLine(0, 50, 100, 50, colour(0, 255, 0), 1);
+    present();  // off-screen: nobody looks
+    clearDrawTarget();
+  }
+  drawBox(0, 0, 10, 10, colour(0, 0, 255), 1);
+  EXPECT_EQ(drawCallCount(), before) << "cleared frames cost no draw call";
+  EXPECT_EQ(at(5, 5).b, 255) << "the frame still pending is there when read";
+  EXPECT_EQ(at(50, 50).g, 0) << "and the cleared ones are gone";
+  EXPECT_EQ(drawCallCount() - before, 1);
+}
+
+TEST_F(offscreenRender, aClearKeepsWhatAnotherTargetAlreadyTookFromIt) {
+  const int picture = makeOffscreenImage(20, 20, 0);
+  ASSERT_GT(picture, 0);
+  setDrawTarget(picture);
+  drawBox(0, 0, 20, 20, colour(255, 0, 0), 1);
+  setDrawTarget(backBuffer);
+  drawImage(0, 0, picture, 0);  // takes the red picture
+  setDrawTarget(picture);
+  clearDrawTarget();  // black again, after the copy above
+  drawBox(0, 0, 20, 20, colour(0, 255, 0), 1);
+  setDrawTarget(backBuffer);
+  drawImage(40, 0, picture, 0);  // takes the green one
+  EXPECT_EQ(at(10, 10).r, 255);
+  EXPECT_EQ(at(10, 10).g, 0);
+  EXPECT_EQ(at(50, 10).g, 255);
+  deleteImage(picture);
+}
+
+TEST_F(offscreenRender, primitivesKeepTheCameraTheyWereRecordedUnder) {
+  setCamera({80, 60, -300}, {80, 60, 0}, {0, 1, 0});
+  setPerspective(1.0f);
+  drawTriangle3d({40, 20, 0}, {120, 20, 0}, {80, 100, 0}, colour(255, 0, 0), 1);
+  const vec3 redPart = worldToScreen({80, 30, 0});
+  // The second camera looks far to the left, where only the small green
+  // triangle lies; under the other camera either one would be off-screen.
+  setCamera({-400, 60, -300}, {-400, 60, 0}, {0, 1, 0});
+  drawTriangle3d({-405, 50, 0}, {-395, 50, 0}, {-400, 60, 0}, colour(0, 255, 0), 1);
+  const vec3 greenPart = worldToScreen({-400, 53, 0});
+  const rgba a = at(static_cast<int>(redPart.x), static_cast<int>(redPart.y));
+  const rgba b = at(static_cast<int>(greenPart.x), static_cast<int>(greenPart.y));
+  EXPECT_EQ(a.r, 255);
+  EXPECT_EQ(b.g, 255);
 }
 
 TEST_F(offscreenRender, screenJpegHasTheRectangleSize) {

@@ -1,0 +1,71 @@
+// The colour scale: three linear ramps over 0..765, the lookup and the bar.
+#include "scene/colourScale.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace marv {
+
+int colourIndex(double value, double lo, double hi) {
+  const double q = (value - lo) / (hi - lo) * (numColors - 1);
+  // The comparisons are false for NaN, which so lands on 0; the value is
+  // limited before the conversion, which would be undefined out of range.
+  if (!(q >= 0.0)) return 0;
+  if (q >= numColors - 1) return numColors - 1;
+  return static_cast<int>(q);
+}
+
+int colourSlot(double value, double lo, double hi) {
+  return std::isfinite(value) ? colourIndex(value, lo, hi) : nonFiniteSlot;
+}
+
+void scaleColour(int i, int& r, int& g, int& b) {
+  const int c = static_cast<int>(static_cast<double>(i) / (numColors - 1) * 765.0);
+  if (c < 256) {
+    r = 0, g = c, b = 255;
+  } else if (c <= 510) {
+    r = c - 255, g = 255, b = 510 - c;
+  } else {
+    r = 255, g = 765 - c, b = 0;
+  }
+}
+
+void fillColourTable(sceneView& scene, const appConfig& cfg) {
+  for (int i = 0; i < numColors; ++i) {
+    int r = 0, g = 0, b = 0;
+    scaleColour(i, r, g, b);
+    scene.colourTable[i] = colour(r, g, b);
+    scene.colourTableRgba[i] = makeColourRgba(r, g, b, cfg.bcAlphaUser);
+  }
+  // A diverged value shows in magenta, which the scale never reaches.
+  scene.colourTable[nonFiniteSlot] = colour(255, 0, 255);
+  scene.colourTableRgba[nonFiniteSlot] = makeColourRgba(255, 0, 255, cfg.bcAlphaUser);
+}
+
+int colourBarWidth() { return 4 * textWidth("%.6e", 0.0); }
+
+void drawColourBar(const sceneView& scene, const appConfig& cfg, int barX, int barY, int barWidth) {
+  const sceneColours& c = scene.colours;
+  const int h = cfg.textHeight;
+  drawLine(barX - 1, barY, barX - 1, barY + h, c.white, 1);
+  drawLine(barX + barWidth, barY, barX + barWidth, barY + h, c.white, 1);
+  const double last = barWidth > 1 ? barWidth - 1 : 1;
+  for (int x = 0; x < barWidth; ++x) {
+    int index = static_cast<int>(x / last * (numColors - 1));
+    index = index < 0 ? 0 : (index > numColors - 1 ? numColors - 1 : index);
+    drawLine(barX + x, barY - 1, barX + x, barY + h + 1, c.white, 1);
+    drawLine(barX + x, barY, barX + x, barY + h, scene.colourTable[index], 1);
+  }
+  const double lo = rangeLow(scene, cfg), hi = rangeHigh(scene, cfg);
+  const std::uint32_t ink = lo > hi ? c.red : c.black;
+  const int y = barY + h + cfg.textGap / 2;
+  char text[64];
+  std::snprintf(text, sizeof text, "%.4e", lo);
+  drawText(barX, y, text, ink, -1, c.white, 0);
+  std::snprintf(text, sizeof text, "%.4e", hi);
+  drawText(barX + barWidth - textWidth("%s", text), y, text, ink, -1, c.white, 0);
+  std::snprintf(text, sizeof text, "%.4e", (lo + hi) / 2.0);
+  drawText(barX + (barWidth - textWidth("%s", text)) / 2, y, text, ink, -1, c.white, 0);
+}
+
+}  // namespace marv

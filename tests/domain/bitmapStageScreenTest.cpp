@@ -1,0 +1,158 @@
+// The bitmap colour stage on screen, frame by frame through the headless
+// backend: choices made on the list reach the colour tables and bmp.txt, a
+// marked colour is removed, Esc cancels, a press into the picture asks for
+// the preview and the stage comes back to the same bitmap.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "bitmapTestSupport.h"
+#include "domain/bitmapColours.h"
+#include "domain/bitmapStageScreen.h"
+#include "domain/bmpTxt.h"
+#include "screenScript.h"
+#include "testSupport.h"
+
+namespace {
+
+using namespace marv;
+namespace fs = std::filesystem;
+
+const marvtest::rgb white{}, red{255, 0, 0}, blue{0, 0, 255}, brown{100, 50, 20};
+
+class bitmapStage : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    folder_ = marvtest::scratchFolder("stage");
+    previous_ = fs::current_path();
+    fs::current_path(folder_);
+    fs::create_directories("input");
+  }
+  void TearDown() override {
+    fs::current_path(previous_);
+    fs::remove_all(folder_);
+  }
+  // A case of 21 x 21 (x nz) nodes, 25 pixels per cell.
+  void makeCase(int nz) {
+    constructAppConfig(cfg, false, false);
+    marvtest::setBitmapCase(cfg, 21, 21, nz, 1.0, 1.0, 1.0, 25);
+    cfg.screenWidth = cfg.bitmapScreenWidth;
+    cfg.screenHeight = cfg.bitmapScreenHeight;
+    cfg.lastKeyMs = nowMs() - 10000;
+    ensureScreenFonts(cfg);
+    layoutColourList(cfg);  // as the stage lays it out, so that the clicks land
+    // Left third red, right third blue, a brown block in the middle, white elsewhere.
+    marvtest::writeBmp("input/bcXY0.bmp", 60, 60, [](int x, int y) {
+      if (x < 20) return red;
+      if (x >= 40) return blue;
+      if (y >= 20 && y < 40) return brown;
+      return white;
+    });
+  }
+  std::vector<inputFrame> clickOption(int row, int selector, int option, int scroll = 0) const {
+    int x = 0, y = 0;
+    EXPECT_TRUE(colourOptionCentre(cfg, row, selector, option, x, y, scroll)) << "row " << row << " is in view";
+    return marvtest::click(x, y);
+  }
+  std::vector<inputFrame> clickProceed() const {
+    const int x0 = static_cast<int>(cfg.bitmapScreenWidth - 2.8 * cfg.buttonSize);
+    const int y0 = static_cast<int>(cfg.bitmapScreenHeight - 1.8 * cfg.buttonSize);
+    return marvtest::click(x0 + cfg.buttonSize + cfg.textGap + 10, y0 + 10);
+  }
+  int run(std::vector<inputFrame> frames) {
+    marvtest::scriptedRun script(std::move(frames));
+    return runBitmapStage(cfg);
+  }
+
+  appConfig cfg;
+
+ private:
+  fs::path folder_, previous_;
+};
+
+TEST_F(bitmapStage, ChoicesOnTheListReachTheTablesAndBmpTxt) {
+  makeCase(1);
+  std::vector<inputFrame> frames = clickOption(3, selectInverse, 0);  // red: inverted
+  marvtest::append(frames, clickOption(2, selectStretch, 1));         // blue: stretched along YZ
+  marvtest::append(frames, clickOption(2, selectSymmetry, 2));        // blue: mirrored on ZX
+  marvtest::append(frames, clickProceed());
+  ASSERT_EQ(run(frames), 1);
+
+  const int r = findColour(cfg, colorCode(255, 0, 0)), b = findColour(cfg, colorCode(0, 0, 255));
+  ASSERT_EQ(r, 3);
+  ASSERT_EQ(b, 2);
+  EXPECT_EQ(cfg.InverseFlag[3], 0);
+  EXPECT_EQ(cfg.StretchPlane[2], 1);
+  EXPECT_EQ(cfg.SymmetricPlane[2], 2);
+  EXPECT_EQ(cfg.StretchPlane[3], 3) << "untouched choices stay off";
+  EXPECT_GE(findColour(cfg, colorCode(100, 50, 20)), 8) << "a non-preset colour joins the list";
+
+  // What the driver writes after the stage is what the next pass reads.
+  ASSERT_TRUE(writeBmpTxt(cfg));
+  appConfig next;
+  readBmpTxt(next);
+  bool redSaved = false, blueSaved = false;
+  for (int s = 0; s < maxColourSlots; ++s) {
+    if (next.savedColorsCodes[s] == colorCode(255, 0, 0)) redSaved = next.savedInverseFlag[s] == 0;
+    if (next.savedColorsCodes[s] == colorCode(0, 0, 255))
+      blueSaved = next.savedStretchPlane[s] == 1 && next.savedSymmetricPlane[s] == 2;
+  }
+  EXPECT_TRUE(redSaved);
+  EXPECT_TRUE(blueSaved);
+}
+
+TEST_F(bitmapStage, AMarkedColourIsRemovedAndRemembered) {
+  makeCase(1);
+  const int notches = 8;
+  inputFrame wheel;
+  wheel.wheel = -notches;
+  int x = 0, y = 0;
+  ASSERT_TRUE(colourSwatchCentre(cfg, 8, x, y, notches * colourListNotch(cfg)));
+  std::vector<inputFrame> frames = {wheel};
+  marvtest::append(frames, marvtest::click(x, y));
+  marvtest::append(frames, clickProceed());
+  ASSERT_EQ(run(frames), 1);
+  EXPECT_EQ(findColour(cfg, colorCode(100, 50, 20)), -1);
+  ASSERT_EQ(cfg.numRemovedColors, 1);
+  EXPECT_EQ(cfg.RemovedColorCodes[0], colorCode(100, 50, 20));
+  // Its nodes fall to the free colour in the slice.
+  const std::size_t middle = sliceIndex(21, 21, 0, 10, 10);
+  EXPECT_EQ(cfg.bitmapXY[middle], 0);
+}
+
+TEST_F(bitmapStage, EscCancelsAndACaseWithoutBitmapsPassesStraightThrough) {
+  makeCase(1);
+  EXPECT_EQ(run(marvtest::press(keyEsc)), -1);
+
+  fs::remove("input/bcXY0.bmp");
+  makeCase(1);
+  fs::remove("input/bcXY0.bmp");
+  EXPECT_EQ(runBitmapStage(cfg), 1) << "no frame is shown";
+  EXPECT_EQ(cfg.iNumBcColor, 8);
+}
+
+TEST_F(bitmapStage, APressIntoThePictureAsksForThePreviewAndComesBackToTheSameBitmap) {
+  makeCase(3);
+  const int px = cfg.bitmapScreenWidth / 3, py = cfg.bitmapScreenHeight / 3;
+  ASSERT_EQ(run({marvtest::pointer(px, py), marvtest::pointer(px, py, true)}), 0);
+  EXPECT_EQ(cfg.stageInterrupted, 1);
+  EXPECT_EQ(cfg.stagePlane, 0);
+  EXPECT_EQ(cfg.stageSlice, 0);
+  const int redPoints = cfg.colorPoints[3];
+  ASSERT_GT(redPoints, 0);
+
+  std::vector<inputFrame> frames = clickOption(3, selectStretch, 0);
+  marvtest::append(frames, clickProceed());
+  ASSERT_EQ(run(frames), 1);
+  EXPECT_EQ(cfg.stageInterrupted, 0);
+  EXPECT_EQ(cfg.colorPoints[3], redPoints) << "the same bitmap, not counted twice";
+  EXPECT_EQ(cfg.StretchPlane[3], 0);
+
+  // A two-dimensional case has no preview: the press does nothing.
+  makeCase(1);
+  frames = {marvtest::pointer(px, py), marvtest::pointer(px, py, true), marvtest::pointer(px, py)};
+  marvtest::append(frames, marvtest::press(keyEsc));
+  EXPECT_EQ(run(frames), -1);
+}
+
+}  // namespace

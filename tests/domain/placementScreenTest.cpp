@@ -1,0 +1,134 @@
+// The placement screen's buttons: a click on "Rot STL", "Centering" and the
+// unit selector acts on the model and on the parameters at once; "Cancel"
+// and "Proceed" end the loop; the drag handle's move raises zoffstSTL for a
+// negative z.
+#include <gtest/gtest.h>
+
+#include "domain/bcDomain.h"
+#include "domain/placementScreen.h"
+#include "layer/layer.h"
+
+namespace {
+
+using namespace marv;
+
+bcTriangle triangle(float x0, float y0, float z0, float x1, float y1, float z1, float x2, float y2, float z2) {
+  bcTriangle t;
+  const float v[3][3] = {{x0, y0, z0}, {x1, y1, z1}, {x2, y2, z2}};
+  for (int i = 0; i < 3; ++i)
+    for (int k = 0; k < 3; ++k) t.vertex[i][k] = v[i][k];
+  t.normal[2] = 1.0f;
+  return t;
+}
+
+struct placementCase {
+  appConfig cfg;
+  bcDomain domain;
+  placementState state;
+  placementCase() {
+    constructAppConfig(cfg, false, false);
+    cfg.screenWidth = 900;
+    cfg.screenHeight = 600;
+    cfg.lx = 2.0;
+    cfg.ly = 1.0;
+    cfg.lz = 4.0;
+    cfg.stlPresent = 1;
+    // Two triangles with their vertex mean at (0.5, 0.5, 1).
+    domain.surfaces[7].triangles = {triangle(0, 0, 1, 1, 0, 1, 1, 1, 1), triangle(0, 0, 1, 1, 1, 1, 0, 1, 1)};
+  }
+  // A whole click at (x, y): rest, press, release; the result of each frame.
+  int click(int x, int y) {
+    int outcome = 0;
+    for (int phase = 0; phase < 3; ++phase) {
+      screenInput in;
+      in.mouseX = x;
+      in.mouseY = y;
+      in.left = phase == 1;
+      outcome = placementControls(state, domain, cfg, in);
+      if (outcome != 0) break;
+    }
+    return outcome;
+  }
+  float vertex(int t, int v, int k) const { return domain.surfaces[7].triangles[t].vertex[v][k]; }
+};
+
+TEST(PlacementButtons, RotateCentreAndEndTheLoop) {
+  placementCase c;
+  const placementLayout l = layoutPlacement(c.cfg);
+  EXPECT_EQ(l.cancelX, static_cast<int>(900 - 2.8 * c.cfg.buttonSize));
+  EXPECT_EQ(l.rotX[0], l.cancelX - 3 * c.cfg.buttonSize - 5 * c.cfg.textGap);
+  EXPECT_EQ(l.centreX, l.cancelX - 4 * c.cfg.buttonSize - 6 * c.cfg.textGap);
+
+  // "Rot STL" about x: a quarter turn about the model's centre, y' - cy = z - cz.
+  EXPECT_EQ(c.click(l.rotX[0] + 10, l.y + 10), 0);
+  EXPECT_DOUBLE_EQ(c.cfg.xRotSTL, 90.0);
+  EXPECT_NEAR(c.vertex(0, 0, 1), 0.5f, 1e-5) << "the flat model now stands along y";
+  EXPECT_NEAR(c.vertex(0, 2, 2), 0.5f, 1e-5);
+  for (int i = 0; i < 3; ++i) c.click(l.rotX[0] + 10, l.y + 10);
+  EXPECT_DOUBLE_EQ(c.cfg.xRotSTL, 0.0) << "four turns come back to the start";
+  EXPECT_NEAR(c.vertex(0, 2, 1), 1.0f, 1e-5);
+  EXPECT_NEAR(c.vertex(0, 2, 2), 1.0f, 1e-5);
+
+  // "Centering": the centre goes to (lx/2, ly/2, lz/2), the offsets follow.
+  c.click(l.centreX + 10, l.y + 10);
+  EXPECT_DOUBLE_EQ(c.cfg.xoffstSTL, 0.5);
+  EXPECT_DOUBLE_EQ(c.cfg.yoffstSTL, 0.0);
+  EXPECT_DOUBLE_EQ(c.cfg.zoffstSTL, -1.0);
+  EXPECT_NEAR(c.vertex(0, 0, 0), 0.5f, 1e-5);
+  EXPECT_NEAR(c.vertex(0, 0, 2), 2.0f, 1e-5);
+
+  // A press beside a button dragged onto it does nothing.
+  screenInput in;
+  in.left = true;
+  in.mouseX = 1;
+  in.mouseY = 1;
+  placementControls(c.state, c.domain, c.cfg, in);
+  in.mouseX = l.rotX[1] + 10;
+  in.mouseY = l.y + 10;
+  placementControls(c.state, c.domain, c.cfg, in);
+  in.left = false;
+  placementControls(c.state, c.domain, c.cfg, in);
+  EXPECT_DOUBLE_EQ(c.cfg.yRotSTL, 0.0);
+
+  EXPECT_EQ(c.click(l.cancelX + 10, l.y + 10), -1);
+  EXPECT_EQ(c.click(l.proceedX + 10, l.y + 10), 1);
+}
+
+TEST(PlacementButtons, UnitSelectorRescalesAboutTheCentreAndKeepsOffsetsInTheFileUnit) {
+  placementCase c;
+  c.cfg.unitSTL = 0;
+  c.cfg.unitSelector.selected = 0;
+  c.cfg.xoffstSTL = 0.3;
+  int x = 0, y = 0;
+  unitOptionCentre(c.cfg, 2, x, y);  // mm
+  c.click(x, y);
+  EXPECT_EQ(c.cfg.unitSTL, 2);
+  EXPECT_NEAR(c.cfg.xoffstSTL, 0.0003, 1e-12);
+  EXPECT_NEAR(c.vertex(0, 1, 0) - c.vertex(0, 0, 0), 0.001f, 1e-7) << "one file unit is now a millimetre";
+  EXPECT_NEAR(c.vertex(0, 0, 0), 0.4995f, 1e-5) << "scaled about the centre";
+  unitOptionCentre(c.cfg, 0, x, y);
+  c.click(x, y);
+  EXPECT_EQ(c.cfg.unitSTL, 0);
+  EXPECT_NEAR(c.cfg.xoffstSTL, 0.3, 1e-9);
+  EXPECT_NEAR(c.vertex(0, 1, 0), 1.0f, 1e-4) << "back and forth restores the model";
+
+  // Without a model the buttons are not there and change nothing.
+  c.cfg.stlPresent = 0;
+  const placementLayout l = layoutPlacement(c.cfg);
+  c.click(l.rotX[2] + 10, l.y + 10);
+  EXPECT_DOUBLE_EQ(c.cfg.zRotSTL, 0.0);
+}
+
+TEST(PlacementDrag, ANegativeZMoveRaisesTheOffsetAndMovesTheModelWithTheMouse) {
+  placementCase c;
+  c.cfg.stlDeltaX = 0.25;
+  c.cfg.stlDeltaY = 0.0;
+  c.cfg.stlDeltaZ = -0.5;
+  applyDragMove(c.domain, c.cfg);
+  EXPECT_DOUBLE_EQ(c.cfg.xoffstSTL, 0.25);
+  EXPECT_DOUBLE_EQ(c.cfg.zoffstSTL, 0.5);
+  EXPECT_NEAR(c.vertex(0, 0, 0), 0.25f, 1e-6);
+  EXPECT_NEAR(c.vertex(0, 0, 2), 0.5f, 1e-6) << "z runs opposite in the model's own coordinates";
+}
+
+}  // namespace

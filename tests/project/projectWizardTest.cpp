@@ -1,0 +1,249 @@
+// The project screens: where a chosen path puts the project, what opening
+// and creating a project does on disk, and the start, source and
+// confirmation screens driven frame by frame.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "app/screenKit.h"
+#include "domain/bitmapTestSupport.h"
+#include "project/projectWizard.h"
+#include "screenScript.h"
+#include "testSupport.h"
+
+namespace {
+
+using namespace marv;
+namespace fs = std::filesystem;
+
+std::string lastMessage;
+void keepMessage(appConfig&, const char* text) { lastMessage = text; }
+
+struct wizardCase {
+  appConfig cfg;
+  std::string chosen, start;
+  projectWizard wizard;
+  wizardCase() {
+    constructAppConfig(cfg, false, false);
+    cfg.showMessage = keepMessage;
+    cfg.lastKeyMs = nowMs() - 10000;
+    start = fs::current_path().string();
+    constructWizard(wizard, cfg, chosen, start);
+  }
+  ~wizardCase() {
+    destroyWizard(wizard);
+    fs::current_path(start);
+  }
+};
+
+TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
+  projectWizard w;
+  EXPECT_EQ(projectFromPath(w, "/data/runs/box/input/param.txt", false), "box");
+  EXPECT_EQ(w.projectDir, "/data/runs/box/");
+  EXPECT_EQ(w.inputDir, "/data/runs/box/input/");
+  EXPECT_EQ(w.paramFilePath, "/data/runs/box/input/param.txt");
+
+  // Any file one level below the project counts, whatever its folder's name.
+  EXPECT_EQ(projectFromPath(w, "/data/runs/box/pictures/bcXY0.bmp", false), "box");
+  EXPECT_EQ(w.inputDir, "/data/runs/box/pictures/");
+
+  EXPECT_EQ(projectFromPath(w, "/data/runs/new case/", true), "new case");
+  EXPECT_EQ(w.projectDir, "/data/runs/new case/");
+  EXPECT_EQ(w.paramFilePath, "/data/runs/new case/input/param.txt");
+
+  EXPECT_EQ(displayPath("C:\\runs\\box\\"), "C:/runs/box/");
+  EXPECT_EQ(folderOf("/a/b/bcXY0.bmp"), "/a/b/");
+  EXPECT_EQ(folderOf("plain"), "");
+}
+
+TEST(ProjectPaths, AProjectFolderStandsForItsParameterFile) {
+  const fs::path root = marvtest::scratchFolder("wizard-folder");
+  marvtest::writeText(root / "case" / "input" / "param.txt", "1:nx 5\n");
+  projectWizard w;
+  EXPECT_EQ(projectFromPath(w, (root / "case").string(), false), "case");
+  EXPECT_EQ(w.paramFilePath, (root / "case" / "input" / "param.txt").string());
+  fs::remove_all(root);
+}
+
+TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
+  wizardCase c;
+  const fs::path root = marvtest::scratchFolder("wizard-new");
+  const fs::path source = root / "source" / "input";
+  marvtest::writeBmp(source / "bcXY0.bmp", 4, 4, [](int, int) { return marvtest::rgb{0, 0, 0}; });
+  marvtest::writeBmp(source / "bcZX3.bmp", 4, 4, [](int, int) { return marvtest::rgb{}; });
+  marvtest::writeText(source / "bcXY1.bmp", "not a picture");
+  marvtest::writeText(source / "bc.stl", "solid x\nendsolid x\n");
+  marvtest::writeText(source / "param.txt", "1:nx 9\n");
+  marvtest::writeText(source / "viz.txt", "showVectorFlag 1\n");
+  marvtest::writeText(source / "bmp.txt", "x\n");
+
+  c.wizard.newProject = 1;
+  projectFromPath(c.wizard, (root / "fresh").string(), true);
+  c.wizard.sourceDir = source.string() + "/";
+  ASSERT_EQ(openProjectFolder(c.wizard, c.cfg), 1) << c.wizard.message;
+  EXPECT_EQ(fs::canonical(fs::current_path()), fs::canonical(root / "fresh")) << "the project is the working folder";
+  for (const char* sub : {"input", "figs", "dump"}) EXPECT_TRUE(fs::is_directory(root / "fresh" / sub)) << sub;
+  const fs::path input = root / "fresh" / "input";
+  EXPECT_TRUE(fs::exists(input / "bcXY0.bmp"));
+  EXPECT_TRUE(fs::exists(input / "bcZX3.bmp"));
+  EXPECT_FALSE(fs::exists(input / "bcXY1.bmp")) << "a file that is no picture is not copied as a bitmap";
+  EXPECT_EQ(marvtest::readText(input / "bc.stl"), "solid x\nendsolid x\n");
+  EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n");
+  EXPECT_FALSE(fs::exists(input / "viz.txt"));
+  EXPECT_FALSE(fs::exists(input / "bmp.txt"));
+  EXPECT_EQ(fs::path(c.cfg.absProjPath), fs::canonical(root / "fresh") / "");
+
+  // The same folder again is refused, with the folder named.
+  fs::current_path(c.start);
+  ASSERT_EQ(openProjectFolder(c.wizard, c.cfg), -1);
+  EXPECT_EQ(c.wizard.message, "Project directory is not valid. [filepath] " + (root / "fresh").string() + "/.");
+  EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n") << "nothing of the existing project changes";
+  fs::remove_all(root);
+}
+
+TEST(ProjectFolder, ExistingProjectKeepsItsFilesAndGetsMissingFolders) {
+  wizardCase c;
+  const fs::path root = marvtest::scratchFolder("wizard-open");
+  marvtest::writeText(root / "old" / "input" / "param.txt", "1:nx 7\n");
+  marvtest::writeText(root / "old" / "dump" / "keep.txt", "k");
+  c.wizard.newProject = 0;
+  projectFromPath(c.wizard, (root / "old" / "input" / "param.txt").string(), false);
+  ASSERT_EQ(openProjectFolder(c.wizard, c.cfg), 1);
+  EXPECT_TRUE(fs::is_directory(root / "old" / "figs"));
+  EXPECT_EQ(marvtest::readText(root / "old" / "dump" / "keep.txt"), "k");
+  EXPECT_EQ(marvtest::readText(root / "old" / "input" / "param.txt"), "1:nx 7\n");
+  fs::remove_all(root);
+}
+
+// ---------------------------------------------------------------- screens, frame by frame
+
+TEST(StartScreen, RowsFireOnlyForAPressThatBeganOnThem) {
+  wizardCase c;
+  const int x = c.wizard.listLeft + 5, y = c.wizard.listTop + 5;  // on "Create a new project"
+  // A press that begins beside the row and is dragged onto it does nothing.
+  std::vector<inputFrame> dragged = {marvtest::pointer(5, 5, true), marvtest::pointer(x, y, true),
+                                     marvtest::pointer(x, y, true), marvtest::pointer(x, y)};
+  {
+    std::vector<inputFrame> frames = dragged;
+    marvtest::append(frames, marvtest::press(keyEsc));
+    marvtest::scriptedRun run(frames);
+    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), -1);
+  }
+  // A fresh press after the button went up on the row fires it.
+  {
+    std::vector<inputFrame> frames = dragged;
+    marvtest::append(frames, marvtest::click(x, y));
+    marvtest::scriptedRun run(frames);
+    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), 2);
+  }
+  // The analysis text beside the load row has its own result.
+  {
+    const std::string load = screenText(c.cfg, 17);
+    const int ax = c.wizard.listLeft + textWidthInFont(c.cfg.fontBold, "%s", load.c_str()) + 3 * c.cfg.textHeight + 5;
+    const int ay = c.wizard.listTop + 2 * (2 * c.cfg.textHeight + c.cfg.textGap) - c.cfg.textHeight + 5;
+    marvtest::scriptedRun run(marvtest::click(ax, ay));
+    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), 4);
+  }
+}
+
+TEST(StartScreen, ProceedOpensTheLastProjectAndEscCancels) {
+  wizardCase c;
+  c.cfg.absProjPath = "/somewhere/box/";
+  {
+    marvtest::scriptedRun run(marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10));
+    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), 1);
+  }
+  EXPECT_EQ(c.chosen, "/somewhere/box/input/param.txt");
+  EXPECT_EQ(c.wizard.newProject, 0);
+  c.chosen.clear();
+  {
+    marvtest::scriptedRun run(marvtest::press(keyEsc));
+    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), -1);
+  }
+}
+
+TEST(StartScreen, EnterCountsOnlyAfterTheDebounce) {
+  wizardCase c;
+  screenInput in;
+  in.enter = true;
+  in.now = 100000;
+  c.cfg.lastKeyMs = in.now - 400;  // Enter still held from the screen before
+  EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, in), 0);
+  EXPECT_TRUE(c.chosen.empty());
+  c.cfg.lastKeyMs = in.now - 401;
+  EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, in), 1);
+  EXPECT_EQ(c.chosen, "./input/param.txt") << "no project before: the start folder";
+
+  // A path that a menu command put in the buffer ends the screen at once.
+  c.chosen = "/x/input/param.txt";
+  EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, screenInput{}), 1);
+}
+
+TEST(SourceScreen, ADroppedFileChoosesItsFolderAndAnExistingProjectSkipsTheScreen) {
+  wizardCase c;
+  c.wizard.newProject = 1;
+  c.chosen = "/tmp/marv-never-made";
+  inputFrame drop = marvtest::pointer(0, 0);
+  drop.dropped = {"/data/source/input/bcXY0.bmp"};
+  {
+    marvtest::scriptedRun run({marvtest::pointer(0, 0), drop, marvtest::pointer(0, 0)});
+    EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), 1);
+  }
+  EXPECT_EQ(c.wizard.sourceDir, "/data/source/input/");
+  EXPECT_EQ(c.wizard.sourceText, "/data/source/input/");
+  EXPECT_EQ(c.cfg.projectName, "marv-never-made");
+
+  c.wizard.newProject = 0;
+  c.chosen = "/data/old/input/param.txt";
+  EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), 1) << "shown only for a new project";
+  EXPECT_EQ(c.cfg.projectName, "old");
+}
+
+std::string askedTitle;
+std::string pickSource(appConfig&, const std::string& title, bool) {
+  askedTitle = title;
+  return "/data/picked/input/param.txt";
+}
+
+TEST(SourceScreen, AClickIntoTheBoxAsksForAFileAndEscCancels) {
+  wizardCase c;
+  c.wizard.newProject = 1;
+  c.chosen = "/tmp/marv-never-made";
+  c.wizard.askFile = pickSource;
+  {
+    marvtest::scriptedRun run(marvtest::click(c.cfg.startWidth / 2, c.cfg.startHeight / 2));
+    EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), 1);
+  }
+  EXPECT_EQ(askedTitle, screenText(c.cfg, 41));
+  EXPECT_EQ(c.wizard.sourceDir, "/data/picked/input/");
+  {
+    marvtest::scriptedRun run(marvtest::press(keyEsc));
+    EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), -1);
+  }
+}
+
+TEST(ConfirmScreen, ProceedCreatesTheProjectAndAnExistingFolderIsReported) {
+  wizardCase c;
+  const fs::path root = marvtest::scratchFolder("wizard-confirm");
+  c.wizard.newProject = 1;
+  projectFromPath(c.wizard, (root / "made").string(), true);
+  c.wizard.sourceDir = (root / "nothing").string() + "/";
+  {
+    marvtest::scriptedRun run(marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10));
+    EXPECT_EQ(runConfirmScreen(c.wizard, c.cfg), 1);
+  }
+  EXPECT_TRUE(fs::is_directory(root / "made" / "dump"));
+  EXPECT_FALSE(fs::exists(root / "made" / "input" / "param.txt")) << "a missing source copies nothing";
+  fs::current_path(c.start);
+  lastMessage.clear();
+  c.cfg.keyDelayMs = 0;
+  {
+    marvtest::scriptedRun run(marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10));
+    EXPECT_EQ(runConfirmScreen(c.wizard, c.cfg), -1);
+  }
+  EXPECT_NE(lastMessage.find("Project directory is not valid."), std::string::npos);
+  fs::remove_all(root);
+}
+
+}  // namespace

@@ -1,0 +1,112 @@
+// The colour scale: the lookup at and beyond its limits, degenerate and
+// undefined ranges, the three ramps of the table, and the range scan.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "scene/colourScale.h"
+#include "scene/quantities.h"
+
+namespace {
+
+using namespace marv;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double inf = std::numeric_limits<double>::infinity();
+
+TEST(ColourIndex, EndsOfTheRangeAndBeyond) {
+  EXPECT_EQ(colourIndex(2.0, 2.0, 6.0), 0);
+  EXPECT_EQ(colourIndex(6.0, 2.0, 6.0), 31);
+  EXPECT_EQ(colourIndex(-100.0, 2.0, 6.0), 0) << "below the range: first colour";
+  EXPECT_EQ(colourIndex(1e300, 2.0, 6.0), 31) << "far above: last colour, no overflow";
+  EXPECT_EQ(colourIndex(4.0, 2.0, 6.0), 15) << "trunc(0.5 x 31)";
+  EXPECT_EQ(colourIndex(2.0 + 4.0 * 30.999 / 31.0, 2.0, 6.0), 30) << "just below an edge truncates";
+}
+
+TEST(ColourIndex, ReversedEqualAndUndefinedRanges) {
+  // lo above hi runs the colours backward.
+  EXPECT_EQ(colourIndex(6.0, 6.0, 2.0), 0);
+  EXPECT_EQ(colourIndex(2.0, 6.0, 2.0), 31);
+  // Equal limits: above and below go to the ends, the value itself to 0.
+  EXPECT_EQ(colourIndex(5.0, 3.0, 3.0), 31);
+  EXPECT_EQ(colourIndex(1.0, 3.0, 3.0), 0);
+  EXPECT_EQ(colourIndex(3.0, 3.0, 3.0), 0);
+  EXPECT_EQ(colourIndex(nan, 0.0, 1.0), 0);
+  EXPECT_EQ(colourIndex(0.5, nan, 1.0), 0);
+  EXPECT_EQ(colourIndex(inf, 0.0, 1.0), 31);
+  EXPECT_EQ(colourIndex(-inf, 0.0, 1.0), 0);
+  // Non-finite values have their own slot in the scene's table.
+  EXPECT_EQ(colourSlot(nan, 0.0, 1.0), nonFiniteSlot);
+  EXPECT_EQ(colourSlot(inf, 0.0, 1.0), nonFiniteSlot);
+  EXPECT_EQ(colourSlot(0.75, 0.0, 1.0), 23);
+}
+
+TEST(ColourTable, ThreeRampsFromBlueToRed) {
+  struct entry {
+    int i, r, g, b;
+  };
+  // c = trunc(i/31 x 765): 0, 246, 394, 765 for i = 0, 10, 16, 31.
+  const entry expected[] = {{0, 0, 0, 255}, {10, 0, 246, 255}, {16, 139, 255, 116}, {31, 255, 0, 0}, {21, 255, 247, 0}};
+  for (const entry& e : expected) {
+    int r = -1, g = -1, b = -1;
+    scaleColour(e.i, r, g, b);
+    EXPECT_EQ(r, e.r) << "entry " << e.i;
+    EXPECT_EQ(g, e.g) << "entry " << e.i;
+    EXPECT_EQ(b, e.b) << "entry " << e.i;
+  }
+  sceneView scene;
+  appConfig cfg;
+  cfg.bcAlphaUser = 77;
+  fillColourTable(scene, cfg);
+  EXPECT_EQ(scene.colourTable[0], colour(0, 0, 255));
+  EXPECT_EQ(scene.colourTableRgba[31].a, 77);
+  EXPECT_EQ(scene.colourTable[nonFiniteSlot], colour(255, 0, 255)) << "a colour the scale never reaches";
+  for (int i = 0; i < numColors; ++i) EXPECT_NE(scene.colourTable[i], scene.colourTable[nonFiniteSlot]);
+}
+
+TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
+  ownedArray3d<double> field(3, 2, 1);
+  ownedArray3d<int> solid(3, 2, 1);
+  double lo = 0, hi = 0;
+  fill<double>(field, 5.0);
+  scanRange(field, solid, false, lo, hi);
+  EXPECT_EQ(lo, 0.0);
+  EXPECT_EQ(hi, 5.0);
+  fill<double>(field, 0.0);
+  scanRange(field, solid, false, lo, hi);
+  EXPECT_EQ(lo, -1.0);
+  EXPECT_EQ(hi, 0.0);
+  fill<double>(field, -3.0);
+  scanRange(field, solid, false, lo, hi);
+  EXPECT_EQ(lo, 0.0) << "a negative flat value leaves the range reversed";
+  EXPECT_EQ(hi, -3.0);
+
+  // A solid node's value counts only when solids are asked for.
+  fill<double>(field, 1.0);
+  field(2, 1, 0) = 40.0;
+  field(0, 0, 0) = -2.0;
+  solid(2, 1, 0) = 9;
+  scanRange(field, solid, false, lo, hi);
+  EXPECT_EQ(hi, 1.0);
+  scanRange(field, solid, true, lo, hi);
+  EXPECT_EQ(hi, 40.0);
+  EXPECT_EQ(lo, -2.0);
+
+  // Every node solid: the range stays at its start values.
+  fill<int>(solid, 1);
+  scanRange(field, solid, false, lo, hi);
+  EXPECT_EQ(lo, 1e10);
+  EXPECT_EQ(hi, -1e10);
+
+  // Diverged nodes never stretch the range.
+  fill<int>(solid, 0);
+  field(1, 0, 0) = nan;
+  field(1, 1, 0) = inf;
+  field(2, 0, 0) = -inf;
+  scanRange(field, solid, false, lo, hi);
+  EXPECT_EQ(lo, -2.0);
+  EXPECT_EQ(hi, 40.0);
+}
+
+}  // namespace

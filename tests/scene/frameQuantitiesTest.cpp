@@ -1,0 +1,169 @@
+// The frame's numbers without a screen: the quantities on fields whose
+// derivatives are known by hand, the fall-back of a missing field, the
+// adaptive time step, and a diverged field that must not break the frame.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "domain/bcDomain.h"
+#include "scene/quantities.h"
+#include "scene/sceneView.h"
+#include "testGrid.h"
+
+namespace {
+
+using namespace marv;
+
+// A 2D case of nx x ny nodes over 1 x 1 m with its own fields and views.
+struct smallCase {
+  appConfig cfg;
+  bcDomain domain;
+  sceneView scene;
+  ownedArray3d<double> u, v, w, p, y, display, a, b, c, rho, t;
+  fieldViews views{};
+
+  smallCase(int nx, int ny, bool thermo = false) {
+    marv::testing::setGrid(cfg, nx, ny, 1);
+    constructDomain(domain, cfg);
+    for (auto* f : {&u, &v, &w, &p, &y, &display, &a, &b, &c}) *f = ownedArray3d<double>(nx, ny, 1);
+    views[fieldU] = u, views[fieldV] = v, views[fieldW] = w, views[fieldP] = p, views[fieldY] = y;
+    views[viewDisplay] = display, views[viewWorkA] = a, views[viewWorkB] = b, views[viewWorkC] = c;
+    if (thermo) {
+      cfg.cmode = 1;
+      rho = ownedArray3d<double>(nx, ny, 1);
+      t = ownedArray3d<double>(nx, ny, 1);
+      views[fieldRho] = rho, views[fieldT] = t;
+    }
+    constructScene(scene, cfg, domain);
+  }
+  double x(int i) const { return cfg.xCoord[i]; }
+  double yAt(int j) const { return cfg.yCoord[j]; }
+};
+
+TEST(FrameQuantities, SecondInvariantOfASolidRotation) {
+  // u = -w0 y, v = w0 x: Q = 0.5 (0 - v_x u_y) = 0.5 w0^2 everywhere,
+  // one-sided differences included, since the fields are linear.
+  smallCase k(9, 7);
+  const double w0 = 3.0;
+  for (int j = 0; j < 7; ++j)
+    for (int i = 0; i < 9; ++i) k.u(i, j, 0) = -w0 * k.yAt(j), k.v(i, j, 0) = w0 * k.x(i);
+  k.cfg.dispQuantFlag = 9;
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_STREQ(k.scene.quantityLabel, "Q (1/s)");
+  EXPECT_NEAR(k.display(4, 3, 0), 4.5, 1e-9);
+  EXPECT_NEAR(k.display(0, 6, 0), 4.5, 1e-9);
+  // A pure strain u = x, v = -y has Q = 0.5 (u_x v_y) = -0.5: cut to 0.
+  for (int j = 0; j < 7; ++j)
+    for (int i = 0; i < 9; ++i) k.u(i, j, 0) = k.x(i), k.v(i, j, 0) = -k.yAt(j);
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_EQ(k.display(4, 3, 0), 0.0);
+}
+
+TEST(FrameQuantities, DivergenceTimesTheStepInBothModes) {
+  smallCase k(6, 5);
+  k.cfg.deltat = 0.01;
+  for (int j = 0; j < 5; ++j)
+    for (int i = 0; i < 6; ++i) k.u(i, j, 0) = 2.0 * k.x(i), k.v(i, j, 0) = 0.5 * k.yAt(j);
+  k.cfg.dispQuantFlag = 10;
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_NEAR(k.display(3, 2, 0), 2.5 * 0.01, 1e-12);
+
+  // Thermo-fluid: the mass flux over the mean density. rho = 2 + x with
+  // u = 1: d(rho u)/dx = 1, over rhow = 4.
+  smallCase m(6, 5, true);
+  m.cfg.deltat = 0.1;
+  m.cfg.rhow = 4.0;
+  for (int j = 0; j < 5; ++j)
+    for (int i = 0; i < 6; ++i) m.rho(i, j, 0) = 2.0 + m.x(i), m.u(i, j, 0) = 1.0;
+  m.cfg.dispQuantFlag = 10;
+  extractQuantity(m.scene, m.cfg, m.views);
+  EXPECT_NEAR(m.display(2, 2, 0), 0.1 / 4.0, 1e-12);
+}
+
+TEST(FrameQuantities, LabelsCopiesAndFallBack) {
+  smallCase k(4, 4);
+  fill<double>(k.p, 7.0);
+  k.p(1, 1, 0) = 9.0;
+  k.cfg.dispQuantFlag = 8;
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_STREQ(k.scene.quantityLabel, "P - P0 (Pa)");
+  EXPECT_EQ(k.display(1, 1, 0), 9.0);
+  EXPECT_EQ(k.scene.valueMin, 7.0);
+  EXPECT_EQ(k.scene.valueMax, 9.0);
+
+  // Density in a constant-density run: speed from the next frame on, and
+  // this frame keeps the range it had.
+  k.cfg.dispQuantFlag = 1;
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_EQ(k.cfg.dispQuantFlag, 5);
+  EXPECT_EQ(k.scene.valueMax, 9.0);
+  k.cfg.dispQuantFlag = 6;
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_EQ(k.cfg.dispQuantFlag, 5);
+
+  fill<double>(k.u, 3.0);
+  fill<double>(k.v, 4.0);
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_STREQ(k.scene.quantityLabel, "|U| (m/s)");
+  EXPECT_EQ(k.display(2, 3, 0), 5.0);
+
+  k.cfg.dispQuantFlag = 42;
+  extractQuantity(k.scene, k.cfg, k.views);
+  EXPECT_STREQ(k.scene.quantityLabel, " ");
+  EXPECT_EQ(k.display(2, 3, 0), 0.0);
+  EXPECT_STREQ(quantityLabelOf(11), "AGE VAR (s)");
+  EXPECT_STREQ(quantityLabelOf(-1), " ");
+}
+
+TEST(FrameTimeStep, AdaptiveDeltatFromTheFramesPeaks) {
+  smallCase k(5, 5);  // dx = dy = 0.25
+  k.cfg.cfl = 0.3;
+  k.cfg.deltat = 0.123;
+  fill<double>(k.u, 1.0);
+  k.u(2, 2, 0) = -2.0;  // peakU 2 by magnitude
+  k.v(1, 3, 0) = 0.5;
+  k.cfg.ts = 9;
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_EQ(k.cfg.deltat, 0.123) << "the first ten steps keep the step of the parameters";
+  EXPECT_NEAR(k.cfg.maxCfl, 0.123 * std::max(2.0 / 0.25, 0.5 / 0.25), 1e-12);
+  k.cfg.ts = 10;
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_NEAR(k.cfg.deltat, 0.3 * std::min(0.25 / 2.0, 0.25 / 0.5), 1e-12);
+  EXPECT_NEAR(k.cfg.maxCfl, 0.3, 1e-12) << "the step meets the target Courant number";
+
+  k.cfg.fixedDeltat = 1;
+  k.cfg.deltat = 0.5;
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_EQ(k.cfg.deltat, 0.5) << "a given deltat is never adapted";
+
+  // Still fluid: the peaks count as 1e-5.
+  k.cfg.fixedDeltat = 0;
+  fill<double>(k.u, 0.0);
+  fill<double>(k.v, 0.0);
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_NEAR(k.cfg.deltat, 0.3 * 1e5 * 0.25, 1e-9);
+}
+
+TEST(FrameTimeStep, ADivergedFieldKeepsTheNumbersFinite) {
+  smallCase k(5, 5);
+  k.cfg.cfl = 0.25;
+  k.cfg.ts = 50;
+  fill<double>(k.u, 1.0);
+  k.u(1, 1, 0) = std::numeric_limits<double>::quiet_NaN();
+  k.v(3, 3, 0) = std::numeric_limits<double>::infinity();
+  k.cfg.dispQuantFlag = 5;
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_NEAR(k.cfg.deltat, 0.25 * 0.25 / 1.0, 1e-12) << "the diverged nodes are left out of the peaks";
+  EXPECT_TRUE(std::isfinite(k.cfg.maxCfl));
+  EXPECT_EQ(k.scene.valueMin, 0.0) << "a flat finite speed widened to 0..1";
+  EXPECT_EQ(k.scene.valueMax, 1.0);
+
+  // Nothing finite at all: the frame still draws and the step stays a number.
+  fill<double>(k.u, std::numeric_limits<double>::quiet_NaN());
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_TRUE(std::isfinite(k.cfg.deltat));
+}
+
+}  // namespace

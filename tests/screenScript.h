@@ -1,0 +1,89 @@
+// Helpers of the screen tests: frames of the input script for pointing,
+// clicking and keys, and a guard that turns an unexpected end of the
+// process (a screen that ran out of script) into a failure.
+#pragma once
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "layer/inputScript.h"
+#include "layer/layer.h"
+
+namespace marvtest {
+
+inline marv::inputFrame pointer(int x, int y, bool down = false) {
+  marv::inputFrame f;
+  f.mouseX = x;
+  f.mouseY = y;
+  f.buttons = down ? marv::mouseLeft : 0;
+  return f;
+}
+
+// Rest on (x, y), press, release: one click as a person makes it.
+inline std::vector<marv::inputFrame> click(int x, int y) { return {pointer(x, y), pointer(x, y, true), pointer(x, y)}; }
+
+inline marv::inputFrame holding(int key, int x = 0, int y = 0) {
+  marv::inputFrame f = pointer(x, y);
+  f.keysHeld = {key};
+  return f;
+}
+
+// A key held over two frames, then released.
+inline std::vector<marv::inputFrame> press(int key) { return {holding(key), holding(key), pointer(0, 0)}; }
+
+inline void append(std::vector<marv::inputFrame>& to, const std::vector<marv::inputFrame>& more) {
+  to.insert(to.end(), more.begin(), more.end());
+}
+
+// Idle frames, so that the screen's debounce of Enter passes (the clock is
+// the real one).
+inline std::vector<marv::inputFrame> idle(int count, int x = 0, int y = 0) {
+  return std::vector<marv::inputFrame>(count, pointer(x, y));
+}
+
+// A screen that never decides runs out of script; the window then closes
+// and the program ends at once. While a scriptedRun is alive that end is
+// turned into a failing exit status.
+inline bool& runActive() {
+  static bool active = false;
+  return active;
+}
+
+struct scriptedRun {
+  explicit scriptedRun(std::vector<marv::inputFrame> frames) {
+    static bool installed = false;
+    if (!installed) {
+      installed = true;
+      std::atexit([] {
+        if (runActive()) {
+          std::fprintf(stderr, "the screen did not decide before its script ended\n");
+          _exit(1);
+        }
+      });
+    }
+    runActive() = true;
+    // Two quiet frames at the end: a screen reads a frame's input before it
+    // hands the frame on, so its last decision needs one frame more.
+    const marv::inputFrame rest =
+        frames.empty() ? marv::inputFrame{} : pointer(frames.back().mouseX, frames.back().mouseY);
+    frames.push_back(rest);
+    frames.push_back(rest);
+    // A quiet frame first, handed on at once, so that nothing held by an
+    // earlier script reaches the screen's first reading.
+    frames.insert(frames.begin(), rest);
+    marv::setInputScript(std::move(frames), true);
+    marv::processMessages();
+  }
+  ~scriptedRun() {
+    runActive() = false;
+    marv::setInputScript({}, false);
+  }
+  scriptedRun(const scriptedRun&) = delete;
+  scriptedRun& operator=(const scriptedRun&) = delete;
+};
+
+}  // namespace marvtest
