@@ -112,6 +112,7 @@ passStages batchStages(const batchOptions& given) {
   stages.onePass = true;
   stages.writeHistory = false;
   stages.splash = false;
+  stages.stopOnFault = true;
   return stages;
 }
 

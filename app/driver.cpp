@@ -20,6 +20,7 @@
 #include "result/dumpFiles.h"
 #include "result/stepResults.h"
 #include "scene/inputState.h"
+#include "scene/velocityStatistics.h"
 #include "widgets/controlPanel.h"
 
 namespace marv {
@@ -62,6 +63,17 @@ void smoothStepTime(appConfig& cfg) {
     cfg.stepMsSmoothed = (20.0 * cfg.stepMsSmoothed + solveMs + drawMs) / 21.0;
 }
 
+// Marks the run as diverged at the first frame whose velocity peaks are not
+// finite; true while it is.
+bool noteDivergence(appConfig& cfg, const velocityStatistics& stats) {
+  if (cfg.diverged == 0 && !peaksFinite(stats)) {
+    cfg.diverged = 1;
+    cfg.divergedStep = cfg.ts;
+    cfg.divergedTime = cfg.time;
+  }
+  return cfg.diverged != 0;
+}
+
 // The run (step 23 of a pass). Returns -1 when the window was closed.
 int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneView& scene, inputState& input,
             controlPanel& panel, bcDomain& domain) {
@@ -84,6 +96,16 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       if (cfg.ts > cfg.latts) break;
       const int inputResult = handleFrameInput(input, cfg);
       drawFrame(scene, cfg, state.views, 1);
+      if (noteDivergence(cfg, scene.stats) && stages.stopOnFault) {
+        // Nothing of this step is written: the last dump on disk is the
+        // last good state of the flow.
+        char text[160];
+        std::snprintf(text, sizeof text, "the flow diverged at step %d, t = %e s: lower cfl or deltat",
+                      cfg.divergedStep, cfg.divergedTime);
+        if (stages.showMessage) stages.showMessage(cfg, text);
+        if (stages.runStep) stages.runStep(cfg, true);
+        return 0;
+      }
       runControlPanel(panel, cfg);
       if (cfg.snapshotRequested) {
         if (cfg.ts <= cfg.latts) saveSnapshot(cfg);

@@ -16,10 +16,15 @@ struct velocityStatistics {
 };
 
 // Statistics over all nodes of u, v, w (same sizes); an empty w counts as 0.
+// A value that is not finite, or too large for single precision, makes the
+// three peaks NaN.
 velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w);
 
 // The time step of an adaptive run from the peaks: cfl*min(dx/peakU, dy/peakV),
 // with peaks below 1e-5 taken as 1e-5.
 double adaptiveDeltat(double cfl, double dx, double dy, const velocityStatistics& stats);
+
+// False when the flow has diverged: a peak is infinite or NaN.
+bool peaksFinite(const velocityStatistics& stats);
 
 }  // namespace marv
