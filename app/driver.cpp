@@ -116,7 +116,10 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       const array3d<double>& display = state.views[viewBc];
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
-      writeStepResults(cfg, state.views);
+      if (!writeStepResults(cfg, state.views) && stages.stopOnFault) {
+        if (stages.runStep) stages.runStep(cfg, true);
+        return 0;
+      }
       smoothStepTime(cfg);
       if (presentThisStep(cfg)) present();
       clearDrawTarget();
@@ -216,6 +219,7 @@ int runPass(const passStages& stages, driverState& state) {
   if (stages.sourceScreen && stages.sourceScreen(state, cfg) != 1) return endPass(0);
   if (stages.confirmScreen && stages.confirmScreen(state, cfg) != 1) return endPass(0);
   if (stages.writeHistory) syncHistory(cfg, 1, state.startDirectory);
+  removeDumpLeftovers();
 
   state.titleProjectName = cfg.projectName;
   state.windowTitle += " | " + state.titleProjectName;

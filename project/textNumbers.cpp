@@ -65,7 +65,9 @@ bool replaceFileAtomically(const std::string& path, const void* bytes, std::size
   const bool flushed = std::fflush(f) == 0 && fsync(fileno(f)) == 0;
   const bool closed = std::fclose(f) == 0;
   if (!written || !flushed || !closed || std::rename(temporary.c_str(), path.c_str()) != 0) {
+    const int error = errno;  // the reason stays for the caller's message
     std::remove(temporary.c_str());
+    errno = error;
     return false;
   }
   return true;

@@ -2,15 +2,25 @@
 // non-zero status and leave nothing wrong behind: a flow that diverges, a
 // dump write that fails or is killed part-way.
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/batchStages.h"
 #include "app/driver.h"
+#include "result/dumpFiles.h"
 #include "testSupport.h"
 
 namespace {
@@ -23,6 +33,8 @@ fs::path cavityProject(const std::string& name, const std::string& paramText) {
   const fs::path folder = marvtest::scratchFolder(name);
   fs::copy(fs::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "cavity2d" / "input", folder / "input",
            fs::copy_options::recursive);
+  fs::create_directories(folder / "figs");
+  fs::create_directories(folder / "dump");
   marvtest::writeText(folder / "input" / "param.txt", paramText);
   return folder;
 }
@@ -73,6 +85,105 @@ TEST(Divergence, AStableRunEndsNormally) {
   EXPECT_EQ(runBatch(folder, state), 0);
   EXPECT_EQ(state.stepsTaken, 21);
   EXPECT_TRUE(fs::exists(folder / "dump" / "00000020" / "ufld.raw"));
+  fs::remove_all(folder);
+}
+
+// Runs marvanesse-batch on folder in a child process; before the program
+// starts the child applies limit (a largest file size in bytes, 0 for none).
+// Returns the child's pid.
+pid_t startBatch(const fs::path& folder, long long fileSizeLimit = 0) {
+  const pid_t pid = fork();
+  if (pid == 0) {
+    if (fileSizeLimit > 0) {
+      signal(SIGXFSZ, SIG_IGN);  // a write past the limit fails with EFBIG instead
+      const rlimit limit{static_cast<rlim_t>(fileSizeLimit), static_cast<rlim_t>(fileSizeLimit)};
+      setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    const std::string path = folder.string();
+    execl(MARV_BATCH_EXE, MARV_BATCH_EXE, "--quiet", path.c_str(), static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  return pid;
+}
+
+int exitStatus(pid_t pid) {
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Every dump folder that the program would look at is whole or absent, and
+// the names a dump search or a restart would take are exactly the whole ones.
+void expectOnlyWholeDumps(const fs::path& project, const std::string& context) {
+  const fs::path before = fs::current_path();
+  fs::current_path(project);
+  for (const auto& entry : fs::directory_iterator("dump")) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() != 8 || !entry.is_directory()) continue;
+    EXPECT_TRUE(marv::dumpIsWhole(std::stoi(name))) << context << ": dump " << name << " is visible but not whole";
+  }
+  fs::current_path(before);
+}
+
+TEST(FullDisk, TheRunStopsWithAnErrorAndEveryDumpIsWholeOrAbsent) {
+  const fs::path folder = cavityProject("fulldisk", std::string(cavityLines) + "9:latts 200\n10:nfile 1\n");
+  // A real small file system where the machine allows mounting one;
+  // otherwise a limit on the file size makes every large write fail.
+  const fs::path disk = marvtest::scratchFolder("tmpfs");
+  const bool mounted = geteuid() == 0 && mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=400k") == 0;
+  fs::path project = folder;
+  if (mounted) {
+    fs::copy(folder, disk / "project", fs::copy_options::recursive);
+    project = disk / "project";
+  }
+  const pid_t pid = startBatch(project, mounted ? 0 : 20000);
+  EXPECT_EQ(exitStatus(pid), 1) << (mounted ? "on a full file system" : "past the file size limit");
+  expectOnlyWholeDumps(project, "full disk");
+  int whole = 0;
+  for (const auto& entry : fs::directory_iterator(project / "dump")) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_EQ(name.find(".tmp"), std::string::npos) << "a failed write removes its staging folder: " << name;
+    whole += name.size() == 8;
+  }
+  if (mounted) {
+    EXPECT_GE(whole, 1) << "the dumps that fitted stay";
+  }
+  if (mounted) umount(disk.c_str());
+  fs::remove_all(disk);
+  fs::remove_all(folder);
+}
+
+TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
+  // A 129 x 129 mesh dumped at every step: most of the run's time is spent
+  // writing dumps, so that random kills land inside a write.
+  const fs::path folder =
+      cavityProject("killed", "1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:latts 100000\n7:nfile 1\n");
+  std::mt19937 random(20261123);
+  for (int kill = 0; kill < 8; ++kill) {
+    const pid_t pid = startBatch(folder);
+    // The program needs about 0.3 s to start; then it writes a dump every
+    // few milliseconds.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300 + random() % 1200));
+    ::kill(pid, SIGKILL);
+    exitStatus(pid);
+    expectOnlyWholeDumps(folder, "kill " + std::to_string(kill));
+  }
+  // A restart from the newest dump works, and the start removes what the
+  // kills left under temporary names.
+  int newest = -1;
+  for (const auto& entry : fs::directory_iterator(folder / "dump")) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() == 8) newest = std::max(newest, std::stoi(name));
+  }
+  ASSERT_GE(newest, 0) << "no dump was written before the kills";
+  marvtest::writeText(folder / "input" / "param.txt",
+                      "1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:nfile 0\n7:sts " + std::to_string(newest) +
+                          "\n8:latts " + std::to_string(newest + 1) + "\n");
+  marv::driverState state;
+  EXPECT_EQ(runBatch(folder, state), 0);
+  EXPECT_EQ(state.stepsTaken, 2);
+  for (const auto& entry : fs::recursive_directory_iterator(folder))
+    EXPECT_NE(entry.path().extension(), ".tmp") << entry.path() << " is left of a killed write";
   fs::remove_all(folder);
 }
 
