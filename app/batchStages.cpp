@@ -27,7 +27,9 @@ void batchMessage(appConfig&, const char* text) {
     if (c == '\n' || c == '\r') c = ' ';
   }
   std::fprintf(stderr, "marvanesse-batch: %s\n", line.c_str());
-  ++messagesShown;
+  // Notes and warnings go with a run that goes on; only errors and
+  // refusals count as the reason of an early end.
+  if (line.rfind("[NOTE]", 0) != 0 && line.rfind("[WARNING]", 0) != 0) ++messagesShown;
 }
 
 int startScreen(driverState&, appConfig&) { return options.analysis ? 4 : 3; }

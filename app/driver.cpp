@@ -276,7 +276,8 @@ int runPass(const passStages& stages, driverState& state) {
           std::snprintf(text, sizeof text, "%e", parameterFieldValue(cfg, e.index));
         e.value = text;
       }
-      writeParameterFile(editor, cfg.version);
+      std::string losses;
+      reportParameterWrite(cfg, writeParameterFile(editor, cfg.version, &losses), losses);
     }
     // Final domain construction: boundary types, image points, node lists.
     if (cfg.nz == 1)

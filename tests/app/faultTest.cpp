@@ -88,6 +88,20 @@ TEST(Divergence, AStableRunEndsNormally) {
   fs::remove_all(folder);
 }
 
+TEST(LongParameterFile, TheBatchRunnerKeepsTheOriginalByteForByte) {
+  std::string text = "// my case\n" + std::string(cavityLines) + "9:latts 2\n10:nfile 0\n";
+  for (int i = 11; i <= 150; ++i) text += std::to_string(i) + ":nfig 0   // spare line " + std::to_string(i) + "\r\n";
+  const fs::path folder = cavityProject("long", text);
+  marv::driverState state;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(runBatch(folder, state), 0);
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt.bak"), text);
+  EXPECT_NE(said.find("lines past the hundredth"), std::string::npos) << said;
+  EXPECT_NE(said.find("input/param.txt.bak"), std::string::npos) << said;
+  fs::remove_all(folder);
+}
+
 // Runs marvanesse-batch on folder in a child process; before the program
 // starts the child applies limit (a largest file size in bytes, 0 for none).
 // Returns the child's pid.
