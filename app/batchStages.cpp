@@ -12,6 +12,7 @@
 #include "domain/bitmapReading.h"
 #include "layer/layer.h"
 #include "project/parameterFile.h"
+#include "project/textNumbers.h"
 
 namespace marv {
 
@@ -54,6 +55,21 @@ int confirmScreen(driverState& state, appConfig& cfg) {
   return 1;
 }
 
+// Why a list was refused where applyParameters itself says nothing: the
+// window shows the list again, a script needs the reason.
+std::string refusalReason(const parameterEditor& editor, int count) {
+  if (count == 0) return "the file holds no parameter lines (it is empty or holds only comments)";
+  for (const char* name : {"nx", "ny"}) {
+    const int index = lookupParameter(name).index;
+    const double v = index >= 0 && index < maxParameterEntries ? editor.transferTable[index] : notGiven;
+    if (v == notGiven) return std::string("\"") + name + "\" is not given; a mesh needs at least 2 points along it";
+    if (v < 2.0)
+      return std::string("\"") + name + "\" is " + std::to_string(truncToInt(v)) +
+             "; a mesh needs at least 2 points along it";
+  }
+  return "see the message above";
+}
+
 int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
   const int count = readParameterFile(editor, cfg, "./input/param.txt");
   if (count < 0) {
@@ -63,7 +79,8 @@ int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
   takeChoiceValues(editor);
   const int before = messagesShown;
   const int result = acceptParameters(editor, cfg);
-  if (result != 1 && messagesShown == before) batchMessage(cfg, "the parameters of input/param.txt were refused");
+  if (result != 1 && messagesShown == before)
+    batchMessage(cfg, ("the parameters of input/param.txt were refused: " + refusalReason(editor, count)).c_str());
   return result;
 }
 

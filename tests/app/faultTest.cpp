@@ -102,6 +102,26 @@ TEST(LongParameterFile, TheBatchRunnerKeepsTheOriginalByteForByte) {
   fs::remove_all(folder);
 }
 
+TEST(RefusedParameters, TheBatchRunnerAlwaysSaysWhy) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "no parameter lines"},
+      {"// only a comment\n", "no parameter lines"},
+      {"1:ny 5\n", "\"nx\" is not given"},
+      {"1:nx 1\n2:ny 5\n", "\"nx\" is 1"},
+      {"1:nx 5\n2:ny 1.5\n", "\"ny\" is 1"},
+  };
+  for (const auto& [text, reason] : cases) {
+    const fs::path folder = marvtest::scratchFolder("refused");
+    marvtest::writeText(folder / "input" / "param.txt", text);
+    marv::driverState state;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(runBatch(folder, state), 1) << text;
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find(reason), std::string::npos) << text << " gave: " << said;
+    fs::remove_all(folder);
+  }
+}
+
 // Runs marvanesse-batch on folder in a child process; before the program
 // starts the child applies limit (a largest file size in bytes, 0 for none).
 // Returns the child's pid.
