@@ -108,9 +108,20 @@ void runStep(appConfig& cfg, bool final) {
 
 // The bitmap stage without its screen: every bitmap is read and its colours
 // taken with the choices saved in bmp.txt, as if Enter were pressed at once.
+// A bitmap that exists but cannot be read would leave its walls out of the
+// run: the batch runner refuses the project instead of running without them.
 int bitmapStage(appConfig& cfg) {
   cfg.progressToTerminal = options.quiet ? 0 : 1;
-  return readBoundaryBitmaps(cfg, [&cfg](const std::string& text) { batchMessage(cfg, text.c_str()); });
+  int errors = 0;
+  const int result = readBoundaryBitmaps(cfg, [&cfg, &errors](const std::string& text) {
+    batchMessage(cfg, text.c_str());
+    if (text.rfind("[ERROR]", 0) == 0) ++errors;
+  });
+  if (errors > 0) {
+    batchMessage(cfg, "the project's boundary bitmaps could not all be read; the run would lack their walls");
+    return -1;
+  }
+  return result;
 }
 int acceptPlacement(driverState&, appConfig&) { return 1; }
 

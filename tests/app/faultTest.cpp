@@ -122,6 +122,48 @@ TEST(RefusedParameters, TheBatchRunnerAlwaysSaysWhy) {
   }
 }
 
+TEST(Bitmaps, AnUnreadableBitmapRefusesTheProject) {
+  const fs::path folder = cavityProject("badbitmap", std::string(cavityLines) + "9:latts 1\n");
+  const fs::path bitmap = folder / "input" / "bcXY0.bmp";
+  fs::resize_file(bitmap, fs::file_size(bitmap) / 2);
+  marv::driverState state;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(runBatch(folder, state), 1);
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("bcXY0.bmp"), std::string::npos) << said;
+  EXPECT_EQ(state.stepsTaken, 0) << "no run without the walls";
+  fs::remove_all(folder);
+}
+
+TEST(Bitmaps, ATopDownBitmapGivesTheSameDomainAsItsBottomUpTwin) {
+  std::string boundary[2];
+  for (int topDown = 0; topDown < 2; ++topDown) {
+    const fs::path folder = cavityProject("topdown", std::string(cavityLines) + "9:latts 0\n");
+    const fs::path bitmap = folder / "input" / "bcXY0.bmp";
+    if (topDown) {
+      std::string bytes = marvtest::readText(bitmap);
+      auto u32 = [&bytes](std::size_t at) {
+        std::uint32_t v = 0;
+        for (int i = 3; i >= 0; --i) v = v << 8 | static_cast<std::uint8_t>(bytes[at + i]);
+        return v;
+      };
+      const std::uint32_t offset = u32(10), width = u32(18), height = u32(22), bits = bytes[28];
+      const std::size_t row = (width * bits + 31) / 32 * 4;
+      std::string flipped = bytes.substr(0, offset);
+      for (std::uint32_t r = height; r-- > 0;) flipped += bytes.substr(offset + r * row, row);
+      const std::uint32_t negative = static_cast<std::uint32_t>(-static_cast<std::int32_t>(height));
+      for (int i = 0; i < 4; ++i) flipped[22 + i] = static_cast<char>(negative >> (8 * i));
+      marvtest::writeText(bitmap, flipped);
+    }
+    marv::driverState state;
+    EXPECT_EQ(runBatch(folder, state), 0) << (topDown ? "top-down" : "bottom-up");
+    boundary[topDown] = marvtest::readText(folder / "dump" / "00000000" / "bc.raw");
+    fs::remove_all(folder);
+  }
+  EXPECT_EQ(boundary[0].size(), 33u * 33u * 8u);
+  EXPECT_TRUE(boundary[0] == boundary[1]) << "the boundary types differ";
+}
+
 // Runs marvanesse-batch on folder in a child process; before the program
 // starts the child applies limit (a largest file size in bytes, 0 for none).
 // Returns the child's pid.
