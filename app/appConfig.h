@@ -259,6 +259,7 @@ struct appConfig {
   int divergedStep = -1;           // step of that frame
   double divergedTime = 0.0;       // simulated time of that frame [s]
   int writeFailedStep = -1;        // step of the last failed write that was reported
+  int refuseOversizedMesh = 0;     // 1: a mesh beyond the machine's memory is refused, 0: only warned of
   std::string absProjPath = "./";  // last project (.history)
 
   // ---------------------------------------------------------------- colour and bitmap tables

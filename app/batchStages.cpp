@@ -77,6 +77,7 @@ int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
     return -1;
   }
   takeChoiceValues(editor);
+  cfg.refuseOversizedMesh = 1;  // a script gets a refusal, not a machine that swaps or kills it
   const int before = messagesShown;
   const int result = acceptParameters(editor, cfg);
   if (result != 1 && messagesShown == before)

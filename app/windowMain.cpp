@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "app/driver.h"
+#include "app/meshMemory.h"
 #include "layer/layer.h"
 
 namespace {
@@ -59,6 +60,7 @@ int startScreen(marv::driverState&, marv::appConfig& cfg) {
 }  // namespace
 
 int main() {
+  marv::endOnAllocationFailure("marvanesse");
   using namespace marv;
   setLogging(0);
   setTextCodePage(932);

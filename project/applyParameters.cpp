@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <string>
 
+#include "app/meshMemory.h"
 #include "domain/bmpTxt.h"
 #include "project/parameterFields.h"
 #include "project/textNumbers.h"
@@ -363,6 +364,14 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
   // 13. A fixed open-boundary pressure leaves no mean to adjust.
   if (cfg.openPresFlag == 1) cfg.presAdjustFlag = 0;
 
+  // The memory that the fields will take, before any of them is allocated.
+  std::string memoryWarning;
+  const std::string shortfall = memoryShortfall(meshMemoryBytes(cfg), availableMemoryBytes());
+  if (!shortfall.empty()) {
+    if (cfg.refuseOversizedMesh) return refuse(cfg, "[ERROR] " + shortfall);
+    memoryWarning = "[WARNING] " + shortfall + " The run may end for lack of memory.";
+  }
+
   // 14. Boundary bitmap storage and the colour slots.
   cfg.bitmapXY.assign(static_cast<std::size_t>(cfg.nx) * cfg.ny * maxBitmapSlices, 0);
   cfg.bitmapYZ.assign(static_cast<std::size_t>(cfg.ny) * cfg.nz * maxBitmapSlices, 0);
@@ -402,7 +411,8 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
   // 19. Tiles.
   tiles(cfg);
 
-  const std::string warning = meaninglessValues(cfg, nzGiven);
+  std::string warning = meaninglessValues(cfg, nzGiven);
+  if (!memoryWarning.empty()) warning = memoryWarning + (warning.empty() ? "" : "\n" + warning);
   if (!warning.empty() && cfg.showMessage) cfg.showMessage(cfg, warning.c_str());
   return 1;
 }
