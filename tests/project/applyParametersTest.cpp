@@ -214,6 +214,32 @@ TEST(ApplyParameters, MeaninglessValuesAreTakenWithAWarning) {
   EXPECT_NE(several.messages[0].find("\"cfl\""), std::string::npos);
 }
 
+// Products and sums that leave 64 or 32 bits: refused or saturated, never
+// wrapped (the sanitizer build checks that no arithmetic overflows).
+TEST(ApplyParameters, ExtremeSizesRefuseOrSaturate) {
+  for (const valueList& huge : std::vector<valueList>{{{"nx", "2"}, {"ny", "1e9"}, {"nz", "4294967295"}},
+                                                      {{"nx", "1e10"}, {"ny", "1e10"}, {"nz", "1e10"}},
+                                                      {{"nx", "65536"}, {"ny", "65536"}, {"nz", "2"}}}) {
+    const applied a = apply(huge);
+    EXPECT_EQ(a.result, -1);
+    ASSERT_EQ(a.messages.size(), 1u);
+    EXPECT_NE(a.messages[0].find("is too large"), std::string::npos) << a.messages[0];
+  }
+  // A domain of extreme aspect: the screen sizes stay within 32 bits.
+  for (const valueList& aspect :
+       std::vector<valueList>{{{"lx", "1e-300"}, {"ly", "1e308"}},
+                              {{"lx", "1e308"}, {"ly", "1e-300"}},
+                              {{"lx", "1e300"}, {"ly", "1"}, {"nz", "3"}, {"lz", "1e-300"}}}) {
+    valueList values = {{"nx", "9"}, {"ny", "9"}};
+    values.insert(values.end(), aspect.begin(), aspect.end());
+    const applied a = apply(values);
+    if (a.result != 1) continue;  // refused with a message is as good
+    for (int size : {a.cfg.sceneWidth, a.cfg.sceneHeight, a.cfg.screenWidth, a.cfg.screenHeight,
+                     a.cfg.bitmapScreenWidth, a.cfg.bitmapScreenHeight})
+      EXPECT_GE(size, 0) << "a size wrapped around";
+  }
+}
+
 TEST(ApplyParameters, ThreadCountFromLevelAndNprocs) {
   EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}}, 8).cfg.numThreads, 1);
   EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}, {"parallel", "1"}}, 8).cfg.numThreads, 2);
