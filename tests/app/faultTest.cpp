@@ -201,6 +201,13 @@ void expectOnlyWholeDumps(const fs::path& project, const std::string& context) {
   fs::current_path(before);
 }
 
+bool anyDump(const fs::path& project) {
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(project / "dump", error))
+    if (entry.path().filename().string().size() == 8) return true;
+  return false;
+}
+
 TEST(FullDisk, TheRunStopsWithAnErrorAndEveryDumpIsWholeOrAbsent) {
   const fs::path folder = cavityProject("fulldisk", std::string(cavityLines) + "9:latts 200\n10:nfile 1\n");
   // A real small file system where the machine allows mounting one;
@@ -237,9 +244,11 @@ TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
   std::mt19937 random(20261123);
   for (int kill = 0; kill < 8; ++kill) {
     const pid_t pid = startBatch(folder);
-    // The program needs about 0.3 s to start; then it writes a dump every
-    // few milliseconds.
-    std::this_thread::sleep_for(std::chrono::milliseconds(300 + random() % 1200));
+    // Once the first dump is there the program writes one every few
+    // milliseconds: the kill lands at a random point after it.
+    for (int wait = 0; wait < 3000 && !anyDump(folder) && ::kill(pid, 0) == 0; ++wait)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::this_thread::sleep_for(std::chrono::milliseconds(random() % 400));
     ::kill(pid, SIGKILL);
     exitStatus(pid);
     expectOnlyWholeDumps(folder, "kill " + std::to_string(kill));
