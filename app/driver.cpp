@@ -96,7 +96,7 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       if (cfg.ts > cfg.latts) break;
       const int inputResult = handleFrameInput(input, cfg);
       drawFrame(scene, cfg, state.views, 1);
-      if (noteDivergence(cfg, scene.stats) && stages.stopOnFault) {
+      if (noteDivergence(cfg, scene.stats) && stages.stopOnFault && !cfg.analysisMode) {
         // Nothing of this step is written: the last dump on disk is the
         // last good state of the flow.
         char text[160];
