@@ -268,6 +268,11 @@ struct appConfig {
   double presResidual = -1.0e10;   // last pressure change
   int presIterations = 0;          // sweeps of the last step
   double maxCfl = 0.0;             // Courant number of the last frame
+  int diverged = 0;                // 1 once a frame found a velocity that is not finite
+  int divergedStep = -1;           // step of that frame
+  double divergedTime = 0.0;       // simulated time of that frame [s]
+  int writeFailedStep = -1;        // step of the last failed write that was reported
+  int refuseOversizedMesh = 0;     // 1: a mesh beyond the machine's memory is refused, 0: only warned of
   std::string absProjPath = "./";  // last project (.history)
 
   // ---------------------------------------------------------------- colour and bitmap tables

@@ -5,9 +5,11 @@
 #include <cstring>
 
 #include "app/batchStages.h"
+#include "app/meshMemory.h"
 #include "layer/layer.h"
 
 int main(int argc, char** argv) {
+  marv::endOnAllocationFailure("marvanesse-batch");
   marv::batchOptions options;
   for (int i = 1; i < argc; ++i) {
     if (std::strcmp(argv[i], "--analysis") == 0) {

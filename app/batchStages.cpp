@@ -12,6 +12,7 @@
 #include "domain/bitmapReading.h"
 #include "layer/layer.h"
 #include "project/parameterFile.h"
+#include "project/textNumbers.h"
 
 namespace marv {
 
@@ -27,7 +28,9 @@ void batchMessage(appConfig&, const char* text) {
     if (c == '\n' || c == '\r') c = ' ';
   }
   std::fprintf(stderr, "marvanesse-batch: %s\n", line.c_str());
-  ++messagesShown;
+  // Notes and warnings go with a run that goes on; only errors and
+  // refusals count as the reason of an early end.
+  if (line.rfind("[NOTE]", 0) != 0 && line.rfind("[WARNING]", 0) != 0) ++messagesShown;
 }
 
 int startScreen(driverState&, appConfig&) { return options.analysis ? 4 : 3; }
@@ -52,6 +55,21 @@ int confirmScreen(driverState& state, appConfig& cfg) {
   return 1;
 }
 
+// Why a list was refused where applyParameters itself says nothing: the
+// window shows the list again, a script needs the reason.
+std::string refusalReason(const parameterEditor& editor, int count) {
+  if (count == 0) return "the file holds no parameter lines (it is empty or holds only comments)";
+  for (const char* name : {"nx", "ny"}) {
+    const int index = lookupParameter(name).index;
+    const double v = index >= 0 && index < maxParameterEntries ? editor.transferTable[index] : notGiven;
+    if (v == notGiven) return std::string("\"") + name + "\" is not given; a mesh needs at least 2 points along it";
+    if (v < 2.0)
+      return std::string("\"") + name + "\" is " + std::to_string(truncToInt(v)) +
+             "; a mesh needs at least 2 points along it";
+  }
+  return "see the message above";
+}
+
 int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
   const int count = readParameterFile(editor, cfg, "./input/param.txt");
   if (count < 0) {
@@ -59,9 +77,11 @@ int parameterEditorScreen(parameterEditor& editor, appConfig& cfg) {
     return -1;
   }
   takeChoiceValues(editor);
+  cfg.refuseOversizedMesh = 1;  // a script gets a refusal, not a machine that swaps or kills it
   const int before = messagesShown;
   const int result = acceptParameters(editor, cfg);
-  if (result != 1 && messagesShown == before) batchMessage(cfg, "the parameters of input/param.txt were refused");
+  if (result != 1 && messagesShown == before)
+    batchMessage(cfg, ("the parameters of input/param.txt were refused: " + refusalReason(editor, count)).c_str());
   return result;
 }
 
@@ -90,9 +110,20 @@ void runStep(appConfig& cfg, bool final) {
 
 // The bitmap stage without its screen: every bitmap is read and its colours
 // taken with the choices saved in bmp.txt, as if Enter were pressed at once.
+// A bitmap that exists but cannot be read would leave its walls out of the
+// run: the batch runner refuses the project instead of running without them.
 int bitmapStage(appConfig& cfg) {
   cfg.progressToTerminal = options.quiet ? 0 : 1;
-  return readBoundaryBitmaps(cfg, [&cfg](const std::string& text) { batchMessage(cfg, text.c_str()); });
+  int errors = 0;
+  const int result = readBoundaryBitmaps(cfg, [&cfg, &errors](const std::string& text) {
+    batchMessage(cfg, text.c_str());
+    if (text.rfind("[ERROR]", 0) == 0) ++errors;
+  });
+  if (errors > 0) {
+    batchMessage(cfg, "the project's boundary bitmaps could not all be read; the run would lack their walls");
+    return -1;
+  }
+  return result;
 }
 int acceptPlacement(appConfig&, passObjects&) { return 1; }
 
@@ -113,6 +144,7 @@ passStages batchStages(const batchOptions& given) {
   stages.onePass = true;
   stages.writeHistory = false;
   stages.splash = false;
+  stages.stopOnFault = true;
   return stages;
 }
 

@@ -22,6 +22,7 @@
 #include "result/dumpFiles.h"
 #include "result/stepResults.h"
 #include "scene/inputState.h"
+#include "scene/velocityStatistics.h"
 #include "widgets/controlPanel.h"
 
 namespace marv {
@@ -54,6 +55,17 @@ bool running(const appConfig& cfg) {
          cfg.analysisMode == 0;
 }
 
+// Marks the run as diverged at the first frame whose velocity peaks are not
+// finite; true while it is.
+bool noteDivergence(appConfig& cfg, const velocityStatistics& stats) {
+  if (cfg.diverged == 0 && !peaksFinite(stats)) {
+    cfg.diverged = 1;
+    cfg.divergedStep = cfg.ts;
+    cfg.divergedTime = cfg.time;
+  }
+  return cfg.diverged != 0;
+}
+
 // The run (step 23 of a pass). Returns -1 when the window was closed.
 int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneView& scene, inputState& input,
             controlPanel& panel, bcDomain& domain) {
@@ -76,6 +88,16 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       if (cfg.ts > cfg.latts) break;
       const int inputResult = handleFrameInput(input, cfg);
       drawFrame(scene, cfg, state.views, 1);
+      if (noteDivergence(cfg, scene.stats) && stages.stopOnFault && !cfg.analysisMode) {
+        // Nothing of this step is written: the last dump on disk is the
+        // last good state of the flow.
+        char text[160];
+        std::snprintf(text, sizeof text, "the flow diverged at step %d, t = %e s: lower cfl or deltat",
+                      cfg.divergedStep, cfg.divergedTime);
+        if (stages.showMessage) stages.showMessage(cfg, text);
+        if (stages.runStep) stages.runStep(cfg, true);
+        return 0;
+      }
       runControlPanel(panel, cfg);
       if (cfg.snapshotRequested) {
         if (cfg.ts <= cfg.latts) saveSnapshot(cfg);
@@ -86,7 +108,10 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       const array3d<double>& display = state.views[viewBc];
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
-      writeStepResults(cfg, state.views);
+      if (!writeStepResults(cfg, state.views) && stages.stopOnFault) {
+        if (stages.runStep) stages.runStep(cfg, true);
+        return 0;
+      }
       if (presentThisStep(cfg)) present();
       clearDrawTarget();
       cfg.solveStartMs = nowMs();
@@ -187,6 +212,7 @@ int runPass(const passStages& stages, driverState& state) {
   if (stages.sourceScreen && stages.sourceScreen(state, cfg) != 1) return endPass(0);
   if (stages.confirmScreen && stages.confirmScreen(state, cfg) != 1) return endPass(0);
   if (stages.writeHistory) syncHistory(cfg, 1, state.startDirectory);
+  removeDumpLeftovers();
 
   state.titleProjectName = cfg.projectName;
   state.windowTitle += " | " + state.titleProjectName;
@@ -261,7 +287,8 @@ int runPass(const passStages& stages, driverState& state) {
           std::snprintf(text, sizeof text, "%e", parameterFieldValue(cfg, e.index));
         e.value = text;
       }
-      writeParameterFile(editor, cfg.version);
+      std::string losses;
+      reportParameterWrite(cfg, writeParameterFile(editor, cfg.version, &losses), losses);
     }
     // Final domain construction: boundary types, image points, node lists.
     if (cfg.nz == 1)

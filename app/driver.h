@@ -61,6 +61,7 @@ struct passStages {
   bool onePass = false;                               // stop after the first pass (batch)
   bool writeHistory = true;                           // read and write .history in the start directory
   bool splash = true;                                 // show the splash in the first pass
+  bool stopOnFault = false;                           // a diverged flow or a failed write ends the run as refused
 };
 
 // Runs passes until the window closes (or, with onePass, after one pass).

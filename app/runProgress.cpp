@@ -23,6 +23,13 @@ void formatProgress(char* buffer, int size, const appConfig& cfg, int step, doub
     const long seconds = static_cast<long>(left / stepsPerSecond + 0.5);
     std::snprintf(eta, sizeof eta, "%ld:%02ld:%02ld", seconds / 3600, seconds / 60 % 60, seconds % 60);
   }
+  // A diverged flow has no residual worth showing: the line says what
+  // happened instead of numbers that look like a converged step.
+  if (cfg.diverged) {
+    std::snprintf(buffer, static_cast<std::size_t>(size), "step %d/%d  t=%.6e s  DIVERGED at step %d", step, cfg.latts,
+                  cfg.time, cfg.divergedStep);
+    return;
+  }
   std::snprintf(buffer, static_cast<std::size_t>(size),
                 "step %d/%d  t=%.6e s  dt=%.3e s  residual=%.3e  sweeps=%d  %.1f steps/s  left %s", step, cfg.latts,
                 cfg.time, cfg.deltat, cfg.presResidual, cfg.presIterations, stepsPerSecond, eta);

@@ -6,10 +6,12 @@
 // processMessages.
 #include "app/driver.h"
 #include "app/menuCommands.h"
+#include "app/meshMemory.h"
 #include "app/windowStages.h"
 #include "layer/layer.h"
 
 int main() {
+  marv::endOnAllocationFailure("marvanesse");
   using namespace marv;
   setLogging(0);
   setTextCodePage(932);

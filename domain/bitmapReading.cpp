@@ -11,12 +11,20 @@
 
 #include "domain/bitmapColours.h"
 #include "layer/layer.h"
+#include "project/textNumbers.h"
 
 namespace marv {
 
 namespace {
 
 const char* const planeNames[3] = {"XY", "YZ", "ZX"};
+
+// A pixel position from float, saturating at +-2^26 (NaN gives 0).
+int toPixel(float v) {
+  constexpr float limit = 67108864.0f;
+  if (!(v == v)) return 0;
+  return static_cast<int>(std::clamp(v, -limit, limit));
+}
 
 bool fileExists(const std::string& path) {
   struct stat info {};
@@ -60,21 +68,27 @@ planeGeometry makePlaneGeometry(const appConfig& cfg, int plane) {
   }
   // Float arithmetic, so that the node pixels match those the mesh lines of
   // the stage's screen are drawn at.
-  const auto s = static_cast<float>(cfg.pixPerMetre);
+  // An extreme domain (lx 1e300) puts pixels far beyond any screen: they
+  // saturate at 2^26, where every sum below still fits 32 bits and the layer
+  // refuses images that large.
+  const auto s = narrowToFloat(cfg.pixPerMetre);
   g.px.resize(g.across);
   g.py.resize(g.down);
   for (int a = 0; a < g.across; ++a)
-    g.px[a] = static_cast<int>((static_cast<float>(h[a]) - static_cast<float>(h[0])) * s +
-                               static_cast<float>(cfg.marginLeft) + 0.5f);
+    g.px[a] = toPixel((narrowToFloat(h[a]) - narrowToFloat(h[0])) * s + static_cast<float>(cfg.marginLeft) + 0.5f);
   for (int b = 0; b < g.down; ++b)
-    g.py[b] =
-        static_cast<int>(s * static_cast<float>(length) - (static_cast<float>(v[b]) - static_cast<float>(v[0])) * s +
-                         static_cast<float>(cfg.marginTop) + 0.5f);
-  const int pxFirst = g.px[0], pxLast = g.px[g.across - 1];
-  const int pyFirst = g.py[0], pyLast = g.py[g.down - 1];
-  g.ox = cfg.marginLeft + (pxFirst - cfg.marginRight - cfg.marginLeft - pxLast - 1 + cfg.bitmapScreenWidth) / 2;
-  g.oy = cfg.marginTop +
-         (pyLast - 1 + cfg.bitmapScreenHeight - cfg.bitmapGap - cfg.marginBottom - pyFirst - cfg.marginTop) / 2;
+    g.py[b] = toPixel(s * narrowToFloat(length) - (narrowToFloat(v[b]) - narrowToFloat(v[0])) * s +
+                      static_cast<float>(cfg.marginTop) + 0.5f);
+  const long long pxFirst = g.px[0], pxLast = g.px[g.across - 1];
+  const long long pyFirst = g.py[0], pyLast = g.py[g.down - 1];
+  g.pixWidth = toPixel(static_cast<float>(g.pixWidth));
+  g.pixHeight = toPixel(static_cast<float>(g.pixHeight));
+  g.ox = toPixel(static_cast<float>(
+      cfg.marginLeft +
+      (pxFirst - cfg.marginRight - cfg.marginLeft - pxLast - 1 + static_cast<long long>(cfg.bitmapScreenWidth)) / 2));
+  g.oy = toPixel(static_cast<float>(cfg.marginTop + (pyLast - 1 + static_cast<long long>(cfg.bitmapScreenHeight) -
+                                                     cfg.bitmapGap - cfg.marginBottom - pyFirst - cfg.marginTop) /
+                                                        2));
   return g;
 }
 

@@ -4,6 +4,8 @@
 // drawn boundary is the one the final build classifies.
 #include "domain/prepareInputs.h"
 
+#include <algorithm>
+
 #include "domain/bitmapDomain.h"
 #include "domain/modelPlacement.h"
 #include "domain/polygonise.h"
@@ -20,8 +22,10 @@ void prepareFromInputs(bcDomain& domain, appConfig& cfg) {
   scratch.work = ownedArray3d<float>(nx, ny, nz);
 
   cfg.progressCount = 0;
-  cfg.progressTotal = 3 * cfg.iNumBcColor - 2;
-  if (nz != 1) cfg.progressTotal += (domain.endType - domain.firstType) + cfg.mLoopMax + 1;
+  // A huge mLoopMax would carry the sum past 32 bits: it saturates.
+  long long total = 3LL * cfg.iNumBcColor - 2;
+  if (nz != 1) total += static_cast<long long>(domain.endType - domain.firstType) + cfg.mLoopMax + 1;
+  cfg.progressTotal = static_cast<int>(std::clamp(total, 0LL, 2147483647LL));
   showProgress(cfg, 0);
 
   if (cfg.iNumBcColor > 1) {

@@ -32,20 +32,27 @@ void letWindowRun() {
 }
 
 void showProgress(appConfig& cfg, int row) {
-  const int percent = std::min(100, static_cast<int>(100.0 * cfg.progressCount / std::max(1, cfg.progressTotal)));
-  const int h = std::max(1, cfg.textHeight);
+  const int percent =
+      std::clamp(static_cast<int>(std::min(100.0, 100.0 * cfg.progressCount / std::max(1, cfg.progressTotal))), 0, 100);
+  // Screen sizes can stand at the ends of the 32-bit range for an extreme
+  // domain: the layout is worked out in 64 bits and kept to a drawable range.
+  auto fit = [](long long v) { return static_cast<int>(std::clamp(v, -(1LL << 24), 1LL << 24)); };
+  const long long h = std::clamp(cfg.textHeight, 1, 1 << 16);
   const int rows = std::clamp(cfg.progressRows, 1, 3);
-  const int width = cfg.sceneWidth, height = cfg.sceneHeight;
-  const int left = cfg.marginLeft, barWidth = std::max(1, width - cfg.marginLeft - cfg.marginRight);
-  const int top = (height - (rows * h + (rows - 1) * 2 * h)) / 2;
+  const long long width = fit(cfg.sceneWidth);
+  const long long height = fit(cfg.sceneHeight);
+  const int left = fit(cfg.marginLeft);
+  const long long barWidth = std::max(1LL, width - fit(cfg.marginLeft) - fit(cfg.marginRight));
+  const long long top = (height - (rows * h + (rows - 1) * 2 * h)) / 2;
   for (int r = 0; r < rows; ++r) {
     const int value = r < row ? 100 : (r > row ? 0 : percent);
-    const int y = top + r * 3 * h;
-    drawBox(left, y, left + barWidth, y + h, colour(220, 220, 220), 1);
-    drawBox(left, y, left + barWidth * std::min(value, 100) / 100, y + h, colour(90, 160, 230), 1);
+    const int y = fit(top + r * 3 * h);
+    const int bottom = fit(top + r * 3 * h + h);
+    drawBox(left, y, fit(left + barWidth), bottom, colour(220, 220, 220), 1);
+    drawBox(left, y, fit(left + barWidth * value / 100), bottom, colour(90, 160, 230), 1);
     char text[64];
     std::snprintf(text, sizeof text, rowFormats[r], r + 1, value);
-    drawText((width - textWidth("%s", text)) / 2, y, text, colour(0, 0, 0), -1, 0, 0);
+    drawText(fit((width - textWidth("%s", text)) / 2), y, text, colour(0, 0, 0), -1, 0, 0);
   }
   const long long nodes = static_cast<long long>(cfg.nx) * cfg.ny * cfg.nz;
   if (cfg.progressToTerminal != 0 && nodes >= terminalNodes &&
@@ -57,7 +64,7 @@ void showProgress(appConfig& cfg, int row) {
     lastTerminalRow = row;
     lastTerminalPercent = percent;
   }
-  cfg.progressCount += 1;
+  if (cfg.progressCount < 2147483647) cfg.progressCount += 1;
   present();
   clearDrawTarget();
   letWindowRun();

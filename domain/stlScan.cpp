@@ -28,8 +28,12 @@ float length(point a) {
 
 float zf(const appConfig& cfg, float z) { return static_cast<float>(cfg.lz - static_cast<double>(z)); }
 
-// Nearest node index along an axis; saturating for points far away.
-int nodeIndex(double x, double first, double h) { return truncToInt((x - first) / h + 0.5); }
+// Nearest node index along an axis; saturating for points far away, at
+// 2^30 so that a box of any width around it stays inside 32 bits.
+int nodeIndex(double x, double first, double h) {
+  constexpr int far = 1 << 30;
+  return std::clamp(truncToInt((x - first) / h + 0.5), -far, far);
+}
 
 point nodePosition(const appConfig& cfg, int i, int j, int k) {
   return {static_cast<float>(cfg.xCoord[i]), static_cast<float>(cfg.yCoord[j]), static_cast<float>(cfg.zCoord[k])};
@@ -40,7 +44,7 @@ point nodePosition(const appConfig& cfg, int i, int j, int k) {
 void scanTriangles(bcDomain& domain, appConfig& cfg, const bcSurface& model, stlScanWork& work) {
   work.distance = ownedArray3d<float>(cfg.nx, cfg.ny, cfg.nz);
   fill<float>(work.distance, 1e10f);
-  const int w = std::max(1, cfg.scanningPixelWidthIBM);
+  const int w = std::clamp(cfg.scanningPixelWidthIBM, 1, 1 << 29);  // wider than any grid reaches
   const int count = static_cast<int>(model.triangles.size());
   for (int n = 0; n < count; ++n) {
     if (n % domain.scanStepTriangles == 0) showProgress(cfg, 1);

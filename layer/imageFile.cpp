@@ -5,6 +5,7 @@
 #include <jpeglib.h>
 #include <unistd.h>
 
+#include <climits>
 #include <csetjmp>
 #include <cstdint>
 #include <cstdio>
@@ -110,6 +111,9 @@ bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   if (data == nullptr || size == 0 || size > maxImageFileBytes) return false;
   int w = 0, h = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &w, &h, &channels)) return false;
+  // A BMP whose rows run top-down states a negative height; the size
+  // query hands it on as it stands, the decoder reads such files fine.
+  if (h < 0 && h != INT_MIN) h = -h;
   if (w <= 0 || h <= 0 || w > maxImageSide || h > maxImageSide) return false;
   if (!bmpIsComplete(data, size)) return false;
   stbi_uc* pixels = stbi_load_from_memory(data, static_cast<int>(size), &w, &h, &channels, 4);

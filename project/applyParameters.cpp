@@ -6,10 +6,14 @@
 #include <omp.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <initializer_list>
 #include <string>
 
+#include "app/meshMemory.h"
 #include "domain/bmpTxt.h"
 #include "project/parameterFields.h"
 #include "project/textNumbers.h"
@@ -68,24 +72,53 @@ std::string firstNonFiniteParameter(const parameterEditor& editor) {
   return std::string();
 }
 
+// Values that are taken as they come but cannot give a meaningful run,
+// named in one warning; empty when there is none. nzGiven is nz as the file
+// gave it, before a value below 2 made the case two-dimensional.
+std::string meaninglessValues(const appConfig& cfg, int nzGiven) {
+  std::string text;
+  auto add = [&text](const std::string& item) { text += (text.empty() ? "" : "; ") + item; };
+  auto number = [](double v) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%g", v);
+    return std::string(buffer);
+  };
+  if (cfg.mu <= 0.0) add("\"mu\" is " + number(cfg.mu) + ": a viscosity must be above 0");
+  if (cfg.cmode == 0 && cfg.rhow <= 0.0) add("\"rhow\" is " + number(cfg.rhow) + ": a density must be above 0");
+  if (cfg.fixedDeltat == 0 && (cfg.cfl <= 0.0 || cfg.cfl > 1.0))
+    add("\"cfl\" is " + number(cfg.cfl) + ": a stable run needs a value in (0, 1], usually about 0.3");
+  if (cfg.latts < cfg.sts)
+    add("\"latts\" (" + std::to_string(cfg.latts) + ") is below \"sts\" (" + std::to_string(cfg.sts) +
+        "): no step will run");
+  if (nzGiven <= 0) add("\"nz\" is " + std::to_string(nzGiven) + ": the case is taken as two-dimensional (nz 1)");
+  return text.empty() ? text : "[WARNING] " + text + ".";
+}
+
 // 9. Screen geometry from domx and the domain's aspect.
 void screenGeometry(appConfig& cfg) {
   cfg.pixPerCell = cfg.domx / cfg.nx;
   cfg.pixPerMetre = cfg.pixPerCell / cfg.dx;
+  // A domain far longer than wide gives sizes at the end of the 32-bit
+  // range; the sums below saturate there instead of wrapping.
+  auto sum = [](std::initializer_list<int> terms) {
+    std::int64_t total = 0;
+    for (int t : terms) total += t;
+    return static_cast<int>(std::clamp<std::int64_t>(total, INT_MIN, INT_MAX));
+  };
   cfg.domPixX = truncToInt(cfg.pixPerMetre * cfg.lx);
   cfg.domPixY = truncToInt(cfg.pixPerMetre * cfg.ly);
   cfg.domPixZ = truncToInt(cfg.pixPerMetre * cfg.lz);
   if (cfg.nz == 1) cfg.marginTop *= 3;
-  cfg.sceneWidth = cfg.domPixX + cfg.marginLeft + cfg.marginRight;
-  cfg.sceneHeight = cfg.marginTop + cfg.domPixY + cfg.marginBottom + cfg.bottomStrip;
+  cfg.sceneWidth = sum({cfg.domPixX, cfg.marginLeft, cfg.marginRight});
+  cfg.sceneHeight = sum({cfg.marginTop, cfg.domPixY, cfg.marginBottom, cfg.bottomStrip});
   cfg.colourBarX += cfg.pixPerCell;
-  cfg.bitmapScreenWidth = std::max(cfg.domPixX, cfg.domPixZ) + cfg.marginLeft + cfg.marginRight;
-  cfg.bitmapScreenHeight = std::max(cfg.domPixY, cfg.domPixZ) + cfg.bitmapGap + cfg.marginTop + cfg.marginBottom;
+  cfg.bitmapScreenWidth = sum({std::max(cfg.domPixX, cfg.domPixZ), cfg.marginLeft, cfg.marginRight});
+  cfg.bitmapScreenHeight = sum({std::max(cfg.domPixY, cfg.domPixZ), cfg.bitmapGap, cfg.marginTop, cfg.marginBottom});
   cfg.domPixW = cfg.domPixX;
   cfg.domPixH = cfg.domPixY;
   if (cfg.nz > 1 && cfg.domPixH < cfg.domPixX / 2) cfg.domPixH = cfg.domPixX / 2;
   cfg.screenWidth = cfg.sceneWidth;
-  cfg.screenHeight = cfg.marginTop + cfg.marginBottom + cfg.domPixH + cfg.bottomStrip;
+  cfg.screenHeight = sum({cfg.marginTop, cfg.marginBottom, cfg.domPixH, cfg.bottomStrip});
 }
 
 // 8. and 10. Node coordinates and their screen positions.
@@ -96,14 +129,14 @@ void coordinates(appConfig& cfg) {
   cfg.pixelX.assign(cfg.nx, 0.0f);
   cfg.pixelY.assign(cfg.ny, 0.0f);
   cfg.pixelZ.assign(cfg.nz, 0.0f);
-  const float ppm = static_cast<float>(cfg.pixPerMetre);
+  const float ppm = narrowToFloat(cfg.pixPerMetre);
   for (int i = 0; i < cfg.nx; ++i) {
     cfg.xCoord[i] = i * cfg.dx;
-    cfg.pixelX[i] = static_cast<float>(cfg.xCoord[i]) * ppm + static_cast<float>(cfg.marginLeft) + 0.5f;
+    cfg.pixelX[i] = narrowToFloat(cfg.xCoord[i]) * ppm + static_cast<float>(cfg.marginLeft) + 0.5f;
   }
   for (int j = 0; j < cfg.ny; ++j) {
     cfg.yCoord[j] = j * cfg.dy;
-    cfg.pixelY[j] = static_cast<float>(cfg.ly * cfg.pixPerMetre - cfg.yCoord[j] * cfg.pixPerMetre) +
+    cfg.pixelY[j] = narrowToFloat(cfg.ly * cfg.pixPerMetre - cfg.yCoord[j] * cfg.pixPerMetre) +
                     static_cast<float>(cfg.marginTop) + 0.5f;
   }
   for (int k = 0; k < cfg.nz; ++k) cfg.zCoord[k] = k * cfg.dz;
@@ -275,6 +308,8 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
 
   setColourTables(cfg);
 
+  const int nzGiven = cfg.nz;
+
   // 5. A mesh needs at least two points along x and y.
   if (cfg.nx <= 0 || cfg.ny <= 0)
     return refuse(cfg, "[ERROR] Invalid \"nx\" or \"ny\" is specified. Both must be at least 2.");
@@ -291,10 +326,15 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
   } else {
     cfg.dz = cfg.lz / (cfg.nz - 1);
   }
-  if (static_cast<std::int64_t>(cfg.nx) * cfg.ny * cfg.nz > largestField)
-    return refuse(cfg,
-                  "[ERROR] The mesh nx*ny*nz = " + std::to_string(static_cast<std::int64_t>(cfg.nx) * cfg.ny * cfg.nz) +
-                      " points is too large. A mesh may hold at most 2147483647 points.");
+  // The product of three 32-bit counts can leave 64 bits: checked.
+  std::int64_t nodes = 0;
+  if (__builtin_mul_overflow(static_cast<std::int64_t>(cfg.nx), static_cast<std::int64_t>(cfg.ny), &nodes) ||
+      __builtin_mul_overflow(nodes, static_cast<std::int64_t>(cfg.nz), &nodes) || nodes > largestField) {
+    char count[32];
+    std::snprintf(count, sizeof count, "%.4g", static_cast<double>(cfg.nx) * cfg.ny * cfg.nz);
+    return refuse(cfg, "[ERROR] The mesh nx*ny*nz = " + std::string(count) +
+                           " points is too large. A mesh may hold at most 2147483647 points.");
+  }
   if (!(cfg.dx > 0.0) || !(cfg.dy > 0.0) || !(cfg.dz > 0.0))
     return refuse(cfg, "[ERROR] Invalid \"lx\", \"ly\" or \"lz\" is specified. Domain sizes must be above 0.");
 
@@ -323,6 +363,14 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
 
   // 13. A fixed open-boundary pressure leaves no mean to adjust.
   if (cfg.openPresFlag == 1) cfg.presAdjustFlag = 0;
+
+  // The memory that the fields will take, before any of them is allocated.
+  std::string memoryWarning;
+  const std::string shortfall = memoryShortfall(meshMemoryBytes(cfg), availableMemoryBytes());
+  if (!shortfall.empty()) {
+    if (cfg.refuseOversizedMesh) return refuse(cfg, "[ERROR] " + shortfall);
+    memoryWarning = "[WARNING] " + shortfall + " The run may end for lack of memory.";
+  }
 
   // 14. Boundary bitmap storage and the colour slots.
   cfg.bitmapXY.assign(static_cast<std::size_t>(cfg.nx) * cfg.ny * maxBitmapSlices, 0);
@@ -362,6 +410,10 @@ int applyParameters(parameterEditor& editor, appConfig& cfg, int count) {
 
   // 19. Tiles.
   tiles(cfg);
+
+  std::string warning = meaninglessValues(cfg, nzGiven);
+  if (!memoryWarning.empty()) warning = memoryWarning + (warning.empty() ? "" : "\n" + warning);
+  if (!warning.empty() && cfg.showMessage) cfg.showMessage(cfg, warning.c_str());
   return 1;
 }
 

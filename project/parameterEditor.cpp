@@ -37,7 +37,8 @@ void storeChoiceValues(parameterEditor& editor) {
 int acceptParameters(parameterEditor& editor, appConfig& cfg) {
   if (cfg.analysisMode == 0) {
     storeChoiceValues(editor);
-    writeParameterFile(editor, cfg.version);
+    std::string losses;
+    reportParameterWrite(cfg, writeParameterFile(editor, cfg.version, &losses), losses);
   }
   return applyParameters(editor, cfg, editor.count) == 1 ? 1 : -1;
 }

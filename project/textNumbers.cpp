@@ -57,7 +57,43 @@ bool replaceFileAtomically(const std::string& path, const std::string& text) {
   return replaceFileAtomically(path, text.data(), text.size());
 }
 
-bool replaceFileAtomically(const std::string& path, const void* bytes, std::size_t size) {
+bool readWholeFile(const std::string& path, std::string& text) {
+  text.clear();
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  if (f == nullptr) return false;
+  char buffer[65536];
+  std::size_t n = 0;
+  while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) text.append(buffer, n);
+  const bool ok = std::ferror(f) == 0;
+  std::fclose(f);
+  return ok;
+}
+
+namespace {
+
+// The file that a write to path lands in: path itself, or for a symbolic
+// link the file at the end of its chain (which need not exist yet).
+std::string writeTarget(const std::string& path) {
+  std::string target = path;
+  for (int hops = 0; hops < 40; ++hops) {
+    char link[4096];
+    const ssize_t n = ::readlink(target.c_str(), link, sizeof link - 1);
+    if (n <= 0) break;
+    link[n] = '\0';
+    if (link[0] == '/') {
+      target = link;
+    } else {
+      const std::size_t slash = target.find_last_of('/');
+      target = (slash == std::string::npos ? std::string() : target.substr(0, slash + 1)) + link;
+    }
+  }
+  return target;
+}
+
+}  // namespace
+
+bool replaceFileAtomically(const std::string& given, const void* bytes, std::size_t size) {
+  const std::string path = writeTarget(given);
   const std::string temporary = path + ".tmp";
   std::FILE* f = std::fopen(temporary.c_str(), "wb");
   if (f == nullptr) return false;
@@ -65,7 +101,9 @@ bool replaceFileAtomically(const std::string& path, const void* bytes, std::size
   const bool flushed = std::fflush(f) == 0 && fsync(fileno(f)) == 0;
   const bool closed = std::fclose(f) == 0;
   if (!written || !flushed || !closed || std::rename(temporary.c_str(), path.c_str()) != 0) {
+    const int error = errno;  // the reason stays for the caller's message
     std::remove(temporary.c_str());
+    errno = error;
     return false;
   }
   return true;

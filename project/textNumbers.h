@@ -31,9 +31,14 @@ struct tokenReader {
 // Next token into out; false at the end of the file.
 bool nextToken(tokenReader& reader, std::string& out);
 
+// Reads the whole file at path into text; false when it cannot be read.
+bool readWholeFile(const std::string& path, std::string& text);
+
 // Writes text to path through a temporary file in the same folder and a
-// rename, so that a reader never sees a half-written file. False when the
-// temporary file could not be written or renamed; the old file then stands.
+// rename, so that a reader never sees a half-written file. A path that is a
+// symbolic link is written through: the file it points to is replaced and
+// the link stays. False (errno tells why) when the temporary file could not
+// be written or renamed; the old file then stands.
 bool replaceFileAtomically(const std::string& path, const std::string& text);
 
 // The same for a block of bytes.

@@ -164,14 +164,11 @@ std::string formatVizFile(const appConfig& cfg) {
   return text;
 }
 
-void syncViz(appConfig& cfg, int write) {
+bool syncViz(appConfig& cfg, int write) {
   const char* path = "./input/viz.txt";
-  if (write == 1) {
-    replaceFileAtomically(path, formatVizFile(cfg));
-    return;
-  }
+  if (write == 1) return replaceFileAtomically(path, formatVizFile(cfg));
   std::FILE* f = std::fopen(path, "rb");
-  if (f == nullptr) return;
+  if (f == nullptr) return true;
   std::array<double, 100> transfer;
   transfer.fill(notGiven);
   tokenReader reader{f};
@@ -188,6 +185,7 @@ void syncViz(appConfig& cfg, int write) {
   cfg.zCrosssectionXY = std::clamp(cfg.zCrosssectionXY, 0.0, cfg.lz);
   cfg.xCrosssectionYZ = std::clamp(cfg.xCrosssectionYZ, 0.0, cfg.lx);
   cfg.yCrosssectionXZ = std::clamp(cfg.yCrosssectionXZ, 0.0, cfg.ly);
+  return true;
 }
 
 }  // namespace marv

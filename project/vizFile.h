@@ -23,6 +23,7 @@ std::string formatVizFile(const appConfig& cfg);
 
 // write = 0 reads ./input/viz.txt into the record (a missing file changes
 // nothing); write = 1 writes it through a temporary file and a rename.
-void syncViz(appConfig& cfg, int write);
+// False when the write failed (errno tells why); the old file then stands.
+bool syncViz(appConfig& cfg, int write);
 
 }  // namespace marv

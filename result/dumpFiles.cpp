@@ -2,11 +2,15 @@
 // visualisation tools open the raw files as they stand.
 #include "result/dumpFiles.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <vector>
 
@@ -91,12 +95,6 @@ std::vector<int> dumpSteps() {
   return steps;
 }
 
-bool present(int step) {
-  std::FILE* f = std::fopen((dumpFolder(step) + "/info.txt").c_str(), "rb");
-  if (f != nullptr) std::fclose(f);
-  return f != nullptr;
-}
-
 const char* xdmfHead = "<?xml version=\"1.0\" ?>\n<Xdmf Version=\"3.0\">\n  <Domain>\n";
 const char* xdmfTail = "  </Domain>\n</Xdmf>\n";
 
@@ -109,6 +107,52 @@ bool readRaw(const std::string& path, double* target, long long count) {
   const bool ok = std::fread(target, 8, static_cast<std::size_t>(count), f) == static_cast<std::size_t>(count);
   std::fclose(f);
   return ok;
+}
+
+// Writes a whole file and flushes it to the disk. False, with the reason in
+// why, when any part of that fails; a short file is then removed.
+bool writeWholeFile(const std::string& path, const void* bytes, std::size_t size, std::string& why) {
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  if (f == nullptr) {
+    why = path + ": " + std::strerror(errno);
+    return false;
+  }
+  bool ok = size == 0 || std::fwrite(bytes, 1, size, f) == size;
+  ok = ok && std::fflush(f) == 0 && fsync(fileno(f)) == 0;
+  const int error = errno;
+  ok = std::fclose(f) == 0 && ok;
+  if (!ok) {
+    why = path + ": " + std::strerror(error != 0 ? error : errno);
+    std::remove(path.c_str());
+  }
+  return ok;
+}
+
+// Puts the finished folder staging in the place of folder. An existing dump
+// of the same step is swapped out in one step, so that the name always holds
+// a whole dump, and then removed.
+bool publishFolder(const std::string& staging, const std::string& folder, std::string& why) {
+  std::error_code ignored;
+  if (::rename(staging.c_str(), folder.c_str()) == 0) return true;
+  if (errno == EEXIST || errno == ENOTEMPTY) {
+    if (::renameat2(AT_FDCWD, staging.c_str(), AT_FDCWD, folder.c_str(), RENAME_EXCHANGE) == 0) {
+      std::filesystem::remove_all(staging, ignored);
+      return true;
+    }
+    // A file system without the exchange: the old dump goes first.
+    if (errno == EINVAL || errno == ENOSYS) {
+      std::filesystem::remove_all(folder, ignored);
+      if (::rename(staging.c_str(), folder.c_str()) == 0) return true;
+    }
+  }
+  why = folder + ": " + std::strerror(errno);
+  return false;
+}
+
+// The field files that every dump of the given mode holds.
+bool fileRequired(const rawFile& file, int dumpCmode) {
+  if (file.view == fieldRho || file.view == fieldT) return dumpCmode == 1;
+  return file.view != fieldAge && file.view != viewBc;
 }
 
 }  // namespace
@@ -172,7 +216,7 @@ int nearestDump(int from, int latts, int direction) {
   // a huge latts costs nothing.
   long long best = from;
   for (int step : dumpSteps()) {
-    if (!present(step)) continue;
+    if (!dumpIsWhole(step)) continue;
     if (direction > 0 && step > from && step <= latts && (best == from || step < best)) best = step;
     if (direction < 0 && step < from && step >= 0 && (best == from || step > best)) best = step;
   }
@@ -181,26 +225,48 @@ int nearestDump(int from, int latts, int direction) {
 
 int extentKey(double v) { return truncToInt(v / std::max(std::fabs(v), 1.0) * 0.5 + v * 10000.0); }
 
-void writeDump(const appConfig& cfg, const fieldViews& views) {
+bool writeDump(const appConfig& cfg, const fieldViews& views, std::string* failure) {
+  // The dump is made under a temporary name and renamed when whole: a dump
+  // folder that a reader sees is never half written.
   const std::string folder = dumpFolder(cfg.ts);
-  std::error_code ignored;
-  std::filesystem::create_directories(folder, ignored);
-  replaceFileAtomically(folder + "/info.txt", formatDumpInfo(cfg));
+  const std::string staging = folder + ".tmp";
+  std::string why;
+  auto fail = [&]() {
+    std::error_code ignored;
+    std::filesystem::remove_all(staging, ignored);
+    if (failure) *failure = why;
+    return false;
+  };
+  std::error_code error;
+  std::filesystem::remove_all(staging, error);
+  std::filesystem::create_directories(staging, error);
+  if (error) {
+    why = staging + ": " + error.message();
+    return fail();
+  }
+  const std::string infoText = formatDumpInfo(cfg);
+  if (!writeWholeFile(staging + "/info.txt", infoText.data(), infoText.size(), why)) return fail();
   for (const rawFile& file : rawFiles) {
     if (!fileWanted(file, cfg.cmode, cfg.ageFlag, false)) continue;
     const array3d<double>& a = views[file.view];
     const std::size_t bytes = a.data ? static_cast<std::size_t>(a.nx) * a.ny * a.nz * sizeof(double) : 0;
-    replaceFileAtomically(folder + "/" + file.name, a.data, bytes);
+    if (!writeWholeFile(staging + "/" + file.name, a.data, bytes, why)) return fail();
   }
   dumpInfo info;
-  if (readDumpInfo(folder + "/info.txt", info)) {
-    const std::string xml = std::string(xdmfHead) + xdmfGrid(info, cfg.ts, folder, "") + xdmfTail;
-    replaceFileAtomically(folder + "/dump.xmf", xml);
+  if (readDumpInfo(staging + "/info.txt", info)) {
+    const std::string xml = std::string(xdmfHead) + xdmfGrid(info, cfg.ts, staging, "") + xdmfTail;
+    if (!writeWholeFile(staging + "/dump.xmf", xml.data(), xml.size(), why)) return fail();
   }
-  writeDumpSeries();
+  if (!publishFolder(staging, folder, why)) return fail();
+  if (!writeDumpSeries()) {
+    why = "./dump/series.xmf: " + std::string(std::strerror(errno));
+    if (failure) *failure = why;
+    return false;
+  }
+  return true;
 }
 
-void writeDumpSeries() {
+bool writeDumpSeries() {
   const std::vector<int> steps = dumpSteps();
   std::string xml = xdmfHead;
   xml += "    <Grid Name=\"run\" GridType=\"Collection\" CollectionType=\"Temporal\">\n";
@@ -214,7 +280,55 @@ void writeDumpSeries() {
   }
   xml += "    </Grid>\n";
   xml += xdmfTail;
-  replaceFileAtomically("./dump/series.xmf", xml);
+  return replaceFileAtomically("./dump/series.xmf", xml);
+}
+
+bool dumpIsWhole(int step) {
+  const std::string folder = dumpFolder(step);
+  dumpInfo info;
+  if (!readDumpInfo(folder + "/info.txt", info)) return false;
+  if (info.nx < 2 || info.ny < 2 || info.nz < 1) return false;
+  const long long count = static_cast<long long>(info.nx) * info.ny * info.nz;
+  if (count > 2147483647LL) return false;
+  for (const rawFile& file : rawFiles) {
+    const long long size = fileSize(folder + "/" + file.name);
+    if (file.view != viewBc && size >= 0 && size != count * 8) return false;
+  }
+  return missingDumpFile(folder, info).empty();
+}
+
+std::string missingDumpFile(const std::string& folder, const dumpInfo& info) {
+  for (const rawFile& file : rawFiles) {
+    if (fileRequired(file, info.cmode) && fileSize(folder + "/" + file.name) < 0) return file.name;
+  }
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() > 4 && name.compare(name.size() - 4, 4, ".tmp") == 0) return name;
+  }
+  return std::string();
+}
+
+void removeDumpLeftovers() {
+  // What a killed write leaves: staging folders and files under a
+  // temporary name, in ./dump and in each dump folder.
+  auto temporary = [](const std::filesystem::path& p) {
+    const std::string name = p.filename().string();
+    return name.size() > 4 && name.compare(name.size() - 4, 4, ".tmp") == 0;
+  };
+  std::error_code error;
+  std::vector<std::filesystem::path> doomed;
+  for (const auto& entry : std::filesystem::directory_iterator("./dump", error)) {
+    if (temporary(entry.path())) {
+      doomed.push_back(entry.path());
+    } else if (entry.is_directory(error)) {
+      for (const auto& inner : std::filesystem::directory_iterator(entry.path(), error))
+        if (temporary(inner.path())) doomed.push_back(inner.path());
+    }
+  }
+  for (const char* name : {"./input/param.txt.tmp", "./input/viz.txt.tmp", "./input/bmp.txt.tmp"})
+    doomed.emplace_back(name);
+  for (const auto& path : doomed) std::filesystem::remove_all(path, error);
 }
 
 void resampleDumpField(const appConfig& cfg, const array3d<double>& target, const array3d<double>& source,
@@ -257,6 +371,11 @@ int readDumpFields(appConfig& cfg, fieldViews& views, int step) {
   if (info.nx < 2 || info.ny < 2 || info.nz < 1) return refuse("its mesh has fewer than two points in x or y.");
   const long long count = static_cast<long long>(info.nx) * info.ny * info.nz;
   if (count > 2147483647LL) return refuse("its mesh is too large.");
+  const std::string missing = missingDumpFile(folder, info);
+  if (!missing.empty())
+    return refuse("it is incomplete (" + missing +
+                  (missing.find(".tmp") != std::string::npos ? " is left of a write" : " is missing") +
+                  "); a run was probably stopped while it wrote the dump.");
 
   const double current[6] = {cfg.xCoord.front(), cfg.xCoord.back(),  cfg.yCoord.front(),
                              cfg.yCoord.back(),  cfg.zCoord.front(), cfg.zCoord.back()};

@@ -33,9 +33,11 @@ bool readDumpInfo(const std::string& path, dumpInfo& info);
 int extentKey(double v);
 
 // Writes the dump of step ts: folder, info.txt, the fields of the views in
-// file order, bc.raw from view 8, and the XDMF files. Each file goes through
-// a temporary name and a rename.
-void writeDump(const appConfig& cfg, const fieldViews& views);
+// file order, bc.raw from view 8, and the XDMF files. The folder is made as
+// "./dump/%08d.tmp" and renamed when whole. False when a write failed, with
+// the file and the reason in failure; the dump then is absent or the old one
+// of that step stands.
+bool writeDump(const appConfig& cfg, const fieldViews& views, std::string* failure = nullptr);
 
 // Fills target (the case's mesh) from source on the dump's mesh. A dump mesh
 // of a single node in x or y leaves target as it is.
@@ -48,11 +50,26 @@ void resampleDumpField(const appConfig& cfg, const array3d<double>& target, cons
 int readDumpFields(appConfig& cfg, fieldViews& views, int step);
 
 // Analysis mode's search: the nearest step after from (direction +1, up to
-// latts) or before it (direction -1, down to 0) whose info.txt opens; from
+// latts) or before it (direction -1, down to 0) whose dump is whole; from
 // itself when there is none. The search never wraps around.
 int nearestDump(int from, int latts, int direction);
 
+// A dump is whole when its info.txt is complete and states a usable mesh,
+// every field file that a dump of its mode holds is there, each field file
+// holds the whole mesh, and no temporary file of a write is left in it.
+bool dumpIsWhole(int step);
+
+// The first file that makes the dump in folder incomplete: a field file that
+// a dump of info's mode holds and that is missing, or a leftover temporary
+// file. Empty when there is none.
+std::string missingDumpFile(const std::string& folder, const dumpInfo& info);
+
+// Removes what a killed write left: "*.tmp" folders and files in ./dump and
+// in its dump folders, and the temporary files of the input folder's files.
+void removeDumpLeftovers();
+
 // Writes ./dump/series.xmf over every dump folder that holds an info.txt.
-void writeDumpSeries();
+// False when it cannot be written.
+bool writeDumpSeries();
 
 }  // namespace marv

@@ -2,8 +2,12 @@
 // force and heat loss join here once they exist.
 #include "result/stepResults.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <string>
 
 #include "layer/layer.h"
 #include "project/vizFile.h"
@@ -18,13 +22,18 @@ namespace {
 bool onInterval(int ts, int interval) { return interval > 0 && ts % interval == 0; }
 
 // The saved rectangle leaves out the status strip at the foot of the window.
+// A project folder without its figs folder gets one rather than losing the
+// picture.
 int saveScreen(const appConfig& cfg, const char* path) {
+  std::error_code ignored;
+  std::filesystem::create_directories("./figs", ignored);
+  errno = 0;  // what the write leaves in errno names its failure
   return saveScreenJpeg(0, 0, cfg.screenWidth - 1, cfg.screenHeight - cfg.textHeight - cfg.textGap, path, 80, 1);
 }
 
 }  // namespace
 
-void saveSnapshot(const appConfig& cfg) {
+bool saveSnapshot(appConfig& cfg) {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
   localtime_r(&now, &local);
@@ -32,23 +41,48 @@ void saveSnapshot(const appConfig& cfg) {
   std::strftime(stamp, sizeof stamp, "%Y%m%d_%H.%M.%S", &local);
   char path[96];
   std::snprintf(path, sizeof path, "./figs/snapshot_%08d_%s.jpg", cfg.ts, stamp);
-  saveScreen(cfg, path);
+  if (saveScreen(cfg, path) == 0 || !layerDrawsPixels()) return true;
+  reportWriteFailure(cfg, std::string(path) + ": " + std::strerror(errno != 0 ? errno : EIO));
+  return false;
 }
 
-void writeStepResults(appConfig& cfg, fieldViews& views) {
-  if (cfg.ts > cfg.latts) return;
-  if (cfg.sts >= 1 && cfg.ts == cfg.sts) return;
+bool writeStepResults(appConfig& cfg, fieldViews& views) {
+  if (cfg.ts > cfg.latts) return true;
+  if (cfg.sts >= 1 && cfg.ts == cfg.sts) return true;
   // Analysis mode shows stored dumps: it never writes over them.
-  if (cfg.analysisMode) return;
+  if (cfg.analysisMode) return true;
+  std::string failure;
   const bool ends = cfg.ts == 0 || cfg.ts == cfg.latts;
-  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile)) syncViz(cfg, 1);
+  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile)) {
+    if (!syncViz(cfg, 1)) failure = "./input/viz.txt: " + std::string(std::strerror(errno));
+  }
   if (ends || onInterval(cfg.ts, cfg.nfig)) {
     char path[64];
     std::snprintf(path, sizeof path, "./figs/%08d.jpg", cfg.ts);
-    saveScreen(cfg, path);
+    // Without a renderer there is no picture to save, which is no failure.
+    if (saveScreen(cfg, path) != 0 && layerDrawsPixels() && failure.empty())
+      failure = std::string(path) + ": " + std::strerror(errno != 0 ? errno : EIO);
   }
-  if (!ends && !onInterval(cfg.ts, cfg.nfile)) return;
-  writeDump(cfg, views);
+  if (ends || onInterval(cfg.ts, cfg.nfile)) {
+    std::string why;
+    if (!writeDump(cfg, views, &why) && failure.empty()) failure = why;
+  }
+  if (failure.empty()) return true;
+  reportWriteFailure(cfg, failure);
+  return false;
+}
+
+void reportWriteFailure(appConfig& cfg, const std::string& failure) {
+  // A held step writes again in every frame: its failure is told once.
+  if (cfg.writeFailedStep == cfg.ts) return;
+  cfg.writeFailedStep = cfg.ts;
+  char head[96];
+  std::snprintf(head, sizeof head, "[ERROR] The results of step %d could not be written: ", cfg.ts);
+  const std::string text = head + failure;
+  if (cfg.showMessage)
+    cfg.showMessage(cfg, text.c_str());
+  else
+    std::fprintf(stderr, "%s\n", text.c_str());
 }
 
 int readDump(appConfig& cfg, fieldViews& views, int step) { return readDumpFields(cfg, views, step); }

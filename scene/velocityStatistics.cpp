@@ -6,41 +6,156 @@
 
 namespace marv {
 
-velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
+namespace {
+
+// A component below 1e-18 m/s counts as 0: its square would be a subnormal
+// float, whose arithmetic costs the processor a hundred times more, and a
+// flow that starts from rest is full of such values.
+inline float rounded(double value) {
+  const double kept = std::fabs(value) < 1e-18 ? 0.0 : value;  // NaN stays NaN
+  return static_cast<float>(kept);
+}
+
+// Extremes in single precision; widening them afterwards gives the same
+// numbers as widening every value first.
+struct extremes {
+  float maxSpeed2 = -1e20f, minSpeed2 = 1e20f;
+  float maxU = -1e20f, minU = 1e20f, maxV = -1e20f, minV = 1e20f, maxW = -1e20f, minW = 1e20f;
+  int finite = 0;  // nodes that took part
+};
+
+// Every node, in a loop the compiler can vectorise; reports whether some
+// node was not finite, in which case its results are not used.
+template <bool hasW>
+bool scanAllOf(const double* u, const double* v, const double* w, int count, extremes& e) {
+  int bad = 0;
+  float maxS = e.maxSpeed2, minS = e.minSpeed2, maxU = e.maxU, minU = e.minU;
+  float maxV = e.maxV, minV = e.minV, maxW = e.maxW, minW = e.minW;
+  // A non-finite node spoils these extremes, but then they are not used.
+#pragma omp simd reduction(| : bad) reduction(max : maxS, maxU, maxV, maxW) reduction(min : minS, minU, minV, minW)
+  for (int n = 0; n < count; ++n) {
+    const float un = rounded(u[n]), vn = rounded(v[n]);
+    const float wn = hasW ? rounded(w[n]) : 0.0f;
+    const float s = un * un + vn * vn + wn * wn;
+    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f);  // NaN and infinities
+    maxS = std::max(maxS, s), minS = std::min(minS, s);
+    maxU = std::max(maxU, un), minU = std::min(minU, un);
+    maxV = std::max(maxV, vn), minV = std::min(minV, vn);
+    maxW = std::max(maxW, wn), minW = std::min(minW, wn);
+  }
+  e.maxSpeed2 = maxS, e.minSpeed2 = minS, e.maxU = maxU, e.minU = minU;
+  e.maxV = maxV, e.minV = minV, e.maxW = maxW, e.minW = minW;
+  e.finite = count;
+  return bad == 0;
+}
+
+bool scanAll(const double* u, const double* v, const double* w, int count, extremes& e) {
+  return w ? scanAllOf<true>(u, v, w, count, e) : scanAllOf<false>(u, v, w, count, e);
+}
+
+// The same, leaving out every node with a non-finite component.
+void scanFinite(const double* u, const double* v, const double* w, int count, extremes& e) {
+  e = extremes{};
+  for (int n = 0; n < count; ++n) {
+    const float un = rounded(u[n]), vn = rounded(v[n]);
+    const float wn = w ? rounded(w[n]) : 0.0f;
+    const float s = un * un + vn * vn + wn * wn;
+    if (!std::isfinite(un) || !std::isfinite(vn) || !std::isfinite(wn)) continue;
+    ++e.finite;
+    e.maxSpeed2 = std::max(e.maxSpeed2, s), e.minSpeed2 = std::min(e.minSpeed2, s);
+    e.maxU = std::max(e.maxU, un), e.minU = std::min(e.minU, un);
+    e.maxV = std::max(e.maxV, vn), e.minV = std::min(e.minV, vn);
+    e.maxW = std::max(e.maxW, wn), e.minW = std::min(e.minW, wn);
+  }
+}
+
+// Extremes to statistics.
+velocityStatistics fromExtremes(const extremes& e) {
   velocityStatistics s;
-  double maxSpeed = -1e20, minSpeed = 1e20;
-  double maxU = -1e20, minU = 1e20, maxV = -1e20, minV = 1e20, maxW = -1e20, minW = 1e20;
+  if (e.finite == 0) return s;  // nothing to measure: a still fluid
+  s.maxSpeed = std::sqrt(static_cast<double>(e.maxSpeed2));
+  s.minSpeed = std::sqrt(static_cast<double>(e.minSpeed2));
+  if (s.maxSpeed == s.minSpeed) s.minSpeed = 0.5 * s.maxSpeed;
+  s.maxU = e.maxU, s.minU = e.minU, s.maxV = e.maxV, s.minV = e.minV, s.maxW = e.maxW, s.minW = e.minW;
+  s.peakU = std::max(std::fabs(s.maxU), std::fabs(s.minU));
+  s.peakV = std::max(std::fabs(s.maxV), std::fabs(s.minV));
+  s.peakW = std::max(std::fabs(s.maxW), std::fabs(s.minW));
+  return s;
+}
+
+template <bool hasW, bool masked>
+bool scanWithSpeed(const double* u, const double* v, const double* w, double* out, const int* solid, int count,
+                   extremes& e, double& lo, double& hi) {
+  int bad = 0;
+  float maxS = e.maxSpeed2, minS = e.minSpeed2, maxU = e.maxU, minU = e.minU;
+  float maxV = e.maxV, minV = e.minV, maxW = e.maxW, minW = e.minW;
+  double top = -1e10, bottom = 1e10;
+#pragma omp simd reduction(|                                                             \
+                           : bad) reduction(max                                          \
+                                            : maxS, maxU, maxV, maxW, top) reduction(min \
+                                                                                     : minS, minU, minV, minW, bottom)
+  for (int n = 0; n < count; ++n) {
+    const double wd = hasW ? w[n] : 0.0;
+    const double speed = std::sqrt(u[n] * u[n] + v[n] * v[n] + wd * wd);
+    out[n] = speed;
+    const bool counts = !masked || solid[n] == 0;
+    top = std::max(top, counts ? speed : -1e300);
+    bottom = std::min(bottom, counts ? speed : 1e300);
+    const float un = rounded(u[n]), vn = rounded(v[n]);
+    const float wn = hasW ? rounded(wd) : 0.0f;
+    const float s = un * un + vn * vn + wn * wn;
+    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f) | !(speed - speed == 0.0);
+    maxS = std::max(maxS, s), minS = std::min(minS, s);
+    maxU = std::max(maxU, un), minU = std::min(minU, un);
+    maxV = std::max(maxV, vn), minV = std::min(minV, vn);
+    maxW = std::max(maxW, wn), minW = std::min(minW, wn);
+  }
+  e.maxSpeed2 = maxS, e.minSpeed2 = minS, e.maxU = maxU, e.minU = minU;
+  e.maxV = maxV, e.minV = minV, e.maxW = maxW, e.minW = minW;
+  e.finite = count;
+  lo = bottom, hi = top;
+  return bad == 0;
+}
+
+}  // namespace
+
+bool scanVelocityWithSpeed(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w,
+                           const array3d<double>& out, const array3d<int>& solidMask, bool countSolid,
+                           velocityStatistics& stats, double& lo, double& hi) {
+  const int count = out.count();
+  if (u.count() < count || v.count() < count || count == 0) return false;
+  const double* wd = w.data != nullptr && w.count() >= count ? w.data : nullptr;
+  const int* solid = !countSolid && solidMask.data != nullptr && solidMask.count() >= count ? solidMask.data : nullptr;
+  extremes e;
+  bool ok = false;
+  if (wd)
+    ok = solid ? scanWithSpeed<true, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
+               : scanWithSpeed<true, false>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
+  else
+    ok = solid ? scanWithSpeed<false, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
+               : scanWithSpeed<false, false>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
+  if (!ok) return false;
+  stats = fromExtremes(e);
+  if (lo == hi) lo = hi != 0.0 ? 0.0 : hi - 1.0;  // a flat range: 0..v, or -1..0
+  return true;
+}
+
+velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
   const int count = std::min(u.count(), v.count());
-  const bool hasW = w.count() >= count && w.data != nullptr;
-  int finite = 0;
+  const double* wd = w.count() >= count && w.data != nullptr ? w.data : nullptr;
   // Values are rounded to single precision, as the display works in floats.
   // A node with a non-finite component (a diverged run) is left out, so
   // that the time step and the Courant number stay numbers.
-  for (int n = 0; n < count; ++n) {
-    const float un = static_cast<float>(u.data[n]);
-    const float vn = static_cast<float>(v.data[n]);
-    const float wn = hasW ? static_cast<float>(w.data[n]) : 0.0f;
-    const double speed2 = static_cast<double>(un * un + vn * vn + wn * wn);
-    const bool ok = std::isfinite(speed2);
-    finite += ok;
-    maxSpeed = ok && speed2 > maxSpeed ? speed2 : maxSpeed;
-    minSpeed = ok && speed2 < minSpeed ? speed2 : minSpeed;
-    maxU = ok && un > maxU ? un : maxU;
-    minU = ok && un < minU ? un : minU;
-    maxV = ok && vn > maxV ? vn : maxV;
-    minV = ok && vn < minV ? vn : minV;
-    maxW = ok && wn > maxW ? wn : maxW;
-    minW = ok && wn < minW ? wn : minW;
-  }
-  if (finite == 0) return s;  // nothing to measure: a still fluid
-  s.maxSpeed = std::sqrt(maxSpeed);
-  s.minSpeed = std::sqrt(minSpeed);
-  if (s.maxSpeed == s.minSpeed) s.minSpeed = 0.5 * s.maxSpeed;
-  s.maxU = maxU, s.minU = minU, s.maxV = maxV, s.minV = minV, s.maxW = maxW, s.minW = minW;
-  s.peakU = std::max(std::fabs(maxU), std::fabs(minU));
-  s.peakV = std::max(std::fabs(maxV), std::fabs(minV));
-  s.peakW = std::max(std::fabs(maxW), std::fabs(minW));
+  extremes e;
+  if (!scanAll(u.data, v.data, wd, count, e)) scanFinite(u.data, v.data, wd, count, e);
+  velocityStatistics s = fromExtremes(e);
+  s.nonFiniteNodes = count - e.finite;
   return s;
+}
+
+bool peaksFinite(const velocityStatistics& stats) {
+  return stats.nonFiniteNodes == 0 && std::isfinite(stats.peakU) && std::isfinite(stats.peakV) &&
+         std::isfinite(stats.peakW);
 }
 
 double adaptiveDeltat(double cfl, double dx, double dy, const velocityStatistics& stats) {

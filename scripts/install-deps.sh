@@ -10,6 +10,7 @@ packages=(
   libfreetype-dev libjpeg62-turbo-dev libstb-dev
   fonts-dejavu-core fonts-liberation2 fonts-ipafont-gothic
   xvfb xauth x11-apps xdotool python3 clang-format
+  clang libclang-rt-14-dev libomp-dev
 )
 
 missing=()

@@ -9,6 +9,21 @@
 
 namespace {
 
+TEST(RunProgress, ADivergedRunShowsNoResidual) {
+  marv::appConfig cfg;
+  cfg.latts = 1000;
+  cfg.presResidual = 0.0;
+  cfg.presIterations = 0;
+  cfg.diverged = 1;
+  cfg.divergedStep = 37;
+  char line[256];
+  marv::formatProgress(line, sizeof line, cfg, 36, 10.0);
+  const std::string text = line;
+  EXPECT_NE(text.find("DIVERGED at step 37"), std::string::npos) << text;
+  EXPECT_EQ(text.find("residual"), std::string::npos) << text;
+  EXPECT_EQ(text.find("sweeps"), std::string::npos) << text;
+}
+
 TEST(RunProgress, LineCarriesStepTimeResidualRateAndTimeLeft) {
   marv::appConfig cfg;
   cfg.latts = 1000;

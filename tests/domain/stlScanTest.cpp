@@ -103,5 +103,34 @@ TEST(StlScan, ModelOutsideTheDomainMarksNothing) {
   for (int n = 0; n < domain.bcFlag.count(); ++n) ASSERT_EQ(domain.bcFlag[n], 0) << "at n=" << n;
 }
 
+// Node indices of points this far away saturate; the scan box around them
+// and every index sum must stay defined (the sanitizer build checks it).
+TEST(StlScan, VerticesFarOutsideAndAHugeScanWidthMarkNothing) {
+  for (const float far : {1e30f, -1e30f, 3e38f, -3e38f}) {
+    for (const int width : {5, 2147483647}) {
+      appConfig cfg;
+      testing::setGrid(cfg, 9, 9, 9);
+      cfg.stlPresent = 1;
+      cfg.scanningPixelWidthIBM = width;
+      bcDomain domain;
+      constructDomain(domain, cfg);
+      domain.surfaces[7] = sphereModel(far, -far, far, 0.5, 4, 8);
+      bcTriangle spread;  // one vertex each in a different far corner
+      const float corners[3][3] = {{far, 0.5f, 0.5f}, {0.5f, -far, 0.5f}, {0.5f, 0.5f, far}};
+      for (int v = 0; v < 3; ++v)
+        for (int a = 0; a < 3; ++a) spread.vertex[v][a] = corners[v][a];
+      for (int a = 0; a < 3; ++a) spread.centroid[a] = far;
+      spread.normal[0] = 1.0f;
+      domain.surfaces[7].triangles.push_back(spread);
+      domain.surfaces[7].numTriangles = static_cast<int>(domain.surfaces[7].triangles.size());
+      fill<int>(domain.nearestTriangle, noTriangle);
+      scanModel(domain, cfg);
+      int marked = 0;
+      for (int n = 0; n < domain.bcFlag.count(); ++n) marked += domain.bcFlag[n] != 0;
+      EXPECT_EQ(marked, 0) << "far " << far << ", width " << width;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace marv

@@ -82,6 +82,32 @@ TEST(pictureFiles, truncatedPicturesAreRefusedAtEveryLength) {
   EXPECT_EQ(whole.pixels[0], 200);
 }
 
+TEST(pictureFiles, topDownBmpReadsWithItsFirstRowOnTop) {
+  // The same 2 x 3 picture stored bottom-up (positive height) and top-down
+  // (negative height): red top row, blue bottom row.
+  for (const int height : {3, -3}) {
+    std::vector<std::uint8_t> bmp = bmpHeader(2, height);
+    for (int stored = 0; stored < 3; ++stored) {
+      const int row = height > 0 ? 2 - stored : stored;  // picture row of this stored row
+      for (int x = 0; x < 2; ++x) {
+        const std::uint8_t bgr[3] = {static_cast<std::uint8_t>(row == 2 ? 255 : 0), 0,
+                                     static_cast<std::uint8_t>(row == 0 ? 255 : 0)};
+        bmp.insert(bmp.end(), bgr, bgr + 3);
+      }
+      bmp.insert(bmp.end(), {0, 0});  // rows pad to four bytes
+    }
+    rgbaImage picture;
+    ASSERT_TRUE(decodeImage(bmp.data(), bmp.size(), picture)) << "height " << height;
+    ASSERT_EQ(picture.width, 2);
+    ASSERT_EQ(picture.height, 3);
+    EXPECT_EQ(picture.pixels[0], 255) << "top row red, height " << height;
+    EXPECT_EQ(picture.pixels[2], 0);
+    EXPECT_EQ(picture.pixels[4 * 2 * 2 + 2], 255) << "bottom row blue, height " << height;
+    bmp.pop_back();
+    EXPECT_FALSE(decodeImage(bmp.data(), bmp.size(), picture)) << "one byte short, height " << height;
+  }
+}
+
 TEST(pictureFiles, hugeAndNonsenseSizesAreRefusedBeforeAllocating) {
   for (const auto& size : {std::pair{100000, 100000}, std::pair{-5, 10}, std::pair{0, 0}, std::pair{70000, 1},
                            std::pair{0x7FFFFFFF, 0x7FFFFFFF}}) {

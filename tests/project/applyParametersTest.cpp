@@ -176,6 +176,70 @@ TEST(ApplyParameters, Refusals) {
   }
 }
 
+TEST(ApplyParameters, MeaninglessValuesAreTakenWithAWarning) {
+  struct warned {
+    valueList values;
+    const char* named;  // what the warning must name, empty for none
+  };
+  const std::vector<warned> cases = {
+      {{{"mu", "0"}}, "\"mu\" is 0"},
+      {{{"mu", "-1e-5"}}, "\"mu\" is -1e-05"},
+      {{{"rhow", "-2"}}, "\"rhow\" is -2"},
+      {{{"rhow", "0"}, {"cmode", "1"}}, ""},  // the density then follows from presw and tempw
+      {{{"cfl", "1.5"}}, "\"cfl\" is 1.5"},
+      {{{"cfl", "1"}}, ""},
+      {{{"cfl", "-1"}, {"deltat", "0.01"}}, ""},  // a fixed step does not use cfl
+      {{{"sts", "50"}, {"latts", "10"}}, "\"latts\" (10) is below \"sts\" (50)"},
+      {{{"sts", "10"}, {"latts", "10"}}, ""},
+      {{{"nz", "0"}}, "\"nz\" is 0"},
+      {{{"nz", "-4"}}, "\"nz\" is -4"},
+      {{{"nz", "1"}}, ""},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    valueList values = {{"nx", "9"}, {"ny", "9"}};
+    values.insert(values.end(), cases[i].values.begin(), cases[i].values.end());
+    const applied a = apply(values);
+    EXPECT_EQ(a.result, 1) << "case " << i << ": the values are still taken";
+    if (*cases[i].named == '\0') {
+      EXPECT_TRUE(a.messages.empty()) << "case " << i << ": " << (a.messages.empty() ? "" : a.messages[0]);
+    } else {
+      ASSERT_EQ(a.messages.size(), 1u) << "case " << i;
+      EXPECT_EQ(a.messages[0].rfind("[WARNING] ", 0), 0u) << a.messages[0];
+      EXPECT_NE(a.messages[0].find(cases[i].named), std::string::npos) << a.messages[0];
+    }
+  }
+  const applied several = apply({{"nx", "9"}, {"ny", "9"}, {"mu", "0"}, {"cfl", "2"}});
+  ASSERT_EQ(several.messages.size(), 1u) << "one warning names them all";
+  EXPECT_NE(several.messages[0].find("\"mu\""), std::string::npos);
+  EXPECT_NE(several.messages[0].find("\"cfl\""), std::string::npos);
+}
+
+// Products and sums that leave 64 or 32 bits: refused or saturated, never
+// wrapped (the sanitizer build checks that no arithmetic overflows).
+TEST(ApplyParameters, ExtremeSizesRefuseOrSaturate) {
+  for (const valueList& huge : std::vector<valueList>{{{"nx", "2"}, {"ny", "1e9"}, {"nz", "4294967295"}},
+                                                      {{"nx", "1e10"}, {"ny", "1e10"}, {"nz", "1e10"}},
+                                                      {{"nx", "65536"}, {"ny", "65536"}, {"nz", "2"}}}) {
+    const applied a = apply(huge);
+    EXPECT_EQ(a.result, -1);
+    ASSERT_EQ(a.messages.size(), 1u);
+    EXPECT_NE(a.messages[0].find("is too large"), std::string::npos) << a.messages[0];
+  }
+  // A domain of extreme aspect: the screen sizes stay within 32 bits.
+  for (const valueList& aspect :
+       std::vector<valueList>{{{"lx", "1e-300"}, {"ly", "1e308"}},
+                              {{"lx", "1e308"}, {"ly", "1e-300"}},
+                              {{"lx", "1e300"}, {"ly", "1"}, {"nz", "3"}, {"lz", "1e-300"}}}) {
+    valueList values = {{"nx", "9"}, {"ny", "9"}};
+    values.insert(values.end(), aspect.begin(), aspect.end());
+    const applied a = apply(values);
+    if (a.result != 1) continue;  // refused with a message is as good
+    for (int size : {a.cfg.sceneWidth, a.cfg.sceneHeight, a.cfg.screenWidth, a.cfg.screenHeight,
+                     a.cfg.bitmapScreenWidth, a.cfg.bitmapScreenHeight})
+      EXPECT_GE(size, 0) << "a size wrapped around";
+  }
+}
+
 TEST(ApplyParameters, ThreadCountFromLevelAndNprocs) {
   EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}}, 8).cfg.numThreads, 1);
   EXPECT_EQ(apply({{"nx", "9"}, {"ny", "9"}, {"parallel", "1"}}, 8).cfg.numThreads, 2);

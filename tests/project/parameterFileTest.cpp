@@ -136,6 +136,68 @@ TEST(ParameterFile, WriteGoesThroughRenameAndFailsCleanly) {
   EXPECT_FALSE(std::filesystem::exists("input/param.txt.tmp"));
 }
 
+TEST(ParameterFile, RewriteLossesNameWhatTheWriterDrops) {
+  parameterEditor editor = readFromText("---- Case ----\n1:nx 5\n2:cmode 1\n").editor;
+  EXPECT_EQ(marv::rewriteLosses(marv::formatParameterFile(editor, "2021R3.0")), "") << "the program's own file";
+  EXPECT_EQ(marv::rewriteLosses(""), "");
+  EXPECT_EQ(marv::rewriteLosses("1:nx 5\r\n   // my own\r\n2:ny 5\n"), "1 comment line");
+  EXPECT_EQ(marv::rewriteLosses("# mark\n1:nx 5\n#End of file"), "1 comment line")
+      << "only the end mark is the writer's";
+  EXPECT_EQ(marv::rewriteLosses("1:nx 5 // finer later\n2:ny 5 //\n"), "1 note of your own after //");
+  EXPECT_EQ(marv::rewriteLosses("1:nx 5\n" + std::string(500, 'x') + "\n"), "1 line longer than 399 characters");
+  std::string many;
+  for (int i = 0; i < 150; ++i) many += std::to_string(i) + ":nx 5\n";
+  EXPECT_EQ(marv::rewriteLosses(many + "// tail\n"), "51 lines past the hundredth");
+  EXPECT_EQ(marv::rewriteLosses("// a\n// b\n"), "2 comment lines");
+}
+
+TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
+  auto folder = marvtest::scratchFolder("backup");
+  marvtest::inFolder here(folder);
+  std::filesystem::create_directory("input");
+  std::string original = "// the user's own head\r\n";
+  for (int i = 1; i <= 150; ++i) original += std::to_string(i) + ":nx " + std::to_string(i % 7 + 2) + "\n";
+  original += std::string("\0\xff bytes\n", 9);
+  marvtest::writeText("input/param.txt", original);
+  parameterEditor editor;
+  marv::resetParameterEditor(editor);
+  marv::appConfig cfg;
+  ASSERT_EQ(marv::readParameterFile(editor, cfg, "input/param.txt"), 99);
+  std::string losses;
+  EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 2);
+  EXPECT_EQ(marvtest::readText("input/param.txt.bak"), original) << "byte for byte";
+  EXPECT_NE(losses.find("52 lines past the hundredth, 1 comment line|input/param.txt.bak"), std::string::npos)
+      << losses;
+
+  // The rewritten file holds 99 entries and a head of 11 lines: read again
+  // it loses entries once more. The first backup stays; a second one is made.
+  const std::string rewritten = marvtest::readText("input/param.txt");
+  ASSERT_EQ(marv::readParameterFile(editor, cfg, "input/param.txt"), 89);
+  EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 2);
+  EXPECT_EQ(marvtest::readText("input/param.txt.bak"), original);
+  EXPECT_EQ(marvtest::readText("input/param.txt.bak2"), rewritten);
+
+  // A file that loses nothing is written without a backup.
+  EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 1);
+  EXPECT_FALSE(std::filesystem::exists("input/param.txt.bak3"));
+}
+
+TEST(ParameterFile, ALinkIsWrittenThroughAndStaysALink) {
+  auto folder = marvtest::scratchFolder("link");
+  marvtest::inFolder here(folder);
+  std::filesystem::create_directories("input");
+  std::filesystem::create_directories("shared/cases");
+  marvtest::writeText("shared/cases/param.txt", "1:nx 5\n");
+  std::filesystem::create_symlink("cases/param.txt", "shared/current");  // a chain of two relative links
+  std::filesystem::create_symlink("../shared/current", "input/param.txt");
+  parameterEditor editor = readFromText("1:nx 9\n").editor;
+  ASSERT_EQ(marv::writeParameterFile(editor, "v"), 1);
+  EXPECT_TRUE(std::filesystem::is_symlink("input/param.txt"));
+  EXPECT_TRUE(std::filesystem::is_symlink("shared/current"));
+  EXPECT_EQ(marvtest::readText("shared/cases/param.txt"), marv::formatParameterFile(editor, "v"));
+  EXPECT_FALSE(std::filesystem::exists("shared/cases/param.txt.tmp"));
+}
+
 // Every damaged file under tests/data/param reads without fault, keeps at most
 // 100 entries of bounded length, and survives a write and a second read.
 TEST(ParameterFile, DamagedFilesReadSafely) {

@@ -78,10 +78,20 @@ TEST(DumpInfo, FormatAndExtentKeys) {
 
 TEST(DumpSearch, FindsTheNearestDumpAndNeverWraps) {
   inProject project;
-  for (int step : {0, 10, 20}) marvtest::writeText(marv::dumpFolder(step) + "/info.txt", "x");
+  dumpCase c(3, 3, 1, 1.0, 1.0, 0.0);
+  for (int step : {0, 10, 20, 5, 25, 28}) {
+    c.cfg.ts = step;
+    ASSERT_TRUE(marv::writeDump(c.cfg, c.views));
+  }
   std::filesystem::create_directories(marv::dumpFolder(15));  // a folder without info.txt is no dump
+  // What a killed write of an older version left: the search passes over it.
+  std::filesystem::remove(marv::dumpFolder(25) + "/pfld.raw");
+  marvtest::writeText(marv::dumpFolder(5) + "/ufld.raw.tmp", "half");
+  marvtest::writeText(marv::dumpFolder(28) + "/vfld.raw", "short");
+  marvtest::writeText(marv::dumpFolder(27) + "/info.txt", "cmode: 0\ndeltat: 1\n");
   EXPECT_EQ(marv::nearestDump(130, 30, -1), 20) << "the first search starts at latts + 100";
   EXPECT_EQ(marv::nearestDump(20, 30, -1), 10);
+  EXPECT_EQ(marv::nearestDump(10, 30, -1), 0) << "a dump with a leftover temporary file is passed over";
   EXPECT_EQ(marv::nearestDump(10, 30, +1), 20);
   EXPECT_EQ(marv::nearestDump(20, 30, +1), 20) << "right arrow on the last dump stays";
   EXPECT_EQ(marv::nearestDump(0, 30, -1), 0) << "left arrow on the first dump stays";
@@ -192,9 +202,22 @@ TEST(Dump, RefusalsLeaveFieldsUntouched) {
   EXPECT_NE(messages[0].find("vfld.raw"), std::string::npos) << messages[0];
   EXPECT_EQ(read.views[1](2, 2, 0), -7.0) << "nothing was read";
 
+  // A field file that every dump holds is missing: the dump is incomplete.
   std::filesystem::remove(marv::dumpFolder(3) + "/vfld.raw");
-  EXPECT_EQ(marv::readDump(read.cfg, read.views, 3), 1) << "a missing file keeps its field";
-  EXPECT_EQ(read.views[2](2, 2, 0), -7.0);
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 3), -1) << "a missing field file";
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_NE(messages[1].find("incomplete (vfld.raw is missing)"), std::string::npos) << messages[1];
+  EXPECT_EQ(read.views[0](2, 2, 0), -7.0) << "nothing was read";
+
+  // A file left of a killed write refuses the dump as well.
+  written.cfg.ts = 4;
+  marv::writeDump(written.cfg, written.views);
+  marvtest::writeText(marv::dumpFolder(4) + "/ufld.raw.tmp", "half");
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 4), -1);
+  ASSERT_EQ(messages.size(), 3u);
+  EXPECT_NE(messages[2].find("ufld.raw.tmp"), std::string::npos) << messages[2];
+  std::filesystem::remove(marv::dumpFolder(4) + "/ufld.raw.tmp");
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 4), 1);
   EXPECT_EQ(read.views[1](4, 0, 0), 1.0);
 
   marvtest::writeText(marv::dumpFolder(9) + "/info.txt",
@@ -203,7 +226,36 @@ TEST(Dump, RefusalsLeaveFieldsUntouched) {
   EXPECT_EQ(marv::readDump(read.cfg, read.views, 9), -1) << "a single point across x";
   marvtest::writeText(marv::dumpFolder(10) + "/info.txt", "cmode: 0\ndeltat:");
   EXPECT_EQ(marv::readDump(read.cfg, read.views, 10), -1) << "truncated info.txt";
-  EXPECT_EQ(messages.size(), 3u);
+  EXPECT_EQ(messages.size(), 5u);
+}
+
+TEST(Dump, ARewrittenDumpIsReplacedWholeAndLeftoversGoAtTheStart) {
+  inProject project;
+  dumpCase c(4, 3, 1, 1.0, 1.0, 0.0);
+  c.cfg.ts = 5;
+  c.set([](int, double, double, double) { return 1.0; });
+  ASSERT_TRUE(marv::writeDump(c.cfg, c.views));
+  c.set([](int, double, double, double) { return 2.0; });
+  ASSERT_TRUE(marv::writeDump(c.cfg, c.views)) << "a held step writes its dump again";
+  EXPECT_FALSE(std::filesystem::exists(marv::dumpFolder(5) + ".tmp"));
+  dumpCase read(4, 3, 1, 1.0, 1.0, 0.0);
+  ASSERT_EQ(marv::readDump(read.cfg, read.views, 5), 1);
+  EXPECT_EQ(read.views[marv::fieldU](3, 2, 0), 2.0) << "the second write stands";
+
+  // What killed writes leave, beside a user's own file that merely ends in .tmp.
+  std::filesystem::create_directories(marv::dumpFolder(6) + ".tmp");
+  marvtest::writeText(marv::dumpFolder(6) + ".tmp/ufld.raw", "x");
+  marvtest::writeText(marv::dumpFolder(5) + "/pfld.raw.tmp", "x");
+  marvtest::writeText("dump/series.xmf.tmp", "x");
+  marvtest::writeText("input/param.txt.tmp", "x");
+  marvtest::writeText("input/notes.tmp", "mine");
+  EXPECT_FALSE(marv::dumpIsWhole(5));
+  marv::removeDumpLeftovers();
+  for (const std::string& gone : {marv::dumpFolder(6) + ".tmp", marv::dumpFolder(5) + "/pfld.raw.tmp",
+                                  std::string("dump/series.xmf.tmp"), std::string("input/param.txt.tmp")})
+    EXPECT_FALSE(std::filesystem::exists(gone)) << gone;
+  EXPECT_TRUE(std::filesystem::exists("input/notes.tmp"));
+  EXPECT_TRUE(marv::dumpIsWhole(5)) << "the dump itself is untouched";
 }
 
 TEST(Dump, ModeChangeGoesThroughResamplingAndKeepsMissingFields) {

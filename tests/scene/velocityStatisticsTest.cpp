@@ -1,6 +1,8 @@
 // The frame's velocity statistics and the adaptive time step taken from them.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "scene/velocityStatistics.h"
 
 namespace {
@@ -31,6 +33,24 @@ TEST(VelocityStatistics, ValuesAreRoundedToSinglePrecision) {
   u(0, 0, 0) = 1.0 + 1e-12;
   const marv::velocityStatistics s = marv::scanVelocity(u, v, w);
   EXPECT_EQ(s.peakU, 1.0);
+}
+
+TEST(VelocityStatistics, AnyValueThatIsNotFiniteMakesThePeaksNonFinite) {
+  // max and min pass over NaN, so one NaN among calm values would otherwise
+  // look like a calm field.
+  for (double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300}) {
+    for (int component = 0; component < 3; ++component) {
+      ownedArray3d<double> u(4, 3, 2), v(4, 3, 2), w(4, 3, 2);
+      u(1, 1, 1) = 2.0;
+      ownedArray3d<double>* fields[] = {&u, &v, &w};
+      (*fields[component])(3, 2, 1) = bad;
+      const marv::velocityStatistics s = marv::scanVelocity(u, v, w);
+      EXPECT_FALSE(marv::peaksFinite(s)) << bad << " in component " << component;
+    }
+  }
+  ownedArray3d<double> u(4, 3, 2), v(4, 3, 2), w;
+  u(0, 0, 0) = -3.0e38;
+  EXPECT_TRUE(marv::peaksFinite(marv::scanVelocity(u, v, w))) << "large but finite in single precision";
 }
 
 }  // namespace

@@ -1,0 +1,281 @@
+// Faults a user meets under the batch runner, each of which must end with a
+// non-zero status and leave nothing wrong behind: a flow that diverges, a
+// dump write that fails or is killed part-way.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/batchStages.h"
+#include "app/driver.h"
+#include "result/dumpFiles.h"
+#include "testSupport.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A copy of the lid-driven cavity example whose parameters are replaced by
+// the given lines (the bitmap stays).
+fs::path cavityProject(const std::string& name, const std::string& paramText) {
+  const fs::path folder = marvtest::scratchFolder(name);
+  fs::copy(fs::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "cavity2d" / "input", folder / "input",
+           fs::copy_options::recursive);
+  fs::create_directories(folder / "figs");
+  fs::create_directories(folder / "dump");
+  marvtest::writeText(folder / "input" / "param.txt", paramText);
+  return folder;
+}
+
+int runBatch(const fs::path& folder, marv::driverState& state) {
+  marv::batchOptions options;
+  options.projectDir = folder.string();
+  options.quiet = true;
+  return marv::runDriver(marv::batchStages(options), state);
+}
+
+std::vector<double> readDoubles(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::vector<double> values;
+  double v = 0.0;
+  while (in.read(reinterpret_cast<char*>(&v), sizeof v)) values.push_back(v);
+  return values;
+}
+
+const char* cavityLines = "1:nx 33\n2:ny 33\n3:lx 1\n4:ly 1\n5:mu 0.01\n6:rhow 1\n7:uinb 1\n8:nfig 0\n";
+
+TEST(Divergence, EndsBeforeTheLastStepAndKeepsOnlyFiniteDumps) {
+  // A time step ten times the grid's convective limit blows up in a few steps.
+  const fs::path folder =
+      cavityProject("diverge", std::string(cavityLines) + "9:deltat 0.1\n10:latts 200\n11:nfile 2\n");
+  marv::driverState state;
+  EXPECT_NE(runBatch(folder, state), 0);
+  EXPECT_GT(state.stepsTaken, 0);
+  EXPECT_LT(state.stepsTaken, 201) << "the run stops when the flow diverges";
+  EXPECT_FALSE(fs::exists(folder / "dump" / "00000200"));
+  int dumps = 0;
+  for (const auto& entry : fs::directory_iterator(folder / "dump")) {
+    if (!entry.is_directory()) continue;
+    ++dumps;
+    for (const char* name : {"ufld.raw", "vfld.raw", "pfld.raw"}) {
+      const std::vector<double> values = readDoubles(entry.path() / name);
+      ASSERT_EQ(values.size(), 33u * 33u) << entry.path() << name;
+      for (double v : values) ASSERT_TRUE(std::isfinite(v)) << entry.path() << "/" << name;
+    }
+  }
+  EXPECT_GE(dumps, 1) << "the dump of step 0 stays";
+  fs::remove_all(folder);
+}
+
+TEST(Divergence, AStableRunEndsNormally) {
+  const fs::path folder = cavityProject("stable", std::string(cavityLines) + "9:latts 20\n10:nfile 10\n");
+  marv::driverState state;
+  EXPECT_EQ(runBatch(folder, state), 0);
+  EXPECT_EQ(state.stepsTaken, 21);
+  EXPECT_TRUE(fs::exists(folder / "dump" / "00000020" / "ufld.raw"));
+  fs::remove_all(folder);
+}
+
+TEST(LongParameterFile, TheBatchRunnerKeepsTheOriginalByteForByte) {
+  std::string text = "// my case\n" + std::string(cavityLines) + "9:latts 2\n10:nfile 0\n";
+  for (int i = 11; i <= 150; ++i) text += std::to_string(i) + ":nfig 0   // spare line " + std::to_string(i) + "\r\n";
+  const fs::path folder = cavityProject("long", text);
+  marv::driverState state;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(runBatch(folder, state), 0);
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt.bak"), text);
+  EXPECT_NE(said.find("lines past the hundredth"), std::string::npos) << said;
+  EXPECT_NE(said.find("input/param.txt.bak"), std::string::npos) << said;
+  fs::remove_all(folder);
+}
+
+TEST(RefusedParameters, TheBatchRunnerAlwaysSaysWhy) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"", "no parameter lines"},
+      {"// only a comment\n", "no parameter lines"},
+      {"1:ny 5\n", "\"nx\" is not given"},
+      {"1:nx 1\n2:ny 5\n", "\"nx\" is 1"},
+      {"1:nx 5\n2:ny 1.5\n", "\"ny\" is 1"},
+  };
+  for (const auto& [text, reason] : cases) {
+    const fs::path folder = marvtest::scratchFolder("refused");
+    marvtest::writeText(folder / "input" / "param.txt", text);
+    marv::driverState state;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(runBatch(folder, state), 1) << text;
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find(reason), std::string::npos) << text << " gave: " << said;
+    fs::remove_all(folder);
+  }
+}
+
+TEST(Bitmaps, AnUnreadableBitmapRefusesTheProject) {
+  const fs::path folder = cavityProject("badbitmap", std::string(cavityLines) + "9:latts 1\n");
+  const fs::path bitmap = folder / "input" / "bcXY0.bmp";
+  fs::resize_file(bitmap, fs::file_size(bitmap) / 2);
+  marv::driverState state;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(runBatch(folder, state), 1);
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("bcXY0.bmp"), std::string::npos) << said;
+  EXPECT_EQ(state.stepsTaken, 0) << "no run without the walls";
+  fs::remove_all(folder);
+}
+
+TEST(Bitmaps, ATopDownBitmapGivesTheSameDomainAsItsBottomUpTwin) {
+  std::string boundary[2];
+  for (int topDown = 0; topDown < 2; ++topDown) {
+    const fs::path folder = cavityProject("topdown", std::string(cavityLines) + "9:latts 0\n");
+    const fs::path bitmap = folder / "input" / "bcXY0.bmp";
+    if (topDown) {
+      std::string bytes = marvtest::readText(bitmap);
+      auto u32 = [&bytes](std::size_t at) {
+        std::uint32_t v = 0;
+        for (int i = 3; i >= 0; --i) v = v << 8 | static_cast<std::uint8_t>(bytes[at + i]);
+        return v;
+      };
+      const std::uint32_t offset = u32(10), width = u32(18), height = u32(22), bits = bytes[28];
+      const std::size_t row = (width * bits + 31) / 32 * 4;
+      std::string flipped = bytes.substr(0, offset);
+      for (std::uint32_t r = height; r-- > 0;) flipped += bytes.substr(offset + r * row, row);
+      const std::uint32_t negative = static_cast<std::uint32_t>(-static_cast<std::int32_t>(height));
+      for (int i = 0; i < 4; ++i) flipped[22 + i] = static_cast<char>(negative >> (8 * i));
+      marvtest::writeText(bitmap, flipped);
+    }
+    marv::driverState state;
+    EXPECT_EQ(runBatch(folder, state), 0) << (topDown ? "top-down" : "bottom-up");
+    boundary[topDown] = marvtest::readText(folder / "dump" / "00000000" / "bc.raw");
+    fs::remove_all(folder);
+  }
+  EXPECT_EQ(boundary[0].size(), 33u * 33u * 8u);
+  EXPECT_TRUE(boundary[0] == boundary[1]) << "the boundary types differ";
+}
+
+// Runs marvanesse-batch on folder in a child process; before the program
+// starts the child applies limit (a largest file size in bytes, 0 for none).
+// Returns the child's pid.
+pid_t startBatch(const fs::path& folder, long long fileSizeLimit = 0) {
+  const pid_t pid = fork();
+  if (pid == 0) {
+    if (fileSizeLimit > 0) {
+      signal(SIGXFSZ, SIG_IGN);  // a write past the limit fails with EFBIG instead
+      const rlimit limit{static_cast<rlim_t>(fileSizeLimit), static_cast<rlim_t>(fileSizeLimit)};
+      setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    // The off-screen OpenGL driver keeps a few allocations to the end of
+    // the process: leak checks of a sanitizer build are off for the child.
+    const char* given = std::getenv("ASAN_OPTIONS");
+    const std::string asan = std::string(given ? given : "") + ":detect_leaks=0";
+    setenv("ASAN_OPTIONS", asan.c_str(), 1);
+    const std::string path = folder.string();
+    execl(MARV_BATCH_EXE, MARV_BATCH_EXE, "--quiet", path.c_str(), static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  return pid;
+}
+
+int exitStatus(pid_t pid) {
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Every dump folder that the program would look at is whole or absent, and
+// the names a dump search or a restart would take are exactly the whole ones.
+void expectOnlyWholeDumps(const fs::path& project, const std::string& context) {
+  const fs::path before = fs::current_path();
+  fs::current_path(project);
+  for (const auto& entry : fs::directory_iterator("dump")) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() != 8 || !entry.is_directory()) continue;
+    EXPECT_TRUE(marv::dumpIsWhole(std::stoi(name))) << context << ": dump " << name << " is visible but not whole";
+  }
+  fs::current_path(before);
+}
+
+bool anyDump(const fs::path& project) {
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(project / "dump", error))
+    if (entry.path().filename().string().size() == 8) return true;
+  return false;
+}
+
+TEST(FullDisk, TheRunStopsWithAnErrorAndEveryDumpIsWholeOrAbsent) {
+  const fs::path folder = cavityProject("fulldisk", std::string(cavityLines) + "9:latts 200\n10:nfile 1\n");
+  // A real small file system where the machine allows mounting one;
+  // otherwise a limit on the file size makes every large write fail.
+  const fs::path disk = marvtest::scratchFolder("tmpfs");
+  const bool mounted = geteuid() == 0 && mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=400k") == 0;
+  fs::path project = folder;
+  if (mounted) {
+    fs::copy(folder, disk / "project", fs::copy_options::recursive);
+    project = disk / "project";
+  }
+  const pid_t pid = startBatch(project, mounted ? 0 : 20000);
+  EXPECT_EQ(exitStatus(pid), 1) << (mounted ? "on a full file system" : "past the file size limit");
+  expectOnlyWholeDumps(project, "full disk");
+  int whole = 0;
+  for (const auto& entry : fs::directory_iterator(project / "dump")) {
+    const std::string name = entry.path().filename().string();
+    EXPECT_EQ(name.find(".tmp"), std::string::npos) << "a failed write removes its staging folder: " << name;
+    whole += name.size() == 8;
+  }
+  if (mounted) {
+    EXPECT_GE(whole, 1) << "the dumps that fitted stay";
+  }
+  if (mounted) umount(disk.c_str());
+  fs::remove_all(disk);
+  fs::remove_all(folder);
+}
+
+TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
+  // A 129 x 129 mesh dumped at every step: most of the run's time is spent
+  // writing dumps, so that random kills land inside a write.
+  const fs::path folder =
+      cavityProject("killed", "1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:latts 100000\n7:nfile 1\n");
+  std::mt19937 random(20261123);
+  for (int kill = 0; kill < 8; ++kill) {
+    const pid_t pid = startBatch(folder);
+    // Once the first dump is there the program writes one every few
+    // milliseconds: the kill lands at a random point after it.
+    for (int wait = 0; wait < 3000 && !anyDump(folder) && ::kill(pid, 0) == 0; ++wait)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::this_thread::sleep_for(std::chrono::milliseconds(random() % 400));
+    ::kill(pid, SIGKILL);
+    exitStatus(pid);
+    expectOnlyWholeDumps(folder, "kill " + std::to_string(kill));
+  }
+  // A restart from the newest dump works, and the start removes what the
+  // kills left under temporary names.
+  int newest = -1;
+  for (const auto& entry : fs::directory_iterator(folder / "dump")) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() == 8) newest = std::max(newest, std::stoi(name));
+  }
+  ASSERT_GE(newest, 0) << "no dump was written before the kills";
+  marvtest::writeText(folder / "input" / "param.txt",
+                      "1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:nfile 0\n7:sts " + std::to_string(newest) +
+                          "\n8:latts " + std::to_string(newest + 1) + "\n");
+  marv::driverState state;
+  EXPECT_EQ(runBatch(folder, state), 0);
+  EXPECT_EQ(state.stepsTaken, 2);
+  for (const auto& entry : fs::recursive_directory_iterator(folder))
+    EXPECT_NE(entry.path().extension(), ".tmp") << entry.path() << " is left of a killed write";
+  fs::remove_all(folder);
+}
+
+}  // namespace

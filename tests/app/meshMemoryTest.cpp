@@ -1,0 +1,112 @@
+// The memory guard: the estimate against what a case really allocates, the
+// refusal text, the batch runner's refusal of a mesh beyond the machine, and
+// the one-line end of the process when an allocation fails.
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "app/batchStages.h"
+#include "app/driver.h"
+#include "app/meshMemory.h"
+#include "domain/bcDomain.h"
+#include "project/applyParameters.h"
+#include "solver/solverCommon.h"
+#include "testGrid.h"
+#include "testSupport.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool sanitized = true;
+#else
+constexpr bool sanitized = false;
+#endif
+
+std::size_t heapInUse() {
+  const struct mallinfo2 m = mallinfo2();
+  return m.uordblks + m.hblkhd;
+}
+
+TEST(MeshMemory, TheEstimateCoversWhatTheDomainAndTheSolverAllocate) {
+  if (sanitized) GTEST_SKIP() << "the sanitizer's allocator keeps its own counts";
+  for (int cmode : {0, 1}) {
+    for (int age : {0, 1}) {
+      marv::appConfig cfg;
+      marv::testing::setGrid(cfg, 40, 30, 20);
+      marv::testing::setTiles(cfg, 1, 1, 1);
+      cfg.cmode = cmode;
+      cfg.ageFlag = static_cast<std::uint8_t>(age);
+      marv::setColourTables(cfg);
+      const std::size_t before = heapInUse();
+      {
+        marv::bcDomain domain;
+        marv::constructDomain(domain, cfg);
+        std::unique_ptr<marv::solverCommon> solver = marv::makeSolver(cfg, domain);
+        const std::size_t used = heapInUse() - before;
+        const std::uint64_t estimate = marv::meshMemoryBytes(cfg);
+        EXPECT_GE(estimate, used) << "cmode " << cmode << " age " << age;
+        EXPECT_LE(estimate, used * 2) << "cmode " << cmode << " age " << age << ": far above what is used";
+      }
+    }
+  }
+}
+
+TEST(MeshMemory, ShortfallTextNamesBothSizes) {
+  constexpr std::uint64_t gib = 1ull << 30;
+  EXPECT_EQ(marv::memoryShortfall(3 * gib, 0), "") << "unknown memory: no refusal";
+  EXPECT_EQ(marv::memoryShortfall(2 * gib, 2 * gib), "");
+  const std::string text = marv::memoryShortfall(5 * gib + gib / 2, 2 * gib);
+  EXPECT_NE(text.find("needs about 5.5 GiB, this machine has 2.0 GiB"), std::string::npos) << text;
+  EXPECT_GT(marv::availableMemoryBytes(), 0u) << "/proc/meminfo is readable here";
+}
+
+TEST(MeshMemory, TheBatchRunnerRefusesAMeshBeyondTheMachine) {
+  // 46000 x 46000 nodes stay below the 32-bit index limit but need hundreds
+  // of GiB.
+  const auto folder = marvtest::scratchFolder("huge");
+  marvtest::writeText(folder / "input" / "param.txt", "1:nx 46000\n2:ny 46000\n3:domx 50000\n");
+  marv::batchOptions options;
+  options.projectDir = folder.string();
+  options.quiet = true;
+  marv::driverState state;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 1);
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("GiB, this machine has"), std::string::npos) << said;
+  std::filesystem::remove_all(folder);
+}
+
+TEST(MeshMemory, AFailedAllocationEndsWithOneLineAndStatusOne) {
+  if (sanitized) GTEST_SKIP() << "the sanitizer reports failed allocations itself";
+  int pipeEnds[2];
+  ASSERT_EQ(pipe(pipeEnds), 0);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    dup2(pipeEnds[1], 2);
+    marv::endOnAllocationFailure("marvanesse-test");
+    volatile std::size_t huge = static_cast<std::size_t>(1) << 50;  // a PiB
+    void* block = ::operator new(huge);
+    std::printf("%p\n", block);  // keeps the allocation from being left out
+    _exit(0);
+  }
+  close(pipeEnds[1]);
+  std::string said;
+  char buffer[512];
+  for (ssize_t n; (n = read(pipeEnds[0], buffer, sizeof buffer)) > 0;) said.append(buffer, static_cast<std::size_t>(n));
+  close(pipeEnds[0]);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status)) << "ended by a signal instead of an exit";
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_EQ(said.rfind("marvanesse-test: out of memory", 0), 0u) << said;
+  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+}
+
+}  // namespace
