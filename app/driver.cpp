@@ -74,7 +74,10 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
     for (cfg.ts = cfg.sts;; ++cfg.ts) {
       if (cfg.ts > cfg.latts) break;
       const int inputResult = handleFrameInput(input, cfg);
-      drawFrame(scene, cfg, state.views, 1);
+      if (stages.drawPicture)
+        drawFrame(scene, cfg, state.views, 1);
+      else
+        frameNumbers(scene, cfg, state.views);
       runControlPanel(panel, cfg);
       if (cfg.snapshotRequested) {
         if (cfg.ts <= cfg.latts) saveSnapshot(cfg);

@@ -49,6 +49,7 @@ struct passStages {
   bool onePass = false;                               // stop after the first pass (batch)
   bool writeHistory = true;                           // read and write .history in the start directory
   bool splash = true;                                 // show the splash in the first pass
+  bool drawPicture = true;                            // false: the run computes the frame's numbers but draws nothing
 };
 
 // Runs passes until the window closes (or, with onePass, after one pass).

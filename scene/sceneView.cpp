@@ -167,12 +167,16 @@ void setUpScene(sceneView& scene, appConfig& cfg) {
   setTextInputFont(cfg.fixedBold);
 }
 
-void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
+void frameNumbers(sceneView& scene, appConfig& cfg, fieldViews& views) {
   extractQuantity(scene, cfg, views);
   // The statistics come first: the adaptive time step of the coming solve
   // is taken from this frame's peaks.
   if (cfg.fixedDeltat == 0 && cfg.ts >= 10) cfg.deltat = adaptiveDeltat(cfg.cfl, cfg.dx, cfg.dy, scene.stats);
   cfg.maxCfl = cfg.deltat * std::max(scene.stats.peakU / cfg.dx, scene.stats.peakV / cfg.dy);
+}
+
+void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
+  frameNumbers(scene, cfg, views);
   if (scene.particlesActive == 0 && cfg.showTracerParticleFlag) scene.particlesActive = 1;
   if (scene.is3d && cfg.useLightingFlag != scene.lightingApplied) {
     setLighting(cfg.useLightingFlag);
