@@ -113,13 +113,14 @@ void speedWithRange(const array3d<double>& out, const array3d<double>& u, const 
   const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
   const bool hasW = !empty(w);
   double top = -1e10, bottom = 1e10;
+#pragma omp simd reduction(max : top) reduction(min : bottom)
   for (int m = 0; m < n; ++m) {
     const double wm = hasW ? w.data[m] : 0.0;
     const double value = std::sqrt(u.data[m] * u.data[m] + v.data[m] * v.data[m] + wm * wm);
     out.data[m] = value;
     const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
-    top = counts && value > top ? value : top;
-    bottom = counts && value < bottom ? value : bottom;
+    top = std::max(top, counts ? value : -1e300);
+    bottom = std::min(bottom, counts ? value : 1e300);
   }
   widenFlatRange(bottom, top);
   lo = bottom;
@@ -134,11 +135,12 @@ void scanRange(const array3d<double>& field, const array3d<int>& solidMask, bool
   double top = -1e10, bottom = 1e10;
   const int n = field.count();
   const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
+#pragma omp simd reduction(max : top) reduction(min : bottom)
   for (int m = 0; m < n; ++m) {
     const double value = field.data[m];
     const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
-    top = counts && value > top ? value : top;
-    bottom = counts && value < bottom ? value : bottom;
+    top = std::max(top, counts ? value : -1e300);
+    bottom = std::min(bottom, counts ? value : 1e300);
   }
   widenFlatRange(bottom, top);
   lo = bottom;

@@ -11,7 +11,10 @@ namespace {
 // A component below 1e-18 m/s counts as 0: its square would be a subnormal
 // float, whose arithmetic costs the processor a hundred times more, and a
 // flow that starts from rest is full of such values.
-inline float rounded(double value) { return static_cast<float>(std::fabs(value) < 1e-18 ? 0.0 : value); }
+inline float rounded(double value) {
+  const double kept = std::fabs(value) >= 1e-18 ? value : 0.0;
+  return static_cast<float>(kept);
+}
 
 // Extremes in single precision; widening them afterwards gives the same
 // numbers as widening every value first.
@@ -23,20 +26,31 @@ struct extremes {
 
 // Every node, in a loop the compiler can vectorise; reports whether some
 // node was not finite, in which case its results are not used.
-bool scanAll(const double* u, const double* v, const double* w, int count, extremes& e) {
+template <bool hasW>
+bool scanAllOf(const double* u, const double* v, const double* w, int count, extremes& e) {
   int bad = 0;
+  float maxS = e.maxSpeed2, minS = e.minSpeed2, maxU = e.maxU, minU = e.minU;
+  float maxV = e.maxV, minV = e.minV, maxW = e.maxW, minW = e.minW;
+  // A non-finite node spoils these extremes, but then they are not used.
+#pragma omp simd reduction(| : bad) reduction(max : maxS, maxU, maxV, maxW) reduction(min : minS, minU, minV, minW)
   for (int n = 0; n < count; ++n) {
     const float un = rounded(u[n]), vn = rounded(v[n]);
-    const float wn = w ? rounded(w[n]) : 0.0f;
+    const float wn = hasW ? rounded(w[n]) : 0.0f;
     const float s = un * un + vn * vn + wn * wn;
     bad |= !(s - s == 0.0f);  // NaN and infinities
-    e.maxSpeed2 = std::max(e.maxSpeed2, s), e.minSpeed2 = std::min(e.minSpeed2, s);
-    e.maxU = std::max(e.maxU, un), e.minU = std::min(e.minU, un);
-    e.maxV = std::max(e.maxV, vn), e.minV = std::min(e.minV, vn);
-    e.maxW = std::max(e.maxW, wn), e.minW = std::min(e.minW, wn);
+    maxS = std::max(maxS, s), minS = std::min(minS, s);
+    maxU = std::max(maxU, un), minU = std::min(minU, un);
+    maxV = std::max(maxV, vn), minV = std::min(minV, vn);
+    maxW = std::max(maxW, wn), minW = std::min(minW, wn);
   }
+  e.maxSpeed2 = maxS, e.minSpeed2 = minS, e.maxU = maxU, e.minU = minU;
+  e.maxV = maxV, e.minV = minV, e.maxW = maxW, e.minW = minW;
   e.finite = count;
   return bad == 0;
+}
+
+bool scanAll(const double* u, const double* v, const double* w, int count, extremes& e) {
+  return w ? scanAllOf<true>(u, v, w, count, e) : scanAllOf<false>(u, v, w, count, e);
 }
 
 // The same, leaving out every node with a non-finite component.
