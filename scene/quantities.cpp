@@ -151,9 +151,17 @@ void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {
   const array3d<double>& u = views[fieldU];
   const array3d<double>& v = views[fieldV];
   const array3d<double>& w = views[fieldW];
+  const array3d<double>& out = views[viewDisplay];
+  const array3d<int> noMask;
+  const array3d<int>& solid = scene.domain ? static_cast<const array3d<int>&>(scene.domain->solidMask) : noMask;
+  // Speed, the usual quantity, comes with the statistics in one pass.
+  if (cfg.dispQuantFlag == 5 && !empty(out) &&
+      scanVelocityWithSpeed(u, v, w, out, solid, cfg.minMaxFlag != 0, scene.stats, scene.valueMin, scene.valueMax)) {
+    std::snprintf(scene.quantityLabel, sizeof scene.quantityLabel, "%s", quantityLabelOf(5));
+    return;
+  }
   scene.stats = scanVelocity(u, v, w);
 
-  const array3d<double>& out = views[viewDisplay];
   if (empty(out) || empty(u)) return;
   const array3d<double>& a = views[viewWorkA];
   const array3d<double>& b = views[viewWorkB];
@@ -180,8 +188,6 @@ void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {
   }
   if (source != nullptr && empty(*source)) source = nullptr, q = 0;  // a field this run lacks shows as none
   std::snprintf(scene.quantityLabel, sizeof scene.quantityLabel, "%s", quantityLabelOf(q));
-  const array3d<int> noMask;
-  const array3d<int>& solid = scene.domain ? static_cast<const array3d<int>&>(scene.domain->solidMask) : noMask;
   if (q == 5 && source == nullptr) {
     speedWithRange(out, u, v, w, solid, cfg.minMaxFlag != 0, scene.valueMin, scene.valueMax);
     return;

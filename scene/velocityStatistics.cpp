@@ -69,17 +69,9 @@ void scanFinite(const double* u, const double* v, const double* w, int count, ex
   }
 }
 
-}  // namespace
-
-velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
+// Extremes to statistics.
+velocityStatistics fromExtremes(const extremes& e) {
   velocityStatistics s;
-  const int count = std::min(u.count(), v.count());
-  const double* wd = w.count() >= count && w.data != nullptr ? w.data : nullptr;
-  // Values are rounded to single precision, as the display works in floats.
-  // A node with a non-finite component (a diverged run) is left out, so
-  // that the time step and the Courant number stay numbers.
-  extremes e;
-  if (!scanAll(u.data, v.data, wd, count, e)) scanFinite(u.data, v.data, wd, count, e);
   if (e.finite == 0) return s;  // nothing to measure: a still fluid
   s.maxSpeed = std::sqrt(static_cast<double>(e.maxSpeed2));
   s.minSpeed = std::sqrt(static_cast<double>(e.minSpeed2));
@@ -89,6 +81,74 @@ velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>&
   s.peakV = std::max(std::fabs(s.maxV), std::fabs(s.minV));
   s.peakW = std::max(std::fabs(s.maxW), std::fabs(s.minW));
   return s;
+}
+
+template <bool hasW, bool masked>
+bool scanWithSpeed(const double* u, const double* v, const double* w, double* out, const int* solid, int count,
+                   extremes& e, double& lo, double& hi) {
+  int bad = 0;
+  float maxS = e.maxSpeed2, minS = e.minSpeed2, maxU = e.maxU, minU = e.minU;
+  float maxV = e.maxV, minV = e.minV, maxW = e.maxW, minW = e.minW;
+  double top = -1e10, bottom = 1e10;
+#pragma omp simd reduction(|                                                             \
+                           : bad) reduction(max                                          \
+                                            : maxS, maxU, maxV, maxW, top) reduction(min \
+                                                                                     : minS, minU, minV, minW, bottom)
+  for (int n = 0; n < count; ++n) {
+    const double wd = hasW ? w[n] : 0.0;
+    const double speed = std::sqrt(u[n] * u[n] + v[n] * v[n] + wd * wd);
+    out[n] = speed;
+    const bool counts = !masked || solid[n] == 0;
+    top = std::max(top, counts ? speed : -1e300);
+    bottom = std::min(bottom, counts ? speed : 1e300);
+    const float un = rounded(u[n]), vn = rounded(v[n]);
+    const float wn = hasW ? rounded(wd) : 0.0f;
+    const float s = un * un + vn * vn + wn * wn;
+    bad |= !(s - s == 0.0f) | !(speed - speed == 0.0);
+    maxS = std::max(maxS, s), minS = std::min(minS, s);
+    maxU = std::max(maxU, un), minU = std::min(minU, un);
+    maxV = std::max(maxV, vn), minV = std::min(minV, vn);
+    maxW = std::max(maxW, wn), minW = std::min(minW, wn);
+  }
+  e.maxSpeed2 = maxS, e.minSpeed2 = minS, e.maxU = maxU, e.minU = minU;
+  e.maxV = maxV, e.minV = minV, e.maxW = maxW, e.minW = minW;
+  e.finite = count;
+  lo = bottom, hi = top;
+  return bad == 0;
+}
+
+}  // namespace
+
+bool scanVelocityWithSpeed(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w,
+                           const array3d<double>& out, const array3d<int>& solidMask, bool countSolid,
+                           velocityStatistics& stats, double& lo, double& hi) {
+  const int count = out.count();
+  if (u.count() < count || v.count() < count || count == 0) return false;
+  const double* wd = w.data != nullptr && w.count() >= count ? w.data : nullptr;
+  const int* solid = !countSolid && solidMask.data != nullptr && solidMask.count() >= count ? solidMask.data : nullptr;
+  extremes e;
+  bool ok = false;
+  if (wd)
+    ok = solid ? scanWithSpeed<true, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
+               : scanWithSpeed<true, false>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
+  else
+    ok = solid ? scanWithSpeed<false, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
+               : scanWithSpeed<false, false>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
+  if (!ok) return false;
+  stats = fromExtremes(e);
+  if (lo == hi) lo = hi != 0.0 ? 0.0 : hi - 1.0;  // a flat range: 0..v, or -1..0
+  return true;
+}
+
+velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
+  const int count = std::min(u.count(), v.count());
+  const double* wd = w.count() >= count && w.data != nullptr ? w.data : nullptr;
+  // Values are rounded to single precision, as the display works in floats.
+  // A node with a non-finite component (a diverged run) is left out, so
+  // that the time step and the Courant number stay numbers.
+  extremes e;
+  if (!scanAll(u.data, v.data, wd, count, e)) scanFinite(u.data, v.data, wd, count, e);
+  return fromExtremes(e);
 }
 
 double adaptiveDeltat(double cfl, double dx, double dy, const velocityStatistics& stats) {

@@ -18,6 +18,16 @@ struct velocityStatistics {
 // Statistics over all nodes of u, v, w (same sizes); an empty w counts as 0.
 velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w);
 
+// The statistics and the speed field in one pass over the velocity, for the
+// default quantity: out = sqrt(u^2 + v^2 + w^2) in double precision, and lo,
+// hi its range over the nodes whose solidMask is 0 (all nodes with
+// countSolid, or without a mask). False, with nothing usable, when some
+// value is not finite: the caller then takes the separate scans, which leave
+// such nodes out.
+bool scanVelocityWithSpeed(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w,
+                           const array3d<double>& out, const array3d<int>& solidMask, bool countSolid,
+                           velocityStatistics& stats, double& lo, double& hi);
+
 // The time step of an adaptive run from the peaks: cfl*min(dx/peakU, dy/peakV),
 // with peaks below 1e-5 taken as 1e-5.
 double adaptiveDeltat(double cfl, double dx, double dy, const velocityStatistics& stats);
