@@ -12,7 +12,7 @@ namespace {
 // float, whose arithmetic costs the processor a hundred times more, and a
 // flow that starts from rest is full of such values.
 inline float rounded(double value) {
-  const double kept = std::fabs(value) >= 1e-18 ? value : 0.0;
+  const double kept = std::fabs(value) < 1e-18 ? 0.0 : value;  // NaN stays NaN
   return static_cast<float>(kept);
 }
 
@@ -37,7 +37,7 @@ bool scanAllOf(const double* u, const double* v, const double* w, int count, ext
     const float un = rounded(u[n]), vn = rounded(v[n]);
     const float wn = hasW ? rounded(w[n]) : 0.0f;
     const float s = un * un + vn * vn + wn * wn;
-    bad |= !(s - s == 0.0f);  // NaN and infinities
+    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f);  // NaN and infinities
     maxS = std::max(maxS, s), minS = std::min(minS, s);
     maxU = std::max(maxU, un), minU = std::min(minU, un);
     maxV = std::max(maxV, vn), minV = std::min(minV, vn);
@@ -60,7 +60,7 @@ void scanFinite(const double* u, const double* v, const double* w, int count, ex
     const float un = rounded(u[n]), vn = rounded(v[n]);
     const float wn = w ? rounded(w[n]) : 0.0f;
     const float s = un * un + vn * vn + wn * wn;
-    if (!std::isfinite(s)) continue;
+    if (!std::isfinite(un) || !std::isfinite(vn) || !std::isfinite(wn)) continue;
     ++e.finite;
     e.maxSpeed2 = std::max(e.maxSpeed2, s), e.minSpeed2 = std::min(e.minSpeed2, s);
     e.maxU = std::max(e.maxU, un), e.minU = std::min(e.minU, un);
@@ -104,7 +104,7 @@ bool scanWithSpeed(const double* u, const double* v, const double* w, double* ou
     const float un = rounded(u[n]), vn = rounded(v[n]);
     const float wn = hasW ? rounded(wd) : 0.0f;
     const float s = un * un + vn * vn + wn * wn;
-    bad |= !(s - s == 0.0f) | !(speed - speed == 0.0);
+    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f) | !(speed - speed == 0.0);
     maxS = std::max(maxS, s), minS = std::min(minS, s);
     maxU = std::max(maxU, un), minU = std::min(minU, un);
     maxV = std::max(maxV, vn), minV = std::min(minV, vn);
@@ -148,7 +148,14 @@ velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>&
   // that the time step and the Courant number stay numbers.
   extremes e;
   if (!scanAll(u.data, v.data, wd, count, e)) scanFinite(u.data, v.data, wd, count, e);
-  return fromExtremes(e);
+  velocityStatistics s = fromExtremes(e);
+  s.nonFiniteNodes = count - e.finite;
+  return s;
+}
+
+bool peaksFinite(const velocityStatistics& stats) {
+  return stats.nonFiniteNodes == 0 && std::isfinite(stats.peakU) && std::isfinite(stats.peakV) &&
+         std::isfinite(stats.peakW);
 }
 
 double adaptiveDeltat(double cfl, double dx, double dy, const velocityStatistics& stats) {

@@ -13,9 +13,12 @@ struct velocityStatistics {
   double maxV = 0.0, minV = 0.0;                 // [m/s]
   double maxW = 0.0, minW = 0.0;                 // [m/s]
   double peakU = 0.0, peakV = 0.0, peakW = 0.0;  // largest magnitude of each component [m/s]
+  int nonFiniteNodes = 0;                        // nodes left out: a component NaN or beyond single precision
 };
 
 // Statistics over all nodes of u, v, w (same sizes); an empty w counts as 0.
+// A node with a component that is not finite in single precision is left
+// out and counted in nonFiniteNodes.
 velocityStatistics scanVelocity(const array3d<double>& u, const array3d<double>& v, const array3d<double>& w);
 
 // The statistics and the speed field in one pass over the velocity, for the
@@ -31,5 +34,8 @@ bool scanVelocityWithSpeed(const array3d<double>& u, const array3d<double>& v, c
 // The time step of an adaptive run from the peaks: cfl*min(dx/peakU, dy/peakV),
 // with peaks below 1e-5 taken as 1e-5.
 double adaptiveDeltat(double cfl, double dx, double dy, const velocityStatistics& stats);
+
+// False when the flow has diverged: some node was not finite.
+bool peaksFinite(const velocityStatistics& stats);
 
 }  // namespace marv
