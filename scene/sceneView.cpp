@@ -119,7 +119,7 @@ double rangeHigh(const sceneView& scene, const appConfig& cfg) {
 }
 
 void constructScene(sceneView& scene, appConfig& cfg, bcDomain& domain) {
-  scene = sceneView{};
+  // The driver hands over a fresh record; a pass builds it once.
   scene.cfg = &cfg;
   scene.domain = &domain;
   scene.grad = makeGradOperator(cfg.dx, cfg.dy, cfg.dz);
@@ -216,8 +216,13 @@ void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
 
 void destroyScene(sceneView& scene) {
   deleteImage(scene.helpImage);
+  scene.helpImage = -1;
   destroyTextBox(scene.promptBox);
-  scene = sceneView{};
+  for (std::vector<vertex3d>& v : scene.boundaryVertices) std::vector<vertex3d>().swap(v);
+  scene.boundaryVertexCount = {};
+  scene.cellX0.clear(), scene.cellX1.clear(), scene.cellY0.clear(), scene.cellY1.clear();
+  scene.cfg = nullptr;
+  scene.domain = nullptr;
 }
 
 }  // namespace marv
