@@ -87,7 +87,10 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
     for (cfg.ts = cfg.sts;; ++cfg.ts) {
       if (cfg.ts > cfg.latts) break;
       const int inputResult = handleFrameInput(input, cfg);
-      drawFrame(scene, cfg, state.views, 1);
+      if (stages.drawPicture)
+        drawFrame(scene, cfg, state.views, 1);
+      else
+        frameNumbers(scene, cfg, state.views);
       if (noteDivergence(cfg, scene.stats) && stages.stopOnFault && !cfg.analysisMode) {
         // Nothing of this step is written: the last dump on disk is the
         // last good state of the flow.

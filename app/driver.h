@@ -62,6 +62,7 @@ struct passStages {
   bool writeHistory = true;                           // read and write .history in the start directory
   bool splash = true;                                 // show the splash in the first pass
   bool stopOnFault = false;                           // a diverged flow or a failed write ends the run as refused
+  bool drawPicture = true;                            // false: the run computes the frame's numbers but draws nothing
 };
 
 // Runs passes until the window closes (or, with onePass, after one pass).

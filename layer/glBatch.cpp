@@ -318,13 +318,12 @@ vertex* reserve(const batchKey& k, int n) {
   return at;
 }
 
-void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour) {
+void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour) {
   if (!state.ready) return;
   if (state.boxCount >= pendingBoxLimit) flush();
   command* last = state.commands.empty() ? nullptr : &state.commands.back();
-  // The usual case, box after box in the same state, only compares serials.
   if (last == nullptr || last->kind != commandKind::boxes || !last->live || last->serial != state.serial ||
-      4 * (last->count + 1) > batchCapacity)
+      last->count >= maxBoxesPerCommand)
     last = &startCommand(commandKind::boxes, key2d(primitive::quads), state.boxCount);
   growTo(state.boxes, static_cast<std::size_t>(state.boxCount) + 1);
   state.boxes[state.boxCount++] = boxRecord{x1, y1, x2, y2, colour};

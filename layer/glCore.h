@@ -95,6 +95,8 @@ struct drawUniforms {
 
 enum class commandKind : int { clear = 0, vertices = 1, boxes = 2 };
 
+constexpr int maxBoxesPerCommand = 49152;  // boxes of one draw call: 196608 vertices
+
 // One command of the pending frame.
 struct command {
   commandKind kind = commandKind::vertices;
@@ -149,8 +151,11 @@ void stopRenderer();
 // returns where to write them (valid until the next reserve). Null when there
 // is no renderer: the caller draws nothing.
 vertex* reserve(const batchKey& k, int n);
-// Records one filled box in the current 2D state.
-void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour);
+// Records one filled box in the current 2D state (inline below: a frame
+// records one per mesh cell).
+inline void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour);
+// The same when a new command or more room is needed.
+void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour);
 // Something that decides how later primitives are drawn has changed.
 inline void stateChanged();
 
@@ -209,6 +214,21 @@ int addToTable(std::vector<T>& table, T item) {
 }
 
 inline void stateChanged() { ++core().serial; }
+
+inline void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour) {
+  coreState& s = core();
+  // The usual case: box after box in the same state, with room to spare.
+  if (!s.commands.empty()) {
+    command& last = s.commands.back();
+    if (last.kind == commandKind::boxes && last.serial == s.serial && last.live &&
+        s.boxCount < static_cast<int>(s.boxes.size()) && last.count < maxBoxesPerCommand) {
+      s.boxes[s.boxCount++] = boxRecord{x1, y1, x2, y2, colour};
+      ++last.count;
+      return;
+    }
+  }
+  recordBoxSlow(x1, y1, x2, y2, colour);
+}
 
 // Colour helpers.
 inline void setColour(vertex& v, std::uint32_t c) {

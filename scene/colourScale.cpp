@@ -6,19 +6,6 @@
 
 namespace marv {
 
-int colourIndex(double value, double lo, double hi) {
-  const double q = (value - lo) / (hi - lo) * (numColors - 1);
-  // The comparisons are false for NaN, which so lands on 0; the value is
-  // limited before the conversion, which would be undefined out of range.
-  if (!(q >= 0.0)) return 0;
-  if (q >= numColors - 1) return numColors - 1;
-  return static_cast<int>(q);
-}
-
-int colourSlot(double value, double lo, double hi) {
-  return std::isfinite(value) ? colourIndex(value, lo, hi) : nonFiniteSlot;
-}
-
 void scaleColour(int i, int& r, int& g, int& b) {
   const int c = static_cast<int>(static_cast<double>(i) / (numColors - 1) * 765.0);
   if (c < 256) {
@@ -53,8 +40,9 @@ void drawColourBar(const sceneView& scene, const appConfig& cfg, int barX, int b
   for (int x = 0; x < barWidth; ++x) {
     int index = static_cast<int>(x / last * (numColors - 1));
     index = index < 0 ? 0 : (index > numColors - 1 ? numColors - 1 : index);
-    drawLine(barX + x, barY - 1, barX + x, barY + h + 1, c.white, 1);
-    drawLine(barX + x, barY, barX + x, barY + h, scene.colourTable[index], 1);
+    // One-pixel columns as boxes: the layer keeps boxes compact.
+    drawBox(barX + x, barY - 1, barX + x + 1, barY + h + 1, c.white, 1);
+    drawBox(barX + x, barY, barX + x + 1, barY + h, scene.colourTable[index], 1);
   }
   const double lo = rangeLow(scene, cfg), hi = rangeHigh(scene, cfg);
   const std::uint32_t ink = lo > hi ? c.red : c.black;

@@ -3,6 +3,8 @@
 // bar under the picture.
 #pragma once
 
+#include <cmath>
+
 #include "scene/sceneView.h"
 
 namespace marv {
@@ -11,11 +13,20 @@ namespace marv {
 // to 0..31. A value below the range takes 0, above it 31. Undefined
 // quotients (NaN value or limits, hi = lo) take 0; an infinite quotient
 // takes the end it points to.
-int colourIndex(double value, double lo, double hi);
+inline int colourIndex(double value, double lo, double hi) {
+  const double q = (value - lo) / (hi - lo) * (numColors - 1);
+  // The comparisons are false for NaN, which so lands on 0; the value is
+  // limited before the conversion, which would be undefined out of range.
+  if (!(q >= 0.0)) return 0;
+  if (q >= numColors - 1) return numColors - 1;
+  return static_cast<int>(q);
+}
 
 // The slot of a value in the scene's table: colourIndex for a finite value,
 // nonFiniteSlot for NaN and infinities, which have a colour of their own.
-int colourSlot(double value, double lo, double hi);
+inline int colourSlot(double value, double lo, double hi) {
+  return std::isfinite(value) ? colourIndex(value, lo, hi) : nonFiniteSlot;
+}
 
 // Red, green and blue of entry i of the table.
 void scaleColour(int i, int& r, int& g, int& b);

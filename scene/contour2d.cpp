@@ -3,6 +3,8 @@
 // non-finite means included.
 #include "scene/contour2d.h"
 
+#include <algorithm>
+
 #include "scene/colourScale.h"
 
 namespace marv {

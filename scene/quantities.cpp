@@ -17,6 +17,11 @@ const char* const labels[] = {" ",     "RHO (kg/m^3)", "U (m/s)",     "V (m/s)",
 
 bool empty(const array3d<double>& a) { return a.data == nullptr || a.count() == 0; }
 
+// A flat range: 0..v for a value v, -1..0 for 0.
+void widenFlatRange(double& bottom, double top) {
+  if (top == bottom) bottom = top != 0.0 ? 0.0 : top - 1.0;
+}
+
 // out = a*b, node by node.
 void product(const array3d<double>& out, const array3d<double>& a, const array3d<double>& b) {
   const int n = out.count();
@@ -99,6 +104,29 @@ void divergence(const sceneView& scene, const appConfig& cfg, const array3d<doub
   for (int m = 0; m < n; ++m) out.data[m] = (a.data[m] + b.data[m] + c.data[m]) * factor;
 }
 
+// Speed, the default quantity, in one pass with its range: the fields are
+// read once for the statistics and once here, and the display field is
+// written once and never read back.
+void speedWithRange(const array3d<double>& out, const array3d<double>& u, const array3d<double>& v,
+                    const array3d<double>& w, const array3d<int>& solidMask, bool countSolid, double& lo, double& hi) {
+  const int n = out.count();
+  const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
+  const bool hasW = !empty(w);
+  double top = -1e10, bottom = 1e10;
+#pragma omp simd reduction(max : top) reduction(min : bottom)
+  for (int m = 0; m < n; ++m) {
+    const double wm = hasW ? w.data[m] : 0.0;
+    const double value = std::sqrt(u.data[m] * u.data[m] + v.data[m] * v.data[m] + wm * wm);
+    out.data[m] = value;
+    const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
+    top = std::max(top, counts ? value : -1e300);
+    bottom = std::min(bottom, counts ? value : 1e300);
+  }
+  widenFlatRange(bottom, top);
+  lo = bottom;
+  hi = top;
+}
+
 }  // namespace
 
 const char* quantityLabelOf(int q) { return q >= 0 && q <= 11 ? labels[q] : labels[0]; }
@@ -107,18 +135,14 @@ void scanRange(const array3d<double>& field, const array3d<int>& solidMask, bool
   double top = -1e10, bottom = 1e10;
   const int n = field.count();
   const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
+#pragma omp simd reduction(max : top) reduction(min : bottom)
   for (int m = 0; m < n; ++m) {
     const double value = field.data[m];
     const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
-    top = counts && value > top ? value : top;
-    bottom = counts && value < bottom ? value : bottom;
+    top = std::max(top, counts ? value : -1e300);
+    bottom = std::min(bottom, counts ? value : 1e300);
   }
-  if (top == bottom) {
-    if (top != 0.0)
-      bottom = 0.0;
-    else
-      bottom = top - 1.0;
-  }
+  widenFlatRange(bottom, top);
   lo = bottom;
   hi = top;
 }
@@ -127,9 +151,17 @@ void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {
   const array3d<double>& u = views[fieldU];
   const array3d<double>& v = views[fieldV];
   const array3d<double>& w = views[fieldW];
+  const array3d<double>& out = views[viewDisplay];
+  const array3d<int> noMask;
+  const array3d<int>& solid = scene.domain ? static_cast<const array3d<int>&>(scene.domain->solidMask) : noMask;
+  // Speed, the usual quantity, comes with the statistics in one pass.
+  if (cfg.dispQuantFlag == 5 && !empty(out) &&
+      scanVelocityWithSpeed(u, v, w, out, solid, cfg.minMaxFlag != 0, scene.stats, scene.valueMin, scene.valueMax)) {
+    std::snprintf(scene.quantityLabel, sizeof scene.quantityLabel, "%s", quantityLabelOf(5));
+    return;
+  }
   scene.stats = scanVelocity(u, v, w);
 
-  const array3d<double>& out = views[viewDisplay];
   if (empty(out) || empty(u)) return;
   const array3d<double>& a = views[viewWorkA];
   const array3d<double>& b = views[viewWorkB];
@@ -156,6 +188,10 @@ void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {
   }
   if (source != nullptr && empty(*source)) source = nullptr, q = 0;  // a field this run lacks shows as none
   std::snprintf(scene.quantityLabel, sizeof scene.quantityLabel, "%s", quantityLabelOf(q));
+  if (q == 5 && source == nullptr) {
+    speedWithRange(out, u, v, w, solid, cfg.minMaxFlag != 0, scene.valueMin, scene.valueMax);
+    return;
+  }
   if (source != nullptr) {
     std::memcpy(out.data, source->data, sizeof(double) * static_cast<std::size_t>(std::min(n, source->count())));
   } else if (q == 5) {
@@ -171,8 +207,7 @@ void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {
   } else {
     fill(out, 0.0);
   }
-  scanRange(out, scene.domain ? static_cast<const array3d<int>&>(scene.domain->solidMask) : array3d<int>{},
-            cfg.minMaxFlag != 0, scene.valueMin, scene.valueMax);
+  scanRange(out, solid, cfg.minMaxFlag != 0, scene.valueMin, scene.valueMax);
 }
 
 }  // namespace marv

@@ -119,7 +119,7 @@ double rangeHigh(const sceneView& scene, const appConfig& cfg) {
 }
 
 void constructScene(sceneView& scene, appConfig& cfg, bcDomain& domain) {
-  scene = sceneView{};
+  // The driver hands over a fresh record; a pass builds it once.
   scene.cfg = &cfg;
   scene.domain = &domain;
   scene.grad = makeGradOperator(cfg.dx, cfg.dy, cfg.dz);
@@ -167,12 +167,16 @@ void setUpScene(sceneView& scene, appConfig& cfg) {
   setTextInputFont(cfg.fixedBold);
 }
 
-void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
+void frameNumbers(sceneView& scene, appConfig& cfg, fieldViews& views) {
   extractQuantity(scene, cfg, views);
   // The statistics come first: the adaptive time step of the coming solve
   // is taken from this frame's peaks.
   if (cfg.fixedDeltat == 0 && cfg.ts >= 10) cfg.deltat = adaptiveDeltat(cfg.cfl, cfg.dx, cfg.dy, scene.stats);
   cfg.maxCfl = cfg.deltat * std::max(scene.stats.peakU / cfg.dx, scene.stats.peakV / cfg.dy);
+}
+
+void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
+  frameNumbers(scene, cfg, views);
   if (scene.particlesActive == 0 && cfg.showTracerParticleFlag) scene.particlesActive = 1;
   if (scene.is3d && cfg.useLightingFlag != scene.lightingApplied) {
     setLighting(cfg.useLightingFlag);
@@ -212,8 +216,13 @@ void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
 
 void destroyScene(sceneView& scene) {
   deleteImage(scene.helpImage);
+  scene.helpImage = -1;
   destroyTextBox(scene.promptBox);
-  scene = sceneView{};
+  for (std::vector<vertex3d>& v : scene.boundaryVertices) std::vector<vertex3d>().swap(v);
+  scene.boundaryVertexCount = {};
+  scene.cellX0.clear(), scene.cellX1.clear(), scene.cellY0.clear(), scene.cellY1.clear();
+  scene.cfg = nullptr;
+  scene.domain = nullptr;
 }
 
 }  // namespace marv

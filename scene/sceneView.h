@@ -115,6 +115,9 @@ void setUpScene(sceneView& scene, appConfig& cfg);
 // mode -1 bitmap preview, 0 placement, 1 run. Leaves the picture in the
 // current draw target.
 void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode);
+// The head of every frame without its picture: the shown quantity with its
+// range and statistics, the adaptive deltat and the Courant number.
+void frameNumbers(sceneView& scene, appConfig& cfg, fieldViews& views);
 void destroyScene(sceneView& scene);
 
 // The viewing range: the manual limits where they are set, else the range

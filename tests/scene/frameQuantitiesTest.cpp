@@ -156,9 +156,19 @@ TEST(FrameTimeStep, ADivergedFieldKeepsTheNumbersFinite) {
   k.cfg.dispQuantFlag = 5;
   drawFrame(k.scene, k.cfg, k.views, 1);
   EXPECT_NEAR(k.cfg.deltat, 0.25 * 0.25 / 1.0, 1e-12) << "the diverged nodes are left out of the peaks";
+  EXPECT_EQ(k.scene.stats.nonFiniteNodes, 2);
+  EXPECT_FALSE(peaksFinite(k.scene.stats)) << "yet the run can tell that it diverged";
   EXPECT_TRUE(std::isfinite(k.cfg.maxCfl));
   EXPECT_EQ(k.scene.valueMin, 0.0) << "a flat finite speed widened to 0..1";
   EXPECT_EQ(k.scene.valueMax, 1.0);
+
+  // Large but finite in single precision is no divergence, though its
+  // square overflows.
+  fill<double>(k.v, 0.0);
+  k.u(1, 1, 0) = -3.0e38;
+  drawFrame(k.scene, k.cfg, k.views, 1);
+  EXPECT_TRUE(peaksFinite(k.scene.stats));
+  EXPECT_EQ(k.scene.stats.peakU, static_cast<double>(-3.0e38f) * -1.0);
 
   // Nothing finite at all: the frame still draws and the step stays a number.
   fill<double>(k.u, std::numeric_limits<double>::quiet_NaN());

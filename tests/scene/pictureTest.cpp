@@ -1,0 +1,202 @@
+// The live picture as the batch runner saves it, checked by the pixel on the
+// off-screen OpenGL backend: the colour bar's ends, and a run of the bundled
+// cylinder example whose saved image is compared with a colour mapping of
+// the dump of the same step, made here from the raw files alone. Expected
+// colours follow the scale's three ramps and the screen layout of a 2D run,
+// both written out again below.
+#include <gtest/gtest.h>
+#include <jpeglib.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/batchStages.h"
+#include "app/driver.h"
+#include "layer/layer.h"
+#include "scene/colourScale.h"
+#include "testSupport.h"
+
+namespace {
+
+using namespace marv;
+
+struct picture {
+  int width = 0, height = 0;
+  std::vector<unsigned char> rgb;
+  bool read(const std::string& path) {
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr) return false;
+    jpeg_decompress_struct info;
+    jpeg_error_mgr errors;
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&info);
+    jpeg_stdio_src(&info, file);
+    jpeg_read_header(&info, TRUE);
+    info.out_color_space = JCS_RGB;
+    jpeg_start_decompress(&info);
+    width = static_cast<int>(info.output_width), height = static_cast<int>(info.output_height);
+    rgb.resize(static_cast<std::size_t>(width) * height * 3);
+    while (info.output_scanline < info.output_height) {
+      JSAMPROW row = rgb.data() + static_cast<std::size_t>(info.output_scanline) * width * 3;
+      jpeg_read_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_decompress(&info);
+    jpeg_destroy_decompress(&info);
+    std::fclose(file);
+    return true;
+  }
+  const unsigned char* at(int x, int y) const { return &rgb[(static_cast<std::size_t>(y) * width + x) * 3]; }
+};
+
+// The scale: blue, cyan, green-yellow, red in three ramps over 0..765.
+void expectedColour(double value, double lo, double hi, int rgb[3]) {
+  double q = (value - lo) / (hi - lo) * 31.0;
+  q = q < 0.0 ? 0.0 : (q > 31.0 ? 31.0 : q);
+  const int c = static_cast<int>(static_cast<int>(q) / 31.0 * 765.0);
+  if (c < 256)
+    rgb[0] = 0, rgb[1] = c, rgb[2] = 255;
+  else if (c <= 510)
+    rgb[0] = c - 255, rgb[1] = 255, rgb[2] = 510 - c;
+  else
+    rgb[0] = 255, rgb[1] = 765 - c, rgb[2] = 0;
+}
+
+std::vector<double> readRaw(const std::filesystem::path& path, std::size_t count) {
+  std::vector<double> values(count, 0.0);
+  std::ifstream in(path, std::ios::binary);
+  in.read(reinterpret_cast<char*>(values.data()), static_cast<std::streamsize>(count * sizeof(double)));
+  return in.gcount() == static_cast<std::streamsize>(count * sizeof(double)) ? values : std::vector<double>();
+}
+
+class pictureRender : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    setGraphicsMode(400, 200, 32, 60);
+    ASSERT_EQ(startLayer(), 0);
+    ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
+  }
+  void TearDown() override { stopLayer(); }
+};
+
+TEST_F(pictureRender, ColourBarRunsFromBlueToRedBetweenWhiteMarks) {
+  sceneView scene;
+  appConfig cfg;
+  scene.colours = makeSceneColours();
+  fillColourTable(scene, cfg);
+  scene.valueMin = 0.0, scene.valueMax = 1.0;
+  setBackgroundColour(0, 0, 0, 255);
+  setDrawTarget(backBuffer);
+  clearDrawTarget();
+  drawColourBar(scene, cfg, 40, 50, 320);
+  const int pixels = makePixelImage(400, 200);
+  captureToPixelImage(0, 0, 400, 200, pixels);
+  auto pixel = [&](int x, int y) {
+    int c[3] = {0, 0, 0};
+    readPixel(pixels, x, y, &c[0], &c[1], &c[2], nullptr);
+    return std::vector<int>{c[0], c[1], c[2]};
+  };
+  EXPECT_EQ(pixel(40, 60), (std::vector<int>{0, 0, 255})) << "first column: first colour";
+  EXPECT_EQ(pixel(359, 60), (std::vector<int>{255, 0, 0})) << "last column: last colour";
+  EXPECT_EQ(pixel(200, 60), (std::vector<int>{115, 255, 140})) << "column 160: entry trunc(160/319 x 31) = 15";
+  EXPECT_EQ(pixel(39, 60), (std::vector<int>{255, 255, 255})) << "white end mark left";
+  EXPECT_EQ(pixel(360, 60), (std::vector<int>{255, 255, 255})) << "white end mark right";
+  EXPECT_EQ(pixel(100, 49), (std::vector<int>{255, 255, 255})) << "a white rim above";
+  int ink = 0;  // the numbers under the bar
+  for (int y = 72; y < 100; ++y)
+    for (int x = 40; x < 360; ++x) ink += pixel(x, y)[0] > 128;
+  EXPECT_GT(ink, 100);
+  deletePixelImage(pixels);
+}
+
+TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
+  const auto folder = marvtest::scratchFolder("picture");
+  std::filesystem::copy(std::filesystem::path(MARV_EXAMPLES_DIR) / "cylinder2d" / "input", folder / "input");
+  std::filesystem::create_directories(folder / "figs");
+  std::filesystem::create_directories(folder / "dump");
+  // A short run that ends with an image and a dump of the same step, shown
+  // on a fixed range so that the mapping needs no knowledge of solid nodes.
+  const int last = 30;
+  const double lo = 0.0, hi = 1.6;
+  std::istringstream lines(marvtest::readText(folder / "input" / "param.txt"));
+  std::string param, line;
+  while (std::getline(lines, line)) {
+    for (const char* key : {"013:latts", "022:nfig", "023:nfile"})
+      if (line.rfind(key, 0) == 0) line = std::string(key) + " " + std::to_string(last);
+    param += line + "\n";
+  }
+  marvtest::writeText(folder / "input" / "param.txt", param);
+  std::ofstream(folder / "input" / "viz.txt", std::ios::app)
+      << "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue " << lo << "\nmanualMaxFlag 1\nmanualMaxValue " << hi
+      << "\n";
+  batchOptions options;
+  options.projectDir = folder.string();
+  options.quiet = true;
+  driverState state;
+  ASSERT_EQ(runDriver(batchStages(options), state), 0);
+
+  picture shot;
+  char name[64];
+  std::snprintf(name, sizeof name, "%08d", last);
+  ASSERT_TRUE(shot.read((folder / "figs" / (std::string(name) + ".jpg")).string()));
+  const int nx = 241, ny = 61;
+  const std::vector<double> u = readRaw(folder / "dump" / name / "ufld.raw", nx * ny);
+  const std::vector<double> v = readRaw(folder / "dump" / name / "vfld.raw", nx * ny);
+  const std::vector<double> bc = readRaw(folder / "dump" / name / "bc.raw", nx * ny);
+  ASSERT_FALSE(u.empty());
+  ASSERT_FALSE(bc.empty());
+
+  // Layout of a 2D run: 720/241 = 2 pixels a cell, dx = 4/240 m, so 120
+  // pixels a metre; margins 10 left and 3 x 10 on top (text height 20).
+  const double perMetre = 2.0 / (4.0 / 240.0);
+  auto pixelX = [&](int i) { return static_cast<int>(i * (4.0 / 240.0) * perMetre + 10 + 0.5); };
+  auto pixelY = [&](int j) { return static_cast<int>(perMetre * 1.0 - j * (1.0 / 60.0) * perMetre + 30 + 0.5); };
+  EXPECT_EQ(shot.width, 500 - 1) << "the saved rectangle: the screen less its last column";
+  auto speed = [&](int i, int j) { return std::hypot(u[i + nx * j], v[i + nx * j]); };
+  auto cellIndex = [&](int i, int j) {
+    const double m = (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
+    double q = (m - lo) / (hi - lo) * 31.0;
+    return static_cast<int>(q < 0.0 ? 0.0 : (q > 31.0 ? 31.0 : q));
+  };
+  int compared = 0, matched = 0;
+  for (int j = 2; j < ny - 3; ++j)
+    for (int i = 2; i < nx - 3; ++i) {
+      // Cells in a patch of one colour away from any boundary, where the
+      // JPEG's chroma halving does not smear an edge in.
+      bool plain = true;
+      for (int dj = -1; dj <= 1; ++dj)
+        for (int di = -2; di <= 2; ++di)
+          plain = plain && cellIndex(i + di, j + dj) == cellIndex(i, j) && bc[i + di + nx * (j + dj)] == 0.0;
+      if (!plain) continue;
+      const double m = (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
+      int want[3];
+      expectedColour(m, lo, hi, want);
+      const unsigned char* got = shot.at(pixelX(i) + 1, pixelY(j + 1) + 1);
+      ++compared;
+      matched +=
+          std::abs(got[0] - want[0]) <= 24 && std::abs(got[1] - want[1]) <= 24 && std::abs(got[2] - want[2]) <= 24;
+    }
+  EXPECT_GT(compared, 1000);
+  EXPECT_GE(matched, compared * 98 / 100) << matched << " of " << compared << " cells in their colour";
+
+  // The cylinder's outline: along the row through its middle, the first
+  // node inside the wall mask is where the black iso-line crosses.
+  const int jc = ny / 2;
+  int inside = -1;
+  for (int i = 1; i < nx / 2 && inside < 0; ++i)
+    if (bc[i + nx * jc] >= 0.8) inside = i;
+  ASSERT_GT(inside, 0) << "the cylinder lies in the left half";
+  int darkest = 255 * 3;
+  for (int x = pixelX(inside - 1) - 1; x <= pixelX(inside) + 1; ++x) {
+    const unsigned char* p = shot.at(x, pixelY(jc));
+    darkest = std::min(darkest, p[0] + p[1] + p[2]);
+  }
+  EXPECT_LT(darkest, 200) << "a dark outline where the wall begins";
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
