@@ -18,6 +18,10 @@
 #include "project/parameterFile.h"
 #include "project/vizFile.h"
 #include "result/dumpFiles.h"
+#include "result/forceRecord.h"
+#include "result/frameRecords.h"
+#include "result/heatLossRecord.h"
+#include "result/probes.h"
 #include "result/stepResults.h"
 #include "scene/inputState.h"
 #include "widgets/controlPanel.h"
@@ -94,6 +98,9 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       const array3d<double>& display = state.views[viewBc];
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
+      // Until the frame computes them, the recorded colours' force and heat
+      // loss of this step are taken here, before the results are written.
+      computeRecordValues(cfg, domain, state.views);
       writeStepResults(cfg, state.views);
       smoothStepTime(cfg);
       if (presentThisStep(cfg)) present();
@@ -211,6 +218,10 @@ int runPass(const passStages& stages, driverState& state) {
   constructScene(scene, cfg, domain);
   inputState input;
   resetInputState(input);
+  // The choices of the records come back from the tails of the record files.
+  readProbeSetup(cfg);
+  readForceSetup(cfg);
+  readHeatLossSetup(cfg);
 
   // Bitmap and solver cycle.
   int r = 0;

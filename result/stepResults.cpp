@@ -1,5 +1,4 @@
-// What a step of the run writes, and the restart read. Records of probes,
-// force and heat loss join here once they exist.
+// What a step of the run writes, and the restart read.
 #include "result/stepResults.h"
 
 #include <cstdio>
@@ -8,6 +7,9 @@
 #include "layer/layer.h"
 #include "project/vizFile.h"
 #include "result/dumpFiles.h"
+#include "result/forceRecord.h"
+#include "result/heatLossRecord.h"
+#include "result/probes.h"
 
 namespace marv {
 
@@ -40,8 +42,12 @@ void writeStepResults(appConfig& cfg, fieldViews& views) {
   if (cfg.sts >= 1 && cfg.ts == cfg.sts) return;
   // Analysis mode shows stored dumps: it never writes over them.
   if (cfg.analysisMode) return;
+  const bool probeLines = writeProbes(cfg, views);
+  const bool forceLine = writeForce(cfg);
+  const bool heatLine = writeHeatLoss(cfg);
   const bool ends = cfg.ts == 0 || cfg.ts == cfg.latts;
-  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile)) syncViz(cfg, 1);
+  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile) || probeLines || forceLine || heatLine)
+    syncViz(cfg, 1);
   if (ends || onInterval(cfg.ts, cfg.nfig)) {
     char path[64];
     std::snprintf(path, sizeof path, "./figs/%08d.jpg", cfg.ts);
