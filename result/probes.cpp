@@ -79,8 +79,10 @@ void readProbeSetup(appConfig& cfg) {
       p.y = recordNumber(words[3], value) ? static_cast<float>(value) : 0.0f;
       p.z = recordNumber(words[4], value) ? static_cast<float>(value) : 0.0f;
     }
-    // Written as !(inside) so that a NaN position drops out too.
-    const bool inside = p.x >= 0.0f && p.y >= 0.0f && p.z >= 0.0f && p.x <= cfg.lx && p.y <= cfg.ly && p.z <= cfg.lz;
+    // Written as !(inside) so that a NaN position drops out too. A flat case
+    // takes any z, since it is set to 0 below.
+    const bool insideZ = cfg.nz == 1 || (p.z >= 0.0f && p.z <= cfg.lz);
+    const bool inside = p.x >= 0.0f && p.y >= 0.0f && p.x <= cfg.lx && p.y <= cfg.ly && insideZ;
     if (!inside) {
       p = probePoint{};
       cfg.numProbes = std::max(k - 1, 0);
