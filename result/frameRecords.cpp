@@ -15,17 +15,18 @@ bool recordableColour(const appConfig& cfg, const bcDomain& domain, int colour) 
 
 void computeRecordValues(appConfig& cfg, const bcDomain& domain, const fieldViews& views) {
   if (cfg.showForce == 0 && cfg.showHeatLoss == 0) return;
-  const array3d<double>& flux = views[fieldConvZ];
-  heatFluxField(cfg, views[fieldT], views[fieldConvY], flux);
+  // The node field is what the picture shows; it also switches heat loss
+  // off outside a thermo-fluid run.
+  heatFluxField(cfg, views[fieldT], views[fieldConvY], views[fieldConvZ]);
   const bool flat = cfg.nz == 1;
   for (int c = 1; c < numColourTypes; ++c) {
     if (!recordableColour(cfg, domain, c)) continue;
     if (cfg.forceRecordOn[c] && views[fieldP].data != nullptr)
       cfg.forceValues[c] = flat ? outlineForce(cfg, views[fieldP], domain.outlines[c])
                                 : surfaceForce(cfg, views[fieldP], domain.surfaces[c], c);
-    if (cfg.heatRecordOn[c] && flux.data != nullptr)
-      cfg.heatValues[c] =
-          flat ? outlineHeatLoss(cfg, flux, domain.outlines[c]) : surfaceHeatLoss(cfg, flux, domain.surfaces[c]);
+    if (cfg.heatRecordOn[c] && cfg.showHeatLoss)
+      cfg.heatValues[c] = flat ? outlineHeatLoss(cfg, views[fieldT], domain.outlines[c])
+                               : surfaceHeatLoss(cfg, views[fieldT], domain.surfaces[c], c);
   }
   cfg.numRecForce = cfg.numRecHeatLoss = 0;
   for (int c = domain.firstType; c < domain.endType && c < numColourTypes; ++c) {

@@ -17,7 +17,8 @@ namespace marv {
 bool recordableColour(const appConfig& cfg, const bcDomain& domain, int colour);
 
 // With showForce or showHeatLoss on: the heat flux field into the work
-// views (scratch fieldConvY, flux fieldConvZ), then the force and heat loss
+// views (scratch fieldConvY, flux fieldConvZ) for the picture, then the
+// force and heat loss
 // of every recorded colour; the counts numRecForce and numRecHeatLoss follow
 // the flags, and a colour not recorded keeps zeros. Views 9 and 10 are free
 // between the frame and the next solve.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "domain/bcDomain.h"
 #include "domain/gridSampling.h"
 #include "solver/gradOperator.h"
 
@@ -52,21 +53,43 @@ void heatFluxField(appConfig& cfg, const array3d<double>& temperature, const arr
   for (int m = 0; m < n; ++m) flux[m] = std::sqrt(flux[m]) * specificHeat(temperature[m]) * conduction;
 }
 
-double outlineHeatLoss(const appConfig& cfg, const array3d<double>& flux, const bcOutline& outline) {
+namespace {
+
+// -k dT/dn at point m (physical) with unit normal n into the fluid, spacing h.
+double wallFlux(const appConfig& cfg, const array3d<double>& T, const double m[3], const double n[3], double h) {
+  double T0 = 0.0, T1 = 0.0, T2 = 0.0;
+  T0 = sampleField(cfg, m[0], m[1], m[2], T);
+  T1 = sampleField(cfg, m[0] + h * n[0], m[1] + h * n[1], m[2] + h * n[2], T);
+  T2 = sampleField(cfg, m[0] + 2 * h * n[0], m[1] + 2 * h * n[1], m[2] + 2 * h * n[2], T);
+  const double slope = (-3.0 * T0 + 4.0 * T1 - T2) / (2.0 * h);
+  return -specificHeat(T0) * cfg.mu / cfg.pr * slope;
+}
+
+}  // namespace
+
+double outlineHeatLoss(const appConfig& cfg, const array3d<double>& temperature, const bcOutline& outline) {
+  if (temperature.data == nullptr) return 0.0;
+  const double h = std::min(cfg.dx, cfg.dy);
   double sum = 0.0;
   const int count = std::min<int>(outline.numSegments, static_cast<int>(outline.segmentX.size() / 2));
   for (int s = 0; s < count; ++s) {
     const double x1 = outline.segmentX[2 * s], x2 = outline.segmentX[2 * s + 1];
     const double y1 = outline.segmentY[2 * s], y2 = outline.segmentY[2 * s + 1];
     const double l = std::sqrt((y2 - y1) * (y2 - y1) + (x2 - x1) * (x2 - x1));
-    sum += sampleField(cfg, (x1 + x2) / 2.0, (y1 + y2) / 2.0, 0.0, flux) * l;
+    if (!(l > 0.0)) continue;
+    const double m[3] = {(x1 + x2) / 2.0, (y1 + y2) / 2.0, 0.0};
+    const double n[3] = {-(y2 - y1) / l, (x2 - x1) / l, 0.0};
+    sum += wallFlux(cfg, temperature, m, n, h) * l;
   }
   return sum;
 }
 
-double surfaceHeatLoss(const appConfig& cfg, const array3d<double>& flux, const bcSurface& surface) {
-  double sum = 0.0;
+double surfaceHeatLoss(const appConfig& cfg, const array3d<double>& temperature, const bcSurface& surface, int colour) {
+  if (temperature.data == nullptr) return 0.0;
+  const double outward = colour == stlType ? 1.0 : -1.0;
+  const double h = std::min({cfg.dx, cfg.dy, cfg.dz});
   const double top = cfg.zCoord.empty() ? 0.0 : cfg.zCoord.back();
+  double sum = 0.0;
   const int count = std::min<int>(surface.numTriangles, static_cast<int>(surface.triangles.size()));
   for (int t = 0; t < count; ++t) {
     const bcTriangle& tri = surface.triangles[t];
@@ -79,7 +102,10 @@ double surfaceHeatLoss(const appConfig& cfg, const array3d<double>& flux, const 
     const double ff = f[0] * f[0] + f[1] * f[1] + f[2] * f[2];
     const double ef = e[0] * f[0] + e[1] * f[1] + e[2] * f[2];
     const double area = 0.5 * std::sqrt(std::max(0.0, ee * ff - ef * ef));
-    sum += sampleField(cfg, tri.centroid[0], tri.centroid[1], top - tri.centroid[2], flux) * area;
+    // Position and normal back from the world's mirrored z.
+    const double m[3] = {tri.centroid[0], tri.centroid[1], top - tri.centroid[2]};
+    const double n[3] = {outward * tri.normal[0], outward * tri.normal[1], -outward * tri.normal[2]};
+    sum += wallFlux(cfg, temperature, m, n, h) * area;
   }
   return sum;
 }

@@ -20,11 +20,17 @@ double specificHeat(double T);
 void heatFluxField(appConfig& cfg, const array3d<double>& temperature, const array3d<double>& scratch,
                    const array3d<double>& flux);
 
-// The sum over an outline's segments of flux(mid-point) x length [W/m], and
-// over a surface's triangles of flux(centroid) x area [W]. Not divided by the
-// length or area.
-double outlineHeatLoss(const appConfig& cfg, const array3d<double>& flux, const bcOutline& outline);
-double surfaceHeatLoss(const appConfig& cfg, const array3d<double>& flux, const bcSurface& surface);
+// Heat that a body gives to the fluid through an outline [W/m] (two
+// dimensions) or a surface [W] (three): the sum over segments or triangles of
+// -k dT/dn times length or area, with k = cp(T) mu / pr, n the normal into
+// the fluid (as for the force: surfaces of colour 7 carry it, the masks'
+// iso-surfaces carry its opposite) and dT/dn taken one-sided into the fluid,
+// from T at the mid-point or centroid and one and two spacings out, of second
+// order. A cold wall gives a negative value. The node field of heatFluxField
+// is not used here: its central difference at a wall node reaches into the
+// wall, whose temperature is the wall's, and sees about half the gradient.
+double outlineHeatLoss(const appConfig& cfg, const array3d<double>& temperature, const bcOutline& outline);
+double surfaceHeatLoss(const appConfig& cfg, const array3d<double>& temperature, const bcSurface& surface, int colour);
 
 const char* const heatLossFilePath = "./dump/heatLoss.txt";
 const recordLayout& heatLossLayout(const appConfig& cfg);

@@ -4,6 +4,7 @@
 // form.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -185,30 +186,57 @@ TEST(Force, SymmetricBodyInSymmetricFlowHasNoSideForce) {
 
 TEST(HeatLoss, ConductionThroughTheWallsMatchesTheAnalyticFlux) {
   // Steady conduction between a hot left wall and a cold right wall: a linear
-  // profile, q = k (Th - Tc) / L with k = cp mu / Pr, the same through both
-  // walls. Colour 1 is the left column, colour 8 the right one.
-  appConfig cfg;
-  testing::setGrid(cfg, 33, 17, 1, 0.1, 0.05);
-  cfg.cmode = 1, cfg.showHeatLoss = 1, cfg.mu = 1.8e-5, cfg.pr = 0.71;
-  const double hot = 310.0, cold = 290.0, L = 0.1, H = 0.05;
-  bcDomain domain;
-  buildBody(domain, cfg, [&](int i, int, int) { return i == 0; });
-  ownedArray3d<float>& right = domain.typeMasks[8];
-  for (int j = 0; j < cfg.ny; ++j) right(cfg.nx - 1, j, 0) = 1.0f;
-  domain.outlines[8].field = &right;
-  ASSERT_EQ(polygoniseOutline(domain.outlines[8], domain.isoLevel), 0);
-  ownedArray3d<double> T, scratch(cfg.nx, cfg.ny, 1), flux(cfg.nx, cfg.ny, 1);
-  setField(cfg, T, [&](double x, double, double) { return hot - (hot - cold) * x / L; });
-  heatFluxField(cfg, T, scratch, flux);
-  const double gradient = (hot - cold) / L;
-  // The outline stops at the first and last node of the column.
-  const double qHot = H * gradient * specificHeat(hot) * cfg.mu / cfg.pr;
-  const double qCold = H * gradient * specificHeat(cold) * cfg.mu / cfg.pr;
-  EXPECT_NEAR(outlineHeatLoss(cfg, flux, domain.outlines[1]), qHot, 1e-4 * qHot);
-  EXPECT_NEAR(outlineHeatLoss(cfg, flux, domain.outlines[8]), qCold, 1e-4 * qCold);
+  // profile between the walls' fluid-side nodes, q = k (Th - Tc) / gap with
+  // k = cp mu / Pr, leaving the hot wall and entering the cold one. The walls
+  // are two nodes thick, as bitmaps make them, and the cold one has the
+  // fractional mask (0.1, 0.9, 1) that a bitmap scaled onto the grid leaves:
+  // the wall's heat must not depend on where its outline falls.
+  for (int n : {33, 65}) {
+    appConfig cfg;
+    testing::setGrid(cfg, n, 17, 1, 0.1, 0.05);
+    cfg.cmode = 1, cfg.showHeatLoss = 1, cfg.mu = 1.8e-5, cfg.pr = 0.71;
+    const double hot = 310.0, cold = 290.0, H = 0.05;
+    bcDomain domain;
+    buildBody(domain, cfg, [&](int i, int, int) { return i <= 1; });
+    ownedArray3d<float>& right = domain.typeMasks[8];
+    for (int j = 0; j < cfg.ny; ++j) right(n - 3, j, 0) = 0.1f, right(n - 2, j, 0) = 0.9f, right(n - 1, j, 0) = 1.0f;
+    domain.outlines[8].field = &right;
+    ASSERT_EQ(polygoniseOutline(domain.outlines[8], domain.isoLevel), 0);
+    const double xHot = cfg.xCoord[1], xCold = cfg.xCoord[n - 2], gap = xCold - xHot;
+    ownedArray3d<double> T;
+    setField(cfg, T,
+             [&](double x, double, double) { return std::clamp(hot - (hot - cold) * (x - xHot) / gap, cold, hot); });
+    const double qHot = H * (hot - cold) / gap * specificHeat(hot) * cfg.mu / cfg.pr;
+    const double qCold = H * (hot - cold) / gap * specificHeat(cold) * cfg.mu / cfg.pr;
+    EXPECT_NEAR(outlineHeatLoss(cfg, T, domain.outlines[1]), qHot, 1e-4 * qHot) << n;
+    EXPECT_NEAR(outlineHeatLoss(cfg, T, domain.outlines[8]), -qCold, 1e-4 * qCold) << n;
+  }
   // The specific heat of air near room temperature, about 1005 J/(kg K).
   EXPECT_NEAR(specificHeat(300.0), 1005.0, 3.0);
   EXPECT_NEAR(specificHeat(590.0), specificHeat(589.9999), 1.0) << "the two fits meet";
+}
+
+TEST(HeatLoss, SurfaceHeatOfAHeatedBox) {
+  // A box held at Th in a fluid whose temperature falls off linearly in z
+  // above and below it: heat leaves through the top and bottom faces only.
+  appConfig cfg;
+  testing::setGrid(cfg, 17, 17, 17, 1.0, 1.0, 1.0);
+  cfg.cmode = 1, cfg.mu = 1.8e-5, cfg.pr = 0.71;
+  const double hot = 350.0, slope = 40.0;  // [K], [K/m]
+  bcDomain domain;
+  // Mask k counts from the top: nodes 6..10 in both orders.
+  buildBody(domain, cfg,
+            [](int i, int j, int k) { return i >= 6 && i <= 10 && j >= 6 && j <= 10 && k >= 6 && k <= 10; });
+  ownedArray3d<double> T;
+  const double z0 = cfg.zCoord[6], z1 = cfg.zCoord[10];
+  setField(cfg, T, [&](double, double, double z) { return hot - slope * std::max({0.0, z0 - z, z - z1}); });
+  const double k = specificHeat(hot) * cfg.mu / cfg.pr;
+  // Top and bottom faces of the iso-surface, 0.2 cells outside the nodes,
+  // less their chamfered edges; the side faces see no gradient.
+  const double side = z1 - z0 + 0.4 * cfg.dz;
+  const double q = surfaceHeatLoss(cfg, T, domain.surfaces[1], 1);
+  EXPECT_GT(q, 0.0) << "a hot body loses heat";
+  EXPECT_NEAR(q, 2 * k * slope * side * side, 0.1 * 2 * k * slope * side * side);
 }
 
 TEST(HeatLoss, OffInAConstantDensityRun) {
