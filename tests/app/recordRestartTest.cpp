@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <regex>
 #include <string>
 
 #include "app/batchStages.h"
@@ -23,15 +22,43 @@ namespace fs = std::filesystem;
 
 const fs::path example = fs::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "thermo2d";
 
-// Sets every line of key in a param.txt text (the example holds nfile twice).
-std::string setParameter(std::string text, const std::string& key, const std::string& value) {
-  const std::regex line("(^|\n)(\\d+:" + key + ") +[^ \n]+");
-  if (std::regex_search(text, line)) return std::regex_replace(text, line, "$1$2 " + value);
-  return std::regex_replace(text, std::regex("#End of file"), "099:" + key + " " + value + "\n#End of file");
+// Each line whose first word is key (in param.txt after its "NNN:") gets
+// value as its second word; the rest of the line goes. The example holds
+// nfile twice. A key that no line holds is added before "#End of file".
+std::string setKey(const std::string& text, const std::string& key, const std::string& value, bool numbered) {
+  std::string out;
+  bool found = false;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    std::size_t end = text.find('\n', at);
+    if (end == std::string::npos) end = text.size();
+    std::string line = text.substr(at, end - at);
+    const std::size_t colon = numbered ? line.find(':') : std::string::npos;
+    const std::size_t start = colon == std::string::npos ? 0 : colon + 1;
+    const bool digits =
+        !numbered || (colon != std::string::npos && colon > 0 && line.find_first_not_of("0123456789") == colon);
+    if (digits && line.compare(start, key.size(), key) == 0 &&
+        (line.size() == start + key.size() || line[start + key.size()] == ' ')) {
+      line = line.substr(0, start) + key + " " + value;
+      found = true;
+    }
+    if (!found && numbered && line.rfind("#End of file", 0) == 0) {
+      line = "099:" + key + " " + value + "\n" + line;
+      found = true;
+    }
+    out += line;
+    if (end < text.size()) out += '\n';
+    at = end + 1;
+  }
+  return out;
 }
 
-std::string setViz(std::string text, const std::string& key, const std::string& value) {
-  return std::regex_replace(text, std::regex("(^|\n)" + key + " +[^ \n]+"), "$1" + key + " " + value);
+std::string setParameter(const std::string& text, const std::string& key, const std::string& value) {
+  return setKey(text, key, value, true);
+}
+
+std::string setViz(const std::string& text, const std::string& key, const std::string& value) {
+  return setKey(text, key, value, false);
 }
 
 // A copy of the example, set to record from step 0 with probes at two
