@@ -26,6 +26,7 @@ constexpr int maxColourSlots = 51;       // colour list limit, presets 0..7
 constexpr int maxBitmapSlices = 10;      // slices per bitmap plane
 constexpr const char* programVersion = "2021R3.0";
 constexpr const char* productWord = "Marvanesse+";
+constexpr int maxProbes = 10;  // places of the probe table
 
 struct appConfig;
 using messageSink = void (*)(appConfig& cfg, const char* text);  // shows one message with OK
@@ -35,6 +36,11 @@ struct colourRow {
   int x = 0, y = 0, width = 0, height = 0;  // swatch rectangle [px]
   int keep = 1;                             // 0: the colour is to be removed
   int hover = 0;                            // 1 while the mouse rests on the swatch, button up
+};
+
+// A probe's position in physical coordinates [m]; -1 everywhere when unused.
+struct probePoint {
+  float x = -1.0f, y = -1.0f, z = -1.0f;
 };
 
 struct appConfig {
@@ -300,11 +306,18 @@ struct appConfig {
   int stlPresent = 0;                                        // 1 when bc.stl was loaded
   double stlDeltaX = 0.0, stlDeltaY = 0.0, stlDeltaZ = 0.0;  // model move asked for this frame [m]
 
-  // ---------------------------------------------------------------- records (force, heat loss)
-  std::array<int, numColourTypes> forceRecFlag{};     // colour takes part in force.txt
-  std::array<int, numColourTypes> heatLossRecFlag{};  // colour takes part in heatLoss.txt
-  std::array<double, numColourTypes> forceValues{};   // last force per colour [N]
-  std::array<double, numColourTypes> heatValues{};    // last heat loss per colour [W]
+  // ---------------------------------------------------------------- records (probes, force, heat loss)
+  std::array<probePoint, maxProbes> probes{};                      // probe positions [m], -1 unused
+  std::array<std::uint8_t, maxProbes> probeHeaderDone{};           // head line written in this pass
+  std::array<std::uint8_t, maxProbes> probeFileRefused{};          // the file is no record: left alone
+  int forceHeaderDone = 0;                                         // head line of force.txt written in this pass
+  int heatHeaderDone = 0;                                          // head line of heatLoss.txt written in this pass
+  std::uint8_t forceFileRefused = 0;                               // force.txt is no record: left alone
+  std::uint8_t heatFileRefused = 0;                                // heatLoss.txt is no record: left alone
+  std::array<std::uint8_t, numColourTypes> forceRecordOn{};        // colour takes part in force.txt
+  std::array<std::uint8_t, numColourTypes> heatRecordOn{};         // colour takes part in heatLoss.txt
+  std::array<std::array<float, 3>, numColourTypes> forceValues{};  // Fx, Fy, Fz of the last frame [N]
+  std::array<double, numColourTypes> heatValues{};                 // heat loss of the last frame [W]
 
   // ---------------------------------------------------------------- timing and input
   double stepMsSmoothed = 0.0;                          // smoothed time per step [ms]

@@ -20,6 +20,10 @@
 #include "project/parameterFile.h"
 #include "project/vizFile.h"
 #include "result/dumpFiles.h"
+#include "result/forceRecord.h"
+#include "result/frameRecords.h"
+#include "result/heatLossRecord.h"
+#include "result/probes.h"
 #include "result/stepResults.h"
 #include "scene/inputState.h"
 #include "scene/velocityStatistics.h"
@@ -111,6 +115,9 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       const array3d<double>& display = state.views[viewBc];
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
+      // The recorded colours' force and heat loss of this step, taken before
+      // the results are written.
+      computeRecordValues(cfg, domain, state.views);
       if (!writeStepResults(cfg, state.views) && stages.stopOnFault) {
         if (stages.runStep) stages.runStep(cfg, true);
         return 0;
@@ -234,6 +241,10 @@ int runPass(const passStages& stages, driverState& state) {
   scene.windowTitle = &state.windowTitle;
   inputState input;
   resetInputState(input);
+  // The choices of the records come back from the tails of the record files.
+  readProbeSetup(cfg);
+  readForceSetup(cfg);
+  readHeatLossSetup(cfg);
 
   // Bitmap and solver cycle.
   int r = 0;

@@ -236,8 +236,9 @@ void setColourTables(appConfig& cfg) {
     cfg.bcAge[t] = 0.0;
     cfg.bcFixU[t] = cfg.bcFixV[t] = cfg.bcFixW[t] = 0.0;
     cfg.bcFixTemp[t] = cfg.bcFixMassfr[t] = cfg.bcNoFlow[t] = 0;
-    cfg.forceRecFlag[t] = cfg.heatLossRecFlag[t] = 0;
-    cfg.forceValues[t] = cfg.heatValues[t] = 0.0;
+    cfg.forceRecordOn[t] = cfg.heatRecordOn[t] = 0;
+    cfg.forceValues[t] = {};
+    cfg.heatValues[t] = 0.0;
   }
   cfg.showBoundaryFlagBlack = cfg.showBoundaryFlagBlue = cfg.showBoundaryFlagRed = 0;
   cfg.showBoundaryFlagGreen = cfg.showBoundaryFlagMagenta = cfg.showBoundaryFlagCyan = 0;

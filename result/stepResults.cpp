@@ -1,5 +1,4 @@
-// What a step of the run writes, and the restart read. Records of probes,
-// force and heat loss join here once they exist.
+// What a step of the run writes, and the restart read.
 #include "result/stepResults.h"
 
 #include <cerrno>
@@ -12,6 +11,9 @@
 #include "layer/layer.h"
 #include "project/vizFile.h"
 #include "result/dumpFiles.h"
+#include "result/forceRecord.h"
+#include "result/heatLossRecord.h"
+#include "result/probes.h"
 
 namespace marv {
 
@@ -52,8 +54,11 @@ bool writeStepResults(appConfig& cfg, fieldViews& views) {
   // Analysis mode shows stored dumps: it never writes over them.
   if (cfg.analysisMode) return true;
   std::string failure;
+  const bool probeLines = writeProbes(cfg, views);
+  const bool forceLine = writeForce(cfg);
+  const bool heatLine = writeHeatLoss(cfg);
   const bool ends = cfg.ts == 0 || cfg.ts == cfg.latts;
-  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile)) {
+  if (ends || onInterval(cfg.ts, cfg.nfig) || onInterval(cfg.ts, cfg.nfile) || probeLines || forceLine || heatLine) {
     if (!syncViz(cfg, 1)) failure = "./input/viz.txt: " + std::string(std::strerror(errno));
   }
   if (ends || onInterval(cfg.ts, cfg.nfig)) {

@@ -1,0 +1,314 @@
+// What the records measure: the pressure force on a body (outline in two
+// dimensions, surface in three), the heat flux through a wall, and the flow
+// state at a probe, each against a field whose answer is known in closed
+// form.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include "domain/bcDomain.h"
+#include "domain/polygonise.h"
+#include "result/forceRecord.h"
+#include "result/frameRecords.h"
+#include "result/heatLossRecord.h"
+#include "result/probes.h"
+#include "testGrid.h"
+
+namespace marv {
+namespace {
+
+using fieldFunction = std::function<double(double, double, double)>;
+
+// Fills a field from a function of the physical node position.
+void setField(const appConfig& cfg, ownedArray3d<double>& f, const fieldFunction& value) {
+  f = ownedArray3d<double>(cfg.nx, cfg.ny, cfg.nz);
+  for (int k = 0; k < cfg.nz; ++k)
+    for (int j = 0; j < cfg.ny; ++j)
+      for (int i = 0; i < cfg.nx; ++i) f(i, j, k) = value(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]);
+}
+
+// A domain whose colour 1 mask is 1 on the nodes for which inside(i, j, k)
+// holds (k counted in the mask's reversed order), outlined or surfaced as
+// the domain build does it.
+void buildBody(bcDomain& domain, appConfig& cfg, const std::function<bool(int, int, int)>& inside) {
+  constructDomain(domain, cfg);
+  ownedArray3d<float>& mask = domain.typeMasks[1];
+  for (int k = 0; k < cfg.nz; ++k)
+    for (int j = 0; j < cfg.ny; ++j)
+      for (int i = 0; i < cfg.nx; ++i) mask(i, j, k) = inside(i, j, k) ? 1.0f : 0.0f;
+  if (cfg.nz == 1) {
+    domain.outlines[1].field = &mask;
+    ASSERT_EQ(polygoniseOutline(domain.outlines[1], domain.isoLevel), 0);
+  } else {
+    domain.surfaces[1].field = &mask;
+    ASSERT_EQ(polygoniseSurface(domain.surfaces[1], domain.isoLevel), 0);
+  }
+}
+
+TEST(Force, UniformGradientOnASquareGivesItsAreaTimesTheGradient) {
+  // The iso-line at 0.8 of a mask of 1 on the body's nodes lies 0.2 cells
+  // outside them, with each corner cut off by a right triangle of legs 0.2
+  // cells: the enclosed area follows from the geometry alone.
+  const double gx = 3.0e3, gy = -1.2e3;  // [Pa/m]
+  for (int n : {21, 41, 83}) {
+    appConfig cfg;
+    testing::setGrid(cfg, n, n, 1, 1.0, 1.0);
+    const double h = cfg.dx;
+    const int i0 = n / 4, i1 = n / 2, j0 = n / 3, j1 = 2 * n / 3;
+    bcDomain domain;
+    buildBody(domain, cfg, [&](int i, int j, int) { return i >= i0 && i <= i1 && j >= j0 && j <= j1; });
+    ownedArray3d<double> p;
+    setField(cfg, p, [&](double x, double y, double) { return 1.0e5 + gx * x + gy * y; });
+    const double w = (i1 - i0) * h + 0.4 * h, d = (j1 - j0) * h + 0.4 * h;
+    const double area = w * d - 4 * 0.5 * (0.2 * h) * (0.2 * h);
+    const forceVector f = outlineForce(cfg, p, domain.outlines[1]);
+    // Single precision against a mean pressure of 1e5 Pa.
+    EXPECT_NEAR(f[0], -area * gx, 1e-3 * area * gx) << "grid " << n;
+    EXPECT_NEAR(f[1], -area * gy, 1e-3 * area * std::fabs(gy)) << "grid " << n;
+    EXPECT_EQ(f[2], 0.0f);
+  }
+}
+
+TEST(Force, UniformGradientOnABoxGivesItsVolumeTimesTheGradient) {
+  // Marching cubes cuts edges and corners of the box, so the enclosed volume
+  // is taken from the triangles by the divergence theorem, V = -sum(C.n A)/3,
+  // which needs no pressure.
+  const double g[3] = {2.0e3, -1.0e3, 4.0e3};  // [Pa/m]
+  for (int n : {13, 25}) {
+    appConfig cfg;
+    testing::setGrid(cfg, n, n, n, 1.0, 1.0, 1.0);
+    bcDomain domain;
+    // Off the centre in z, so that a wrong mirror would show.
+    buildBody(domain, cfg, [&](int i, int j, int k) {
+      return i >= n / 4 && i <= n / 2 && j >= n / 3 && j <= 2 * n / 3 && k >= 1 && k <= n / 3;
+    });
+    ownedArray3d<double> p;
+    setField(cfg, p, [&](double x, double y, double z) { return 1.0e5 + g[0] * x + g[1] * y + g[2] * z; });
+    double volume = 0.0;
+    for (const bcTriangle& t : domain.surfaces[1].triangles) {
+      double e[3], f[3];
+      for (int c = 0; c < 3; ++c) e[c] = t.vertex[1][c] - t.vertex[0][c], f[c] = t.vertex[2][c] - t.vertex[0][c];
+      const double cx = e[1] * f[2] - e[2] * f[1], cy = e[2] * f[0] - e[0] * f[2], cz = e[0] * f[1] - e[1] * f[0];
+      const double area = 0.5 * std::sqrt(cx * cx + cy * cy + cz * cz);
+      volume += (t.centroid[0] * t.normal[0] + t.centroid[1] * t.normal[1] + t.centroid[2] * t.normal[2]) * area / 3.0;
+    }
+    // The iso-surface of a mask carries its normals into the mask.
+    volume = -volume;
+    ASSERT_GT(volume, 0.0) << "normals point into the body";
+    const forceVector f = surfaceForce(cfg, p, domain.surfaces[1], 1);
+    for (int c = 0; c < 3; ++c)
+      EXPECT_NEAR(f[c], -volume * g[c], 2e-3 * volume * std::fabs(g[c])) << n << " axis " << c;
+  }
+}
+
+TEST(Force, HeightsOfASurfaceAreTakenBackFromTheMirroredZ) {
+  // A model cube (outward normals) whose faces lie on nodes, in the world's
+  // mirrored z, in a pressure z^2 of the physical height:
+  // Fz = -(z1^2 - z0^2) s^2.
+  appConfig cfg;
+  testing::setGrid(cfg, 11, 11, 11, 1.0, 1.0, 1.0);
+  const float x0 = 0.2f, x1 = 0.6f, z0 = 0.1f, z1 = 0.5f;  // physical box, side 0.4
+  const float top = 1.0f;
+  bcSurface cube;
+  auto quad = [&](const float a[3], const float b[3], const float c[3], const float d[3], float nx, float ny,
+                  float nz) {
+    const float* const triangles[2][3] = {{a, b, c}, {a, c, d}};
+    for (const auto& tri : triangles) {
+      bcTriangle t;
+      for (int v = 0; v < 3; ++v)
+        for (int k = 0; k < 3; ++k) t.vertex[v][k] = tri[v][k];
+      for (int k = 0; k < 3; ++k) t.centroid[k] = (t.vertex[0][k] + t.vertex[1][k] + t.vertex[2][k]) / 3.0f;
+      t.normal[0] = nx, t.normal[1] = ny, t.normal[2] = nz;
+      cube.triangles.push_back(t);
+    }
+  };
+  // World z of the physical faces: the low physical face is the high world one.
+  const float wLow = top - z1, wHigh = top - z0;
+  const float c000[3] = {x0, x0, wLow}, c100[3] = {x1, x0, wLow}, c110[3] = {x1, x1, wLow}, c010[3] = {x0, x1, wLow};
+  const float c001[3] = {x0, x0, wHigh}, c101[3] = {x1, x0, wHigh}, c111[3] = {x1, x1, wHigh},
+              c011[3] = {x0, x1, wHigh};
+  quad(c000, c100, c110, c010, 0, 0, -1);  // world outward normals
+  quad(c001, c101, c111, c011, 0, 0, 1);
+  quad(c000, c100, c101, c001, 0, -1, 0);
+  quad(c010, c110, c111, c011, 0, 1, 0);
+  quad(c000, c010, c011, c001, -1, 0, 0);
+  quad(c100, c110, c111, c101, 1, 0, 0);
+  cube.numTriangles = static_cast<int>(cube.triangles.size());
+  ownedArray3d<double> p;
+  setField(cfg, p, [](double, double, double z) { return z * z; });
+  const forceVector f = surfaceForce(cfg, p, cube, stlType);
+  const double side = 0.4;
+  EXPECT_NEAR(f[2], -(z1 * z1 - z0 * z0) * side * side, 1e-6);
+  EXPECT_NEAR(f[0], 0.0, 1e-6);
+  EXPECT_NEAR(f[1], 0.0, 1e-6);
+}
+
+TEST(Force, SymmetricBodyInSymmetricFlowHasNoSideForce) {
+  // A disc on the centre line in the potential flow around it: the pressure
+  // is mirror-symmetric about the centre line (no lift) and fore-and-aft
+  // symmetric (no drag, d'Alembert, up to the outline's resolution). An added
+  // streamwise gradient adds the enclosed area times the gradient to the drag
+  // (area by the shoelace formula over the outline's segments, which run
+  // clockwise round a body) and still no
+  // lift. The radius keeps every node off the circle, so that rounding does
+  // not make the disc lopsided.
+  appConfig cfg;
+  testing::setGrid(cfg, 81, 41, 1, 2.0, 1.0);
+  const double xc = 1.0, yc = 0.5, a = 0.16, q = 0.5;  // centre, radius [m], dynamic pressure [Pa]
+  bcDomain domain;
+  buildBody(domain, cfg, [&](int i, int j, int) {
+    const double dx = cfg.xCoord[i] - xc, dy = cfg.yCoord[j] - yc;
+    return dx * dx + dy * dy <= a * a;
+  });
+  auto potential = [&](double x, double y) {
+    const double dx = x - xc, dy = y - yc;
+    const double r2 = std::max(dx * dx + dy * dy, a * a),
+                 cos2 = (dx * dx - dy * dy) / std::max(dx * dx + dy * dy, 1e-12);
+    return q * (2 * a * a / r2 * cos2 - a * a * a * a / (r2 * r2));
+  };
+  ownedArray3d<double> p;
+  setField(cfg, p, [&](double x, double y, double) { return potential(x, y); });
+  const forceVector still = outlineForce(cfg, p, domain.outlines[1]);
+  EXPECT_NEAR(still[1], 0.0, 1e-6);
+  EXPECT_NEAR(still[0], 0.0, 2e-2 * q * 2 * a) << "no drag in potential flow";
+  setField(cfg, p, [&](double x, double y, double) { return potential(x, y) - 5.0 * x; });
+  const forceVector pushed = outlineForce(cfg, p, domain.outlines[1]);
+  const bcOutline& o = domain.outlines[1];
+  double area = 0.0;
+  for (int s = 0; s < o.numSegments; ++s)
+    area -= 0.5 * (o.segmentX[2 * s] * o.segmentY[2 * s + 1] - o.segmentX[2 * s + 1] * o.segmentY[2 * s]);
+  EXPECT_NEAR(area, M_PI * a * a, 0.1 * M_PI * a * a);
+  EXPECT_NEAR(pushed[0] - still[0], 5.0 * area, 1e-4);
+  EXPECT_NEAR(pushed[1], 0.0, 1e-5);
+}
+
+TEST(HeatLoss, ConductionThroughTheWallsMatchesTheAnalyticFlux) {
+  // Steady conduction between a hot left wall and a cold right wall: a linear
+  // profile between the walls' fluid-side nodes, q = k (Th - Tc) / gap with
+  // k = cp mu / Pr, leaving the hot wall and entering the cold one. The walls
+  // are two nodes thick, as bitmaps make them, and the cold one has the
+  // fractional mask (0.1, 0.9, 1) that a bitmap scaled onto the grid leaves:
+  // the wall's heat must not depend on where its outline falls.
+  for (int n : {33, 65}) {
+    appConfig cfg;
+    testing::setGrid(cfg, n, 17, 1, 0.1, 0.05);
+    cfg.cmode = 1, cfg.showHeatLoss = 1, cfg.mu = 1.8e-5, cfg.pr = 0.71;
+    const double hot = 310.0, cold = 290.0, H = 0.05;
+    bcDomain domain;
+    buildBody(domain, cfg, [&](int i, int, int) { return i <= 1; });
+    ownedArray3d<float>& right = domain.typeMasks[8];
+    for (int j = 0; j < cfg.ny; ++j) right(n - 3, j, 0) = 0.1f, right(n - 2, j, 0) = 0.9f, right(n - 1, j, 0) = 1.0f;
+    domain.outlines[8].field = &right;
+    ASSERT_EQ(polygoniseOutline(domain.outlines[8], domain.isoLevel), 0);
+    const double xHot = cfg.xCoord[1], xCold = cfg.xCoord[n - 2], gap = xCold - xHot;
+    ownedArray3d<double> T;
+    setField(cfg, T,
+             [&](double x, double, double) { return std::clamp(hot - (hot - cold) * (x - xHot) / gap, cold, hot); });
+    const double qHot = H * (hot - cold) / gap * specificHeat(hot) * cfg.mu / cfg.pr;
+    const double qCold = H * (hot - cold) / gap * specificHeat(cold) * cfg.mu / cfg.pr;
+    EXPECT_NEAR(outlineHeatLoss(cfg, T, domain.outlines[1]), qHot, 1e-4 * qHot) << n;
+    EXPECT_NEAR(outlineHeatLoss(cfg, T, domain.outlines[8]), -qCold, 1e-4 * qCold) << n;
+  }
+  // The specific heat of air near room temperature, about 1005 J/(kg K).
+  EXPECT_NEAR(specificHeat(300.0), 1005.0, 3.0);
+  EXPECT_NEAR(specificHeat(590.0), specificHeat(589.9999), 1.0) << "the two fits meet";
+}
+
+TEST(HeatLoss, SurfaceHeatOfAHeatedBox) {
+  // A box held at Th in a fluid whose temperature falls off linearly in z
+  // above and below it: heat leaves through the top and bottom faces only.
+  appConfig cfg;
+  testing::setGrid(cfg, 17, 17, 17, 1.0, 1.0, 1.0);
+  cfg.cmode = 1, cfg.mu = 1.8e-5, cfg.pr = 0.71;
+  const double hot = 350.0, slope = 40.0;  // [K], [K/m]
+  bcDomain domain;
+  // Mask k counts from the top: nodes 6..10 in both orders.
+  buildBody(domain, cfg,
+            [](int i, int j, int k) { return i >= 6 && i <= 10 && j >= 6 && j <= 10 && k >= 6 && k <= 10; });
+  ownedArray3d<double> T;
+  const double z0 = cfg.zCoord[6], z1 = cfg.zCoord[10];
+  setField(cfg, T, [&](double, double, double z) { return hot - slope * std::max({0.0, z0 - z, z - z1}); });
+  const double k = specificHeat(hot) * cfg.mu / cfg.pr;
+  // Top and bottom faces of the iso-surface, 0.2 cells outside the nodes,
+  // less their chamfered edges; the side faces see no gradient.
+  const double side = z1 - z0 + 0.4 * cfg.dz;
+  const double q = surfaceHeatLoss(cfg, T, domain.surfaces[1], 1);
+  EXPECT_GT(q, 0.0) << "a hot body loses heat";
+  EXPECT_NEAR(q, 2 * k * slope * side * side, 0.1 * 2 * k * slope * side * side);
+}
+
+TEST(HeatLoss, OffInAConstantDensityRun) {
+  appConfig cfg;
+  testing::setGrid(cfg, 5, 5, 1);
+  cfg.cmode = 0, cfg.showHeatLoss = 1;
+  ownedArray3d<double> T(5, 5, 1), scratch(5, 5, 1), flux(5, 5, 1);
+  fill<double>(flux, 7.0);
+  heatFluxField(cfg, T, scratch, flux);
+  EXPECT_EQ(cfg.showHeatLoss, 0);
+  EXPECT_EQ(flux(2, 2, 0), 0.0);
+}
+
+TEST(Probes, SampleALinearFieldExactly) {
+  appConfig cfg;
+  testing::setGrid(cfg, 9, 7, 5, 0.8, 0.6, 0.4);
+  cfg.cmode = 1, cfg.ageFlag = 1;
+  ownedArray3d<double> store[8];
+  fieldViews views{};
+  const int used[] = {fieldRho, fieldU, fieldV, fieldW, fieldP, fieldT, fieldY, fieldAge};
+  for (int n = 0; n < 8; ++n) {
+    const double s = n + 1.0;
+    setField(cfg, store[n], [s](double x, double y, double z) { return s * (1.0 + 2.0 * x - 3.0 * y + 0.5 * z); });
+    views[used[n]] = store[n];
+  }
+  const probePoint at{0.33f, 0.41f, 0.17f};
+  const probeSample got = sampleProbe(cfg, views, at);
+  const double base = 1.0 + 2.0 * at.x - 3.0 * at.y + 0.5 * at.z;
+  const double values[] = {got.rho, got.u, got.v, got.w, got.dP, got.T, got.massfr, got.age};
+  for (int n = 0; n < 8; ++n) EXPECT_NEAR(values[n], (n + 1.0) * base, 1e-12) << "field " << used[n];
+
+  // Without the thermo fields the density is the constant one and the
+  // temperature and age read 0.
+  cfg.cmode = 0, cfg.ageFlag = 0, cfg.rhow = 998.0;
+  const probeSample plain = sampleProbe(cfg, views, at);
+  EXPECT_EQ(plain.rho, 998.0);
+  EXPECT_EQ(plain.T, 0.0);
+  EXPECT_EQ(plain.age, 0.0);
+  EXPECT_NEAR(plain.u, 2.0 * base, 1e-12);
+}
+
+TEST(Records, RecordedColoursOnlyAndNoBlowingInlet) {
+  appConfig cfg;
+  testing::setGrid(cfg, 21, 21, 1);
+  cfg.showForce = 1;
+  bcDomain domain;
+  buildBody(domain, cfg, [](int i, int j, int) { return i >= 8 && i <= 12 && j >= 8 && j <= 12; });
+  // The same square as a Blue inlet: counted only while it stands still.
+  domain.typeMasks[2] = ownedArray3d<float>(21, 21, 1);
+  copyFrom<float>(domain.typeMasks[2], domain.typeMasks[1]);
+  domain.outlines[2].field = &domain.typeMasks[2];
+  ASSERT_EQ(polygoniseOutline(domain.outlines[2], domain.isoLevel), 0);
+  ownedArray3d<double> p;
+  setField(cfg, p, [](double x, double, double) { return 100.0 * x; });
+  fieldViews views{};
+  views[fieldP] = p;
+  cfg.forceRecordOn[1] = cfg.forceRecordOn[2] = 1;
+  cfg.forceValues[3] = {1.0f, 2.0f, 3.0f};  // a stale value of a colour no longer recorded
+  cfg.bcNoFlow[2] = 0;
+  computeRecordValues(cfg, domain, views);
+  EXPECT_LT(cfg.forceValues[1][0], 0.0f);
+  EXPECT_EQ(cfg.forceValues[2][0], 0.0f) << "an inlet that blows is not measured";
+  EXPECT_EQ(cfg.forceValues[3][0], 0.0f);
+  EXPECT_EQ(cfg.numRecForce, 2);
+  cfg.bcNoFlow[2] = 1;
+  computeRecordValues(cfg, domain, views);
+  EXPECT_FLOAT_EQ(cfg.forceValues[2][0], cfg.forceValues[1][0]);
+
+  const std::string notice = forceHeatNotice(cfg, 1, cfg.forceValues[1], 0.0);
+  EXPECT_NE(notice.find("[*] Rec. to ./dump/force.txt"), std::string::npos) << notice;
+  EXPECT_TRUE(forceHeatNotice(cfg, 3, {0.0f, 0.0f, 0.0f}, 5.0).empty()) << "no notice for a force of exactly 0";
+}
+
+}  // namespace
+}  // namespace marv
