@@ -155,7 +155,7 @@ TEST(TeamBarrier, NoThreadPassesBeforeAllHaveArrivedAndAllWritesAreSeen) {
   for (int team : {2, 3}) {
     std::vector<int> slot(team, -1);
     std::vector<int> wrong(team, 0);
-    const int rounds = 2000;
+    const int rounds = 300;
     runTeam(team, [&](int t) {
       for (int r = 0; r < rounds; ++r) {
         slot[t] = r;
