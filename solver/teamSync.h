@@ -7,7 +7,8 @@
 // on the release count, with the processor's pause hint, for about as long
 // as a sweep; then it yields its core for a while (a loaded machine may have
 // descheduled the thread it waits for); only then does it sleep on the
-// count. It is built on std::atomic, whose order ThreadSanitizer sees.
+// count (a futex). Its order is that of std::atomic operations, which
+// ThreadSanitizer sees.
 //
 // libgomp's thread pool uses futexes that ThreadSanitizer does not see, so a
 // build with ThreadSanitizer would report every access ordered only by the
@@ -18,7 +19,12 @@
 
 #include <omp.h>
 
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <climits>
 #include <thread>
 #include <type_traits>
 
@@ -51,7 +57,8 @@ inline teamWork currentTeamWork;  // set by the master before each region
 // arrived = 0 by every completed barrier.
 struct teamBarrierState {
   alignas(64) std::atomic<int> arrived{0};
-  alignas(64) std::atomic<unsigned> released{0};
+  alignas(64) std::atomic<int> released{0};
+  std::atomic<int> sleepers{0};  // threads asleep, or about to sleep, on released
 };
 inline teamBarrierState teamBarrierShared;
 inline thread_local int teamSize = 1;  // threads of the running team, as each member sees it
@@ -59,6 +66,15 @@ inline thread_local int teamSize = 1;  // threads of the running team, as each m
 // Waiting rounds of the barrier: spins with the pause hint, then yields.
 constexpr int teamSpinRounds = 4000;
 constexpr int teamYieldRounds = 200;
+
+// Sleeps while *word == expected (the kernel checks, so a change just before
+// the call is not missed), and wakes every sleeper on word.
+inline void teamSleep(std::atomic<int>& word, int expected) {
+  syscall(SYS_futex, reinterpret_cast<int*>(&word), FUTEX_WAIT_PRIVATE, expected, nullptr, nullptr, 0);
+}
+inline void teamWakeAll(std::atomic<int>& word) {
+  syscall(SYS_futex, reinterpret_cast<int*>(&word), FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
+}
 
 inline void teamPause() {
 #if defined(__x86_64__) || defined(__i386__)
@@ -91,23 +107,31 @@ void runTeam(int n, Body&& body) {
 // is visible to all after.
 // The last to arrive resets the count and releases the others; the release
 // count was read before arriving and cannot move until this thread has.
+// A sleeper announces itself before its last look at the count, and the
+// releaser looks for sleepers after its store; both in sequentially
+// consistent order, so either the sleeper sees the new count or the
+// releaser sees the sleeper (a release store followed by a plain load could
+// be reordered, and a wake-up lost).
 inline void teamBarrier() {
   if (teamSize <= 1) return;
   teamBarrierState& b = teamBarrierShared;
-  const unsigned round = b.released.load(std::memory_order_relaxed);
+  const int round = b.released.load(std::memory_order_relaxed);
   if (b.arrived.fetch_add(1, std::memory_order_acq_rel) == teamSize - 1) {
     b.arrived.store(0, std::memory_order_relaxed);
-    b.released.store(round + 1, std::memory_order_release);
-    b.released.notify_all();
+    b.released.store(round + 1, std::memory_order_seq_cst);
+    if (b.sleepers.load(std::memory_order_seq_cst) > 0) teamWakeAll(b.released);
     return;
   }
   for (int n = 0; b.released.load(std::memory_order_acquire) == round; ++n) {
-    if (n < teamSpinRounds)
+    if (n < teamSpinRounds) {
       teamPause();
-    else if (n < teamSpinRounds + teamYieldRounds)
+    } else if (n < teamSpinRounds + teamYieldRounds) {
       std::this_thread::yield();
-    else
-      b.released.wait(round, std::memory_order_acquire);
+    } else {
+      b.sleepers.fetch_add(1, std::memory_order_seq_cst);
+      if (b.released.load(std::memory_order_seq_cst) == round) teamSleep(b.released, round);
+      b.sleepers.fetch_sub(1, std::memory_order_relaxed);
+    }
   }
 }
 
