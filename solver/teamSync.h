@@ -4,10 +4,11 @@
 // The barrier is the program's own. A pressure sweep of a 129 x 129 tile
 // takes some ten microseconds, and the team meets after every one, so the
 // barrier must hand over in well under a microsecond: a waiting thread spins
-// on the release count, with the processor's pause hint, for about as long
-// as a sweep; then it yields its core for a while (a loaded machine may have
-// descheduled the thread it waits for); only then does it sleep on the
-// count (a futex). Its order is that of std::atomic operations, which
+// on the release count with the processor's pause hint, some thousands of
+// rounds (tens to hundreds of microseconds, by processor: longer spins did
+// better than shorter ones on a loaded machine); then it yields its core
+// for a while (the thread it waits for may have been descheduled); only
+// then does it sleep on the count (a futex). Its order is that of std::atomic operations, which
 // ThreadSanitizer sees.
 //
 // libgomp's thread pool uses futexes that ThreadSanitizer does not see, so a
