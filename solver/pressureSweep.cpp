@@ -14,89 +14,27 @@
 // last node when a tile lies beside in i. All other accesses are plain, so a
 // single tile has no atomic access at all.
 //
-// Speed. The sweep is the hot loop of the program. Its chain from one node to
-// the next runs through the node just updated (p-x), so the terms that do not
-// depend on it are summed first, and nodes are taken in pairs, so that the
-// chain is one multiply and one add per two nodes. The grouping changes
-// rounding, not the iteration: every node still uses the new value of the
-// node before it.
-#include <atomic>
+// Speed. The sweep is the hot loop of the program; its rows run in the
+// kernels of sweepRows.h, chosen for the processor at run time. The team
+// meets once per sweep: after the barrier every thread takes the test of
+// that sweep itself from the same per-thread changes, so all reach the same
+// verdict without a second barrier, and thread 0 alone writes the results.
+#include <algorithm>
 #include <cmath>
 
 #include "solver/solverCommon.h"
+#include "solver/sweepRows.h"
 
 namespace marv {
 
 namespace {
-
-template <bool Shared>
-inline double loadNode(double* p, int c) {
-  if constexpr (Shared)
-    return std::atomic_ref<double>(p[c]).load(std::memory_order_relaxed);
-  else
-    return p[c];
-}
-
-template <bool Shared>
-inline void storeNode(double* p, int c, double value) {
-  if constexpr (Shared)
-    std::atomic_ref<double>(p[c]).store(value, std::memory_order_relaxed);
-  else
-    p[c] = value;
-}
-
-// The sweep's grid constants, relax folded into the neighbour weights.
-struct sweepConstants {
-  double rax = 0.0;    // relax*ax [1]
-  double ray = 0.0;    // relax*ay [1]
-  double raz = 0.0;    // relax*az, 0 in two dimensions [1]
-  double relax = 0.0;  // omega over the sum of the stencil weights [m^2]
-  double keep = 0.0;   // 1 - omega [1]
-  int nx = 0;          // stride of j
-  int nxy = 0;         // stride of k
-};
-
-// The terms of the update of node c that do not depend on p-x:
-//   relax*(ax*p+x + ay*(p+y + p-y) + az*(p+z + p-z) - rhs) + (1 - omega)*p
-template <bool ThreeD, bool Shared>
-inline double restOf(double* p, const double* rhs, int c, const sweepConstants& s) {
-  double rest = s.rax * loadNode<Shared>(p, c + 1) +
-                s.ray * (loadNode<Shared>(p, c + s.nx) + loadNode<Shared>(p, c - s.nx)) - s.relax * rhs[c] +
-                s.keep * p[c];
-  if constexpr (ThreeD) rest += s.raz * (loadNode<Shared>(p, c + s.nxy) + loadNode<Shared>(p, c - s.nxy));
-  return rest;
-}
-
-// One stretch [c0, c1) of a row, in increasing i:
-//   p = relax*(ax*(p+x + p-x) + ay*(p+y + p-y) + az*(p+z + p-z) - rhs) + (1 - omega)*p
-// as p = relax*ax*p-x + rest. west holds p-x on entry (already updated when
-// it lies in this row) and the last updated node on return. Nodes go in
-// pairs: the second of a pair is rax^2*west + (rax*rest0 + rest1), so the
-// chain through west is one multiply and one add per two nodes.
-template <bool ThreeD, bool Shared>
-inline double sweepStretch(double* p, const double* rhs, int c0, int c1, double west, const sweepConstants& s) {
-  const double rax = s.rax, rax2 = s.rax * s.rax;
-  int c = c0;
-  for (; c + 1 < c1; c += 2) {
-    const double rest0 = restOf<ThreeD, Shared>(p, rhs, c, s);
-    const double rest1 = restOf<ThreeD, Shared>(p, rhs, c + 1, s);
-    const double first = rax * west + rest0;
-    west = rax2 * west + (rax * rest0 + rest1);
-    storeNode<Shared>(p, c, first);
-    storeNode<Shared>(p, c + 1, west);
-  }
-  if (c < c1) {
-    west = rax * west + restOf<ThreeD, Shared>(p, rhs, c, s);
-    storeNode<Shared>(p, c, west);
-  }
-  return west;
-}
 
 // Sweep over the range r; the low* and high* flags say on which sides of the
 // range another tile lies.
 template <bool ThreeD>
 void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepConstants& s, bool lowI, bool highI,
                 bool lowJ, bool highJ, bool lowK, bool highK) {
+  const plainStretchFn plain = plainStretch(ThreeD);
   for (int k = r.k0; k < r.k1; ++k) {
     const bool sharedPlane = (lowK && k == r.k0) || (highK && k == r.k1 - 1);
     for (int j = r.j0; j < r.j1; ++j) {
@@ -113,7 +51,7 @@ void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepCon
         ++a;
       }
       const int b = highI && a < c1 ? c1 - 1 : c1;
-      west = sweepStretch<ThreeD, false>(p, rhs, a, b, west, s);
+      if (a < b) west = plain(p, rhs, a, b, west, s);
       if (b < c1) sweepStretch<ThreeD, true>(p, rhs, b, c1, west, s);
     }
   }
@@ -149,52 +87,72 @@ void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs
 
   if (sweep % 20 != 0) return;
   // Test share: the largest change since the last test, d = |p - prev|, and
-  // prev = p, over the interior range.
-  double worst = 0.0;
+  // prev = p, over the interior range. Four running maxima over the nodes
+  // by i modulo 4, so that the pass is not one chain of comparisons; the
+  // largest of a set does not depend on the order it is taken in (d is never
+  // -0, and a NaN never replaces a maximum in either form).
+  double worst[4] = {0.0, 0.0, 0.0, 0.0};
+  double* const pd = p.data;
+  double* const qd = prev.data;
   for (int k = r.k0; k < r.k1; ++k)
     for (int j = r.j0; j < r.j1; ++j) {
       const int row = s.nx * j + s.nxy * k;
-      for (int i = r.i0; i < r.i1; ++i) {
-        const double d = std::fabs(p.data[row + i] - prev.data[row + i]);
-        prev.data[row + i] = p.data[row + i];
-        worst = d > worst ? d : worst;
+      int i = r.i0;
+      for (; i + 4 <= r.i1; i += 4)
+        for (int m = 0; m < 4; ++m) {
+          const double d = std::fabs(pd[row + i + m] - qd[row + i + m]);
+          qd[row + i + m] = pd[row + i + m];
+          worst[m] = d > worst[m] ? d : worst[m];
+        }
+      for (; i < r.i1; ++i) {
+        const double d = std::fabs(pd[row + i] - qd[row + i]);
+        qd[row + i] = pd[row + i];
+        worst[0] = d > worst[0] ? d : worst[0];
       }
     }
-  threadResidual[t] = worst;
+  for (int m = 1; m < 4; ++m) worst[0] = worst[m] > worst[0] ? worst[m] : worst[0];
+  threadResidual[t] = worst[0];
 }
 
 void solverCommon::solvePressure(int t) {
   const array3d<double>& ppeRhs = tau11;
   const array3d<double>& pOld = convZ;
   const array3d<double>& pPrev = divU;
-  teamSingle([&] {
+  appConfig& c = *cfg;
+  if (t == 0) {
     converged = 0;
     sweepCount = 0;
-  });
+  }
   threadResidual[t] = 0.0;
   copyTile(pfld, pOld, t);
   copyTile(pfld, pPrev, t);
-  const int loopmax = cfg->loopmax;
-  const int threads = static_cast<int>(threadResidual.size());
-  while (sweepCount < loopmax && !converged) {
-    sorSweep(pfld, ppeRhs, pPrev, t, sweepCount);
+  const int loopmax = c.loopmax;
+  const int threads = std::min(static_cast<int>(threadResidual.size()), c.numThreads);
+  // threadResidual[n] of a test sweep is written before that sweep's barrier
+  // and next written 20 sweeps later, after the following barrier: between
+  // the two every thread reads the same values in the same order.
+  int sweep = 0;
+  bool met = false;
+  for (; sweep < loopmax && !met; ++sweep) {
+    sorSweep(pfld, ppeRhs, pPrev, t, sweep);
     teamBarrier();
-    teamSingle([&] {
-      appConfig& c = *cfg;
-      c.presIterations = loopmax;  // what stays if the iteration never converges
-      if (sweepCount % 20 == 0) {
-        double residual = 0.0;
-        for (int n = 0; n < threads && n < c.numThreads; ++n) residual = std::fmax(residual, threadResidual[n]);
-        c.presResidual = residual * invPresw;
-        if (c.peps > c.presResidual) {
-          c.presIterations = sweepCount;
-          converged = 1;
-        }
-      }
-      ++sweepCount;
-    });
+    if (sweep % 20 != 0) continue;
+    double residual = 0.0;
+    for (int n = 0; n < threads; ++n) residual = std::fmax(residual, threadResidual[n]);
+    residual *= invPresw;
+    met = c.peps > residual;
+    if (t != 0) continue;
+    c.presResidual = residual;
+    if (met) {
+      c.presIterations = sweep;
+      converged = 1;
+    }
   }
-  if (cfg->presRelax != 1.0f) {
+  if (t == 0) {
+    sweepCount = sweep;
+    if (sweep > 0 && !met) c.presIterations = loopmax;  // the iteration never converged
+  }
+  if (c.presRelax != 1.0f) {
     relaxPressure(pfld, pOld, t);
     teamBarrier();
   }

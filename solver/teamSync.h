@@ -1,15 +1,32 @@
 // The synchronisation devices of a time step: the one parallel region, the
 // barrier and the single section, over OpenMP.
 //
-// libgomp's barriers and its thread pool use futexes that ThreadSanitizer
-// does not see, so a build with ThreadSanitizer would report every access
-// ordered only by a barrier as a race. In such a build each device also
+// The barrier is the program's own. A pressure sweep of a 129 x 129 tile
+// takes some ten microseconds, and the team meets after every one, so the
+// barrier must hand over in well under a microsecond: a waiting thread spins
+// on the release count with the processor's pause hint, some thousands of
+// rounds (tens to hundreds of microseconds, by processor: longer spins did
+// better than shorter ones on a loaded machine); then it yields its core
+// for a while (the thread it waits for may have been descheduled); only
+// then does it sleep on the count (a futex). Its order is that of std::atomic operations, which
+// ThreadSanitizer sees.
+//
+// libgomp's thread pool uses futexes that ThreadSanitizer does not see, so a
+// build with ThreadSanitizer would report every access ordered only by the
+// start or the end of a region as a race. In such a build the region also
 // tells the sanitizer the order it establishes (a release before, an acquire
 // after, on one token); in every other build the annotations are empty.
 #pragma once
 
 #include <omp.h>
 
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <climits>
+#include <thread>
 #include <type_traits>
 
 #if defined(__SANITIZE_THREAD__)
@@ -36,6 +53,36 @@ struct teamWork {
 };
 inline teamWork currentTeamWork;  // set by the master before each region
 
+// The barrier's shared state: threads arrived at the present barrier, and
+// the number of barriers completed, on separate cache lines. Left at
+// arrived = 0 by every completed barrier.
+struct teamBarrierState {
+  alignas(64) std::atomic<int> arrived{0};
+  alignas(64) std::atomic<int> released{0};
+  std::atomic<int> sleepers{0};  // threads asleep, or about to sleep, on released
+};
+inline teamBarrierState teamBarrierShared;
+inline thread_local int teamSize = 1;  // threads of the running team, as each member sees it
+
+// Waiting rounds of the barrier: spins with the pause hint, then yields.
+constexpr int teamSpinRounds = 4000;
+constexpr int teamYieldRounds = 200;
+
+// Sleeps while *word == expected (the kernel checks, so a change just before
+// the call is not missed), and wakes every sleeper on word.
+inline void teamSleep(std::atomic<int>& word, int expected) {
+  syscall(SYS_futex, reinterpret_cast<int*>(&word), FUTEX_WAIT_PRIVATE, expected, nullptr, nullptr, 0);
+}
+inline void teamWakeAll(std::atomic<int>& word) {
+  syscall(SYS_futex, reinterpret_cast<int*>(&word), FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
+}
+
+inline void teamPause() {
+#if defined(__x86_64__) || defined(__i386__)
+  __builtin_ia32_pause();
+#endif
+}
+
 // Runs body(t) once on each of n threads, t = 0..n-1, and returns when all
 // are done. Everything before the call is visible to the body, everything
 // the body did is visible after it. Regions do not nest.
@@ -48,8 +95,10 @@ void runTeam(int n, Body&& body) {
 #pragma omp parallel num_threads(n)
   {
     MARV_TEAM_ACQUIRE();
+    teamSize = omp_get_num_threads();
     const teamWork work = currentTeamWork;
     work.run(work.context, omp_get_thread_num());
+    teamSize = 1;  // a barrier outside a region has nobody to wait for
     MARV_TEAM_RELEASE();
   }
   MARV_TEAM_ACQUIRE();
@@ -57,10 +106,34 @@ void runTeam(int n, Body&& body) {
 
 // All threads of the team wait for each other; what any thread did before
 // is visible to all after.
+// The last to arrive resets the count and releases the others; the release
+// count was read before arriving and cannot move until this thread has.
+// A sleeper announces itself before its last look at the count, and the
+// releaser looks for sleepers after its store; both in sequentially
+// consistent order, so either the sleeper sees the new count or the
+// releaser sees the sleeper (a release store followed by a plain load could
+// be reordered, and a wake-up lost).
 inline void teamBarrier() {
-  MARV_TEAM_RELEASE();
-#pragma omp barrier
-  MARV_TEAM_ACQUIRE();
+  if (teamSize <= 1) return;
+  teamBarrierState& b = teamBarrierShared;
+  const int round = b.released.load(std::memory_order_relaxed);
+  if (b.arrived.fetch_add(1, std::memory_order_acq_rel) == teamSize - 1) {
+    b.arrived.store(0, std::memory_order_relaxed);
+    b.released.store(round + 1, std::memory_order_seq_cst);
+    if (b.sleepers.load(std::memory_order_seq_cst) > 0) teamWakeAll(b.released);
+    return;
+  }
+  for (int n = 0; b.released.load(std::memory_order_acquire) == round; ++n) {
+    if (n < teamSpinRounds) {
+      teamPause();
+    } else if (n < teamSpinRounds + teamYieldRounds) {
+      std::this_thread::yield();
+    } else {
+      b.sleepers.fetch_add(1, std::memory_order_seq_cst);
+      if (b.released.load(std::memory_order_seq_cst) == round) teamSleep(b.released, round);
+      b.sleepers.fetch_sub(1, std::memory_order_relaxed);
+    }
+  }
 }
 
 // work() run by the first thread to arrive, then a barrier for all.
