@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 
+#include "app/fontSet.h"
+#include "app/screenFrame.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
 
@@ -58,11 +60,10 @@ void constructAppConfig(appConfig& cfg, bool firstPass, bool useHistory) {
   cfg.lastKeyMs = nowMs();
 
   if (firstPass) {
-    // The splash: the logo is drawn by the text catalogue's fonts once they
-    // exist; here the window only shows for the splash time.
-    present();
-    clearDrawTarget();
-    waitMs(2 * cfg.keyDelayMs);
+    // The splash, with fonts a size larger than the screens'.
+    cfg.textHeight = static_cast<int>(1.4 * baseTextSize);
+    buildFonts(cfg);
+    showSplash(cfg);
     if (processMessages() == -1) {
       stopLayer();
       std::exit(0);
@@ -80,10 +81,11 @@ void constructAppConfig(appConfig& cfg, bool firstPass, bool useHistory) {
   const bool systemIsJapanese = false;
   cfg.uiJapanese = cfg.langFlag == 0 ? systemIsJapanese : (cfg.langFlag == 1 ? 0 : 1);
   cfg.menuJapanese = cfg.langFlag == 1 ? 0 : systemIsJapanese;
+  buildFonts(cfg);
 
   computeLayout(cfg);
   cfg.footerText = "Marvanesse+ " + cfg.version + " - open-source flow simulation";
-  cfg.footerWidth = textWidth("%s", cfg.footerText.c_str());
+  cfg.footerWidth = textWidthInFont(cfg.fixedSmall, "%s", cfg.footerText.c_str());
 
   for (int s = 0; s < maxColourSlots; ++s) {
     setChoices(cfg.stretchSelectors[s], {"XY", "YZ", "ZX", "OFF"}, 3);
@@ -100,12 +102,22 @@ void constructAppConfig(appConfig& cfg, bool firstPass, bool useHistory) {
   setBackgroundColour(255, 255, 255, 0);
   setDrawTarget(backBuffer);
 
+  // The new graphics mode may have dropped the fonts: make them again, and
+  // give the text input fields theirs.
+  buildFonts(cfg);
+  setTextInputFont(cfg.fixedInput);
+
   cfg.cancelX = static_cast<int>(cfg.startWidth - 2.8 * cfg.buttonSize);
   cfg.cancelY = static_cast<int>(cfg.startHeight - 1.8 * cfg.buttonSize);
   cfg.proceedX = cfg.cancelX + cfg.buttonSize + cfg.textGap;
   cfg.proceedY = cfg.cancelY;
+  setUpButtons(cfg);
 }
 
-void destroyAppConfig(appConfig& cfg) { cfg = appConfig{}; }
+void destroyAppConfig(appConfig& cfg) {
+  deleteFonts(cfg);
+  freeButtonTiles(cfg);
+  cfg = appConfig{};
+}
 
 }  // namespace marv

@@ -13,7 +13,9 @@
 #include <string>
 #include <vector>
 
+#include "app/backdrop.h"
 #include "app/choiceGroup.h"
+#include "widgets/imageButton.h"
 
 namespace marv {
 
@@ -247,6 +249,17 @@ struct appConfig {
   int fixedBold = -1, fixedCaption = -1, fixedTiny = -1, fixedHeading = -1, fixedTitle = -1, fixedBody = -1;
   int fixedSmall = -1, logoFont = -1, logoPlusFont = -1;
   int fixedInput = -1;  // the same handle as fixedHeading
+
+  // ---------------------------------------------------------------- screen frame (pictures, buttons, backdrop)
+  std::uint32_t panelColour = packedColour(41, 57, 85);  // dark blue of panels, thumbs and strips
+  std::uint32_t greyColour = packedColour(80, 80, 80);   // grey of frame texts
+  int buttonTileSize = 64;                               // cell of the button picture [px]
+  int buttonTilesAcross = 10, buttonTilesDown = 2;       // cells of the button picture
+  int buttonTileCount = 20;                              // tile 19 is the pressed look of all buttons
+  std::array<int, 20> buttonTiles{};                     // image handles, 0 until loaded
+  std::array<imageButton, 13> buttons{};                 // Up, Down, Cancel, Proceed, Add, Remove, ... (screenFrame)
+  int proceedHintStartMs = -1;                           // first showing of the proceed hint, -1 not yet [ms]
+  backdropState backdrop;                                // circles of the project screens' backdrop
 
   // ---------------------------------------------------------------- run state
   double time = 0.0;               // simulated time [s]

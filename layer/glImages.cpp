@@ -114,6 +114,11 @@ int deleteImage(int handle) {
 }
 
 int imageSize(int handle, int* width, int* height) {
+  if (handle == backBuffer) {
+    if (width) *width = core().width;
+    if (height) *height = core().height;
+    return 0;
+  }
   const image* img = imageOf(handle);
   if (width) *width = img ? img->width : 0;
   if (height) *height = img ? img->height : 0;

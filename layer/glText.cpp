@@ -1,5 +1,5 @@
 // Text in the OpenGL backend: a glyph atlas per font, filled on first use
-// from the shared FreeType faces (fontFaces.cpp), and text runs drawn from
+// from the shared FreeType faces (fontTable.cpp), and text runs drawn from
 // it. Widths and line heights come from the shared fonts alone, so they are
 // the same headless.
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "layer/fontFaces.h"
+#include "layer/fontTable.h"
 #include "layer/glCore.h"
 
 namespace marv {

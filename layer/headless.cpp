@@ -4,7 +4,7 @@
 // into the shared input state as a window's events would. Images and pixel
 // images get handles and sizes, so that the logic above behaves as
 // it does with a window; fonts and text widths are the window's own
-// (fontFaces.cpp), so layouts agree; the camera converts points as the
+// (fontTable.cpp), so layouts agree; the camera converts points as the
 // window backend does; the clock is real.
 //
 // A small CPU pixel path stands in for the pictures the logic reads back:
@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "layer/camera.h"
-#include "layer/fontFaces.h"
+#include "layer/fontTable.h"
 #include "layer/imageFile.h"
 #include "layer/inputDevices.h"
 #include "layer/layer.h"
@@ -252,6 +252,11 @@ int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth
   return loadPictureSet(id, count, columns, rows, cellWidth, cellHeight, handles, imageOfPixels);
 }
 int imageSize(int image, int* width, int* height) {
+  if (image == backBuffer) {
+    if (width) *width = state.width;
+    if (height) *height = state.height;
+    return 0;
+  }
   const bool ok = liveHandle(state.images, image);
   if (width) *width = ok ? state.images[image].width : 0;
   if (height) *height = ok ? state.images[image].height : 0;

@@ -169,7 +169,7 @@ int loadImage(const char* path, int notFor3d);                 // from a file (B
 int loadImageResource(int id);                                 // from the program's pictures
 int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth, int cellHeight,
                          int* handles);                                              // cut a picture into cells
-int imageSize(int image, int* width, int* height);                                   // size of an image
+int imageSize(int image, int* width, int* height);                                   // size; also of backBuffer
 int drawImage(int x, int y, int image, int transparent);                             // at its own size
 int drawImageStretched(int x1, int y1, int x2, int y2, int image, int transparent);  // to a rectangle
 int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int image, int transparent, int flipX,

@@ -8,7 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libsdl2-dev libgl-dev libegl-dev libgl1-mesa-dri libegl-mesa0
   libfreetype-dev libjpeg62-turbo-dev libstb-dev
-  fonts-dejavu-core fonts-ipafont-gothic
+  fonts-dejavu-core fonts-liberation2 fonts-ipafont-gothic
   xvfb xauth x11-apps python3 clang-format
 )
 
