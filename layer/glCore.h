@@ -132,7 +132,7 @@ bool readTarget(int x1, int y1, int x2, int y2, std::vector<std::uint8_t>& rgba,
 bool makeImageObjects(image& img, const std::uint8_t* rgba, bool drawTarget);
 void freeImageObjects(image& img);
 
-// Text parts (fonts.cpp) over the renderer. A font handle that is not live
+// Text parts (glText.cpp) over the renderer. A font handle that is not live
 // stands for the default font. Vertical text stands upright, one character
 // below the other, each a line height lower.
 int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical = false);

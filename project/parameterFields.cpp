@@ -1,6 +1,7 @@
 // Parameter numbers mapped to the fields of appConfig.
 #include "project/parameterFields.h"
 
+#include "project/parameterTable.h"
 #include "project/textNumbers.h"
 
 namespace marv {
@@ -15,7 +16,7 @@ struct fieldRef {
 };
 
 // clang-format off
-const fieldRef parameterFieldRefs[87] = {
+const fieldRef parameterFieldRefs[numParameters] = {
     {nullptr, &appConfig::cmode},  // 0
     {nullptr, &appConfig::ibm},  // 1
     {nullptr, &appConfig::domx},  // 2
@@ -109,31 +110,31 @@ const fieldRef parameterFieldRefs[87] = {
 }  // namespace
 
 void setParameterField(appConfig& cfg, int index, double value) {
-  if (index < 0 || index >= 87) return;
+  if (index < 0 || index >= numParameters) return;
   const fieldRef& ref = parameterFieldRefs[index];
   if (ref.real) {
     cfg.*ref.real = value;
   } else if (ref.whole) {
     cfg.*ref.whole = truncToInt(value);
-  } else if (index == 79) {
+  } else if (index == paramPresRelax) {
     cfg.presRelax = narrowToFloat(value);
-  } else if (index == 81) {
+  } else if (index == paramPresAdjustFlag) {
     cfg.presAdjustFlag = truncToInt(value) != 0 ? 1 : 0;
-  } else if (index == 85) {
+  } else if (index == paramBcFactor) {
     cfg.bcFactor = narrowToFloat(value);
-  } else if (index == 86) {
+  } else if (index == paramAgeFlag) {
     cfg.ageFlag = value != 0.0 ? 1 : 0;
   }
 }
 
 double parameterFieldValue(const appConfig& cfg, int index) {
-  if (index < 0 || index >= 87) return 0.0;
+  if (index < 0 || index >= numParameters) return 0.0;
   const fieldRef& ref = parameterFieldRefs[index];
   if (ref.real) return cfg.*ref.real;
   if (ref.whole) return cfg.*ref.whole;
-  if (index == 79) return cfg.presRelax;
-  if (index == 81) return cfg.presAdjustFlag;
-  if (index == 85) return cfg.bcFactor;
+  if (index == paramPresRelax) return cfg.presRelax;
+  if (index == paramPresAdjustFlag) return cfg.presAdjustFlag;
+  if (index == paramBcFactor) return cfg.bcFactor;
   return cfg.ageFlag;
 }
 
