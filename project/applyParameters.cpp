@@ -12,7 +12,7 @@
 
 #include "domain/bmpTxt.h"
 #include "domain/boundaryTypes.h"
-#include "project/parameterFields.h"
+#include "project/parameterTable.h"
 #include "project/textNumbers.h"
 #include "project/vizFile.h"
 
@@ -52,8 +52,7 @@ void copyParameters(const parameterEditor& editor, appConfig& cfg) {
     if (v == notGiven) continue;
     setParameterField(cfg, n, v);
   }
-  if (cfg.presRelax < 0.0f) cfg.presRelax = 0.0f;
-  cfg.wfilWallBC = std::clamp(cfg.wfilWallBC, 0.0, 1.0);
+  holdToLimits(cfg);
   if (cfg.cs == 0.0) cfg.cs = dashValue;
   if (cfg.sct == 0.0) cfg.sct = dashValue;
 }
