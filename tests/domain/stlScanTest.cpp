@@ -89,6 +89,36 @@ TEST(StlScan, SphereGivesAShellWithMirroredImagePointsOverASolidCore) {
   EXPECT_GT(core, 0);
 }
 
+// Model heights run opposite to the solver's: a model centred at height
+// 0.25 of a unit box lies at solver height 0.75, its image points mirrored
+// about that centre.
+TEST(StlScan, ModelHeightsAreMirroredIntoTheSolversHeights) {
+  appConfig cfg;
+  testing::setGrid(cfg, 17, 17, 17);
+  cfg.stlPresent = 1;
+  bcDomain domain;
+  constructDomain(domain, cfg);
+  const double c = 0.5, R = 0.2, modelZ = 0.25, solverZ = cfg.lz - modelZ;
+  domain.surfaces[stlType] = sphereModel(c, c, modelZ, R, 32, 64);
+  fill<int>(domain.nearestTriangle, noTriangle);
+  scanModel(domain, cfg);
+  EXPECT_EQ(domain.bcFlag(8, 8, 12), stlSolidType) << "the centre, at solver height 0.75, is solid";
+  EXPECT_EQ(domain.bcFlag(8, 8, 4), fluidType) << "solver height 0.25 is outside the model";
+  int shell = 0;
+  for (int k = 0; k < 17; ++k)
+    for (int j = 0; j < 17; ++j)
+      for (int i = 0; i < 17; ++i) {
+        if (domain.bcFlag(i, j, k) != stlType) continue;
+        ++shell;
+        const double x = cfg.xCoord[i] - c, y = cfg.yCoord[j] - c, z = cfg.zCoord[k] - solverZ;
+        const double ix = domain.imageX(i, j, k) - c, iy = domain.imageY(i, j, k) - c,
+                     iz = domain.imageZ(i, j, k) - solverZ;
+        EXPECT_NEAR(std::sqrt(ix * ix + iy * iy + iz * iz), 2.0 * R - std::sqrt(x * x + y * y + z * z), 4e-3)
+            << "the image mirrors the node about the solver's centre at i=" << i << " j=" << j << " k=" << k;
+      }
+  EXPECT_GT(shell, 0);
+}
+
 TEST(StlScan, ModelOutsideTheDomainMarksNothing) {
   appConfig cfg;
   testing::setGrid(cfg, 9, 9, 9);
