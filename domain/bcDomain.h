@@ -16,8 +16,8 @@
 #include <vector>
 
 #include "app/appConfig.h"
+#include "common/array3d.h"
 #include "domain/boundaryTypes.h"
-#include "solver/array3d.h"
 
 namespace marv {
 

@@ -9,11 +9,11 @@
 #include <cmath>
 #include <vector>
 
+#include "common/gradOperator.h"
 #include "domain/bitmapColours.h"
 #include "domain/gridSampling.h"
 #include "domain/nodeLists.h"
 #include "domain/progressLine.h"
-#include "solver/gradOperator.h"
 
 namespace marv {
 

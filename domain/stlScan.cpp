@@ -8,8 +8,8 @@
 #include <cmath>
 #include <vector>
 
+#include "common/textNumbers.h"
 #include "domain/progressLine.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 

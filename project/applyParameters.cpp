@@ -10,10 +10,10 @@
 #include <cstdint>
 #include <string>
 
+#include "common/textNumbers.h"
 #include "domain/bmpTxt.h"
 #include "domain/boundaryTypes.h"
 #include "project/parameterTable.h"
-#include "project/textNumbers.h"
 #include "project/vizFile.h"
 
 namespace marv {

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "common/textNumbers.h"
 #include "layer/layer.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 

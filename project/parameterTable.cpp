@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

@@ -10,8 +10,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "common/textNumbers.h"
 #include "domain/gridSampling.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 
