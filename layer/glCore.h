@@ -61,13 +61,6 @@ struct image {
   bool live = false;         // the handle is in use
 };
 
-struct pixelImage {
-  int width = 0;                   // [px]
-  int height = 0;                  // [px]
-  std::vector<std::uint8_t> rgba;  // width*height*4, rows top-down
-  bool live = false;               // the handle is in use
-};
-
 struct lightState {
   vec3 position{0.0f, 0.0f, 0.0f};  // [world units]
   float range = 1e30f;              // no light beyond [world units]
@@ -84,7 +77,6 @@ struct coreState {
   int target = backBuffer;                          // current draw target
   image backImage;                                  // the back buffer as an off-screen target
   std::vector<image> images;                        // by handle
-  std::vector<pixelImage> pixelImages;              // by handle
   float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};   // clear colour [0..1]
   int blendMode = 0;                                // 0 none, 1 alpha
   int blendAmount = 255;                            // [0..255]

@@ -268,6 +268,7 @@ int stopLayer() {
   win = windowState{};
   input::resetInput();
   resetPictureKey();
+  resetPixelImages();
   return 0;
 }
 
