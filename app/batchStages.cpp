@@ -12,7 +12,7 @@
 #include "domain/bitmapReading.h"
 #include "layer/layer.h"
 #include "project/parameterFile.h"
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

@@ -16,8 +16,8 @@
 #include "domain/prepareInputs.h"
 #include "layer/layer.h"
 #include "project/historyFile.h"
-#include "project/parameterFields.h"
 #include "project/parameterFile.h"
+#include "project/parameterTable.h"
 #include "project/vizFile.h"
 #include "result/dumpFiles.h"
 #include "result/forceRecord.h"
@@ -292,10 +292,11 @@ int runPass(const passStages& stages, driverState& state) {
       // "%e", the unit by "%i".
       for (int i = 0; i < editor.count; ++i) {
         parameterEntry& e = editor.entries[i];
-        const bool placement = (e.index >= 60 && e.index <= 62) || (e.index >= 65 && e.index <= 68);
+        const bool placement = (e.index >= paramXoffstSTL && e.index <= paramZoffstSTL) ||
+                               (e.index >= paramUnitSTL && e.index <= paramZRotSTL);
         if (!placement) continue;
         char text[64];
-        if (e.index == 65)
+        if (e.index == paramUnitSTL)
           std::snprintf(text, sizeof text, "%i", cfg.unitSTL);
         else
           std::snprintf(text, sizeof text, "%e", parameterFieldValue(cfg, e.index));

@@ -9,27 +9,18 @@
 // block is owned by its member and freed with the object; it is neither
 // copied nor moved, since surfaces and outlines point at its grid block.
 //
-// Boundary types (the value of bcFlag, and the index of the per-type tables
-// of appConfig): 0 fluid, 1 Black wall, 2..6 inlet colours (a wall when all
-// three velocities are zero), 7 STL surface, 8 other colours (wall), 9 solid
-// behind a wall, 10 solid of the STL scan (build only), 11 inside an inlet body.
+// bcFlag holds the boundary types of domain/boundaryTypes.h.
 #pragma once
 
 #include <array>
 #include <vector>
 
 #include "app/appConfig.h"
-#include "solver/array3d.h"
+#include "common/array3d.h"
+#include "domain/boundaryTypes.h"
 
 namespace marv {
 
-constexpr int fluidType = 0;                 // bcFlag of a fluid node
-constexpr int blackType = 1;                 // Black wall
-constexpr int stlType = 7;                   // surface node of the STL model
-constexpr int nonPresetType = 8;             // wall of any other colour
-constexpr int solidType = 9;                 // solid node behind a wall surface
-constexpr int stlSolidType = 10;             // solid inside the STL model, build only
-constexpr int inletBodyType = 11;            // inside an inlet-coloured body
 constexpr int noTriangle = -100000000;       // nearestTriangle: none was near
 constexpr int behindTriangle = -1410065408;  // nearestTriangle: too far behind
 

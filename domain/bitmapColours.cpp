@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include "domain/boundaryTypes.h"
+
 namespace marv {
 
 namespace {
@@ -76,8 +78,8 @@ void setPresetColours(appConfig& cfg) {
     cfg.B[c] = presetB[c];
     cfg.ColorsCodes[c] = colorCode(presetR[c], presetG[c], presetB[c]);
   }
-  cfg.R[7] = cfg.G[7] = cfg.B[7] = -1;
-  cfg.ColorsCodes[7] = stlSlotCode;
+  cfg.R[stlType] = cfg.G[stlType] = cfg.B[stlType] = -1;
+  cfg.ColorsCodes[stlType] = stlSlotCode;
   cfg.iNumBcColor = presetCount;
   std::fill(cfg.colorInBitmap.begin(), cfg.colorInBitmap.end(), 0);
 }
@@ -173,7 +175,7 @@ void convertSlices(appConfig& cfg) {
 
 void setTypePresence(appConfig& cfg) {
   for (int t = 0; t < 8; ++t) cfg.bcTypePresent[t] = cfg.colorPoints[t] != 0 ? 1 : 0;
-  cfg.bcTypePresent[8] = (cfg.colorPoints[8] != 0 || cfg.iNumBcColor >= 9) ? 1 : 0;
+  cfg.bcTypePresent[nonPresetType] = (cfg.colorPoints[nonPresetType] != 0 || cfg.iNumBcColor >= 9) ? 1 : 0;
 }
 
 }  // namespace marv

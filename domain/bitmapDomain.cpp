@@ -9,11 +9,11 @@
 #include <cmath>
 #include <vector>
 
+#include "common/gradOperator.h"
 #include "domain/bitmapColours.h"
 #include "domain/gridSampling.h"
 #include "domain/nodeLists.h"
 #include "domain/progressLine.h"
-#include "solver/gradOperator.h"
 
 namespace marv {
 
@@ -476,7 +476,7 @@ void build3D(bcDomain& domain, appConfig& cfg) {
     // The model's shell of 7 over a core of 10, which becomes solid (9).
     scanModel(domain, cfg);
     for (int n = 0; n < domain.bcFlag.count(); ++n)
-      if (domain.bcFlag[n] == 10) domain.bcFlag[n] = 9;
+      if (domain.bcFlag[n] == stlSolidType) domain.bcFlag[n] = solidType;
   }
   cfg.progressCount = 0;
   for (int t = 1; t <= nonPresetType; ++t) {

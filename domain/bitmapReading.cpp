@@ -11,7 +11,7 @@
 
 #include "domain/bitmapColours.h"
 #include "layer/layer.h"
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

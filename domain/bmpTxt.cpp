@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

@@ -11,7 +11,7 @@
 #pragma once
 
 #include "app/appConfig.h"
-#include "solver/array3d.h"
+#include "common/array3d.h"
 
 namespace marv {
 

@@ -8,8 +8,6 @@ namespace marv {
 
 namespace {
 
-bool isInletType(int t) { return t >= 2 && t <= 6; }
-
 // Flowing inlet: an inlet type with some non-zero velocity.
 bool flowingInlet(const appConfig& cfg, int t) { return isInletType(t) && cfg.bcNoFlow[t] == 0; }
 
@@ -122,13 +120,13 @@ cellList makeOpenCells(const array3d<int>& flag, const appConfig& cfg) {
 
 cellList makeMassfrCells(const array3d<int>& flag, const appConfig& cfg) {
   cellList out;
-  scanGrid(flag, out, [&](int t) { return t >= 1 && t <= 8 && cfg.bcFixMassfr[t] == 1; });
+  scanGrid(flag, out, [&](int t) { return t >= blackType && t <= nonPresetType && cfg.bcFixMassfr[t] == 1; });
   return out;
 }
 
 cellList makeTempCells(const array3d<int>& flag, const appConfig& cfg) {
   cellList out;
-  scanGrid(flag, out, [&](int t) { return t >= 1 && t <= 8 && cfg.bcFixTemp[t] == 1; });
+  scanGrid(flag, out, [&](int t) { return t >= blackType && t <= nonPresetType && cfg.bcFixTemp[t] == 1; });
   return out;
 }
 

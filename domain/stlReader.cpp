@@ -11,7 +11,7 @@
 #include <sstream>
 #include <vector>
 
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

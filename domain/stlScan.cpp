@@ -8,8 +8,8 @@
 #include <cmath>
 #include <vector>
 
+#include "common/textNumbers.h"
 #include "domain/progressLine.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 
@@ -177,7 +177,7 @@ void clipToExtents(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
   }
   auto clear = [&](int i, int j, int k) {
     int& flag = domain.bcFlag(i, j, k);
-    if (flag == 7 || flag == 10) flag = 0;
+    if (flag == stlType || flag == stlSolidType) flag = fluidType;
   };
   // Nodes below the low end or from the high end on are beyond the model.
   for (int k = 0; k < nz; ++k) {
@@ -210,7 +210,7 @@ void clipToExtents(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
 }
 
 int stlScanRefreshes(bcDomain& domain, const appConfig& cfg) {
-  const long long triangles = static_cast<long long>(domain.surfaces[7].triangles.size());
+  const long long triangles = static_cast<long long>(domain.surfaces[stlType].triangles.size());
   const int step = static_cast<int>(std::max(1LL, (cfg.nz + 4 * triangles) / 100));
   domain.scanStepTriangles = domain.scanStepPlanes = domain.scanStepExtents = step;
   const long long refreshes = 3 * triangles / step + cfg.nz / step + triangles / step + cfg.ny + 2LL * cfg.nz;
@@ -219,7 +219,7 @@ int stlScanRefreshes(bcDomain& domain, const appConfig& cfg) {
 
 void scanModel(bcDomain& domain, appConfig& cfg) {
   if (cfg.stlPresent != 1 || cfg.nz < 2) return;
-  const bcSurface& model = domain.surfaces[7];
+  const bcSurface& model = domain.surfaces[stlType];
   stlScanWork work;
   scanTriangles(domain, cfg, model, work);
   classifyNearNodes(domain, cfg, model);

@@ -65,13 +65,6 @@ struct image {
   bool live = false;         // the handle is in use
 };
 
-struct pixelImage {
-  int width = 0;                   // [px]
-  int height = 0;                  // [px]
-  std::vector<std::uint8_t> rgba;  // width*height*4, rows top-down
-  bool live = false;               // the handle is in use
-};
-
 // A filled axis-aligned box as recorded: corners [px] and packed colour.
 struct boxRecord {
   float x1 = 0.0f, y1 = 0.0f, x2 = 0.0f, y2 = 0.0f;
@@ -119,7 +112,6 @@ struct coreState {
   int target = backBuffer;                          // current draw target
   image backImage;                                  // the back buffer as an off-screen target
   std::vector<image> images;                        // by handle
-  std::vector<pixelImage> pixelImages;              // by handle
   float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};   // clear colour [0..1]
   int blendMode = 0;                                // 0 none, 1 alpha
   int blendAmount = 255;                            // [0..255]
@@ -182,7 +174,7 @@ bool readTarget(int x1, int y1, int x2, int y2, std::vector<std::uint8_t>& rgba,
 bool makeImageObjects(image& img, const std::uint8_t* rgba, bool drawTarget);
 void freeImageObjects(image& img);
 
-// Text parts (fonts.cpp) over the renderer. A font handle that is not live
+// Text parts (glText.cpp) over the renderer. A font handle that is not live
 // stands for the default font. Vertical text stands upright, one character
 // below the other, each a line height lower.
 int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical = false);

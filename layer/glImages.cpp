@@ -67,12 +67,6 @@ int stretchedQuad(const image& img, float x1, float y1, float x2, float y2, int 
   return texturedQuad(img, xs, ys, us, vs, transparent);
 }
 
-pixelImage* pixelImageOf(int handle) {
-  std::vector<pixelImage>& table = core().pixelImages;
-  if (handle < 0 || handle >= static_cast<int>(table.size()) || !table[handle].live) return nullptr;
-  return &table[handle];
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------- making and deleting
@@ -197,18 +191,10 @@ int drawImageRotated(int x, int y, double scale, double angle, int handle, int t
 
 // ---------------------------------------------------------------- pixel images
 
-int makePixelImage(int width, int height) {
-  if (width <= 0 || height <= 0 || width > maxTargetSide || height > maxTargetSide) return -1;
-  pixelImage p;
-  p.width = width;
-  p.height = height;
-  p.rgba.assign(static_cast<std::size_t>(width) * height * 4, 0);
-  return addToTable(core().pixelImages, std::move(p));
-}
-
 int captureToPixelImage(int x1, int y1, int x2, int y2, int handle) {
-  pixelImage* p = pixelImageOf(handle);
-  if (p == nullptr) return -1;
+  int pw = 0, ph = 0;
+  std::uint8_t* rows = rowsOfPixelImage(handle, pw, ph);
+  if (rows == nullptr) return -1;
   if (!core().ready) return 0;
   std::vector<std::uint8_t> rgba;
   int w = 0, h = 0;
@@ -216,33 +202,11 @@ int captureToPixelImage(int x1, int y1, int x2, int y2, int handle) {
   // The read started at the clipped corner; place it where it lies in the
   // requested rectangle.
   const long long dx = std::max(0LL, -static_cast<long long>(x1)), dy = std::max(0LL, -static_cast<long long>(y1));
-  for (int y = 0; y < h && dy + y < p->height; ++y)
-    for (int x = 0; x < w && dx + x < p->width; ++x)
+  for (int y = 0; y < h && dy + y < ph; ++y)
+    for (int x = 0; x < w && dx + x < pw; ++x)
       for (int c = 0; c < 4; ++c)
-        p->rgba[(static_cast<std::size_t>(dy + y) * p->width + dx + x) * 4 + c] =
+        rows[(static_cast<std::size_t>(dy + y) * pw + dx + x) * 4 + c] =
             rgba[(static_cast<std::size_t>(y) * w + x) * 4 + c];
-  return 0;
-}
-
-int readPixel(int handle, int x, int y, int* r, int* g, int* b, int* a) {
-  int px[4] = {0, 0, 0, 0};
-  int result = -1;
-  const pixelImage* p = pixelImageOf(handle);
-  if (p != nullptr && x >= 0 && y >= 0 && x < p->width && y < p->height) {
-    const std::size_t at = (static_cast<std::size_t>(y) * p->width + x) * 4;
-    for (int c = 0; c < 4; ++c) px[c] = p->rgba[at + c];
-    result = 0;
-  }
-  if (r) *r = px[0];
-  if (g) *g = px[1];
-  if (b) *b = px[2];
-  if (a) *a = px[3];
-  return result;
-}
-
-int deletePixelImage(int handle) {
-  pixelImage* p = pixelImageOf(handle);
-  if (p != nullptr) *p = pixelImage{};
   return 0;
 }
 

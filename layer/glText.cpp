@@ -1,5 +1,5 @@
 // Text in the OpenGL backend: a glyph atlas per font, filled on first use
-// from the shared FreeType faces (fontFaces.cpp), and text runs drawn from
+// from the shared FreeType faces (fontTable.cpp), and text runs drawn from
 // it. Widths and line heights come from the shared fonts alone, so they are
 // the same headless.
 #include <algorithm>

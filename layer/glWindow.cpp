@@ -291,6 +291,7 @@ int stopLayer() {
   win = windowState{};
   input::resetInput();
   resetPictureKey();
+  resetPixelImages();
   return 0;
 }
 

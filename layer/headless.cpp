@@ -4,7 +4,7 @@
 // into the shared input state as a window's events would. Images and pixel
 // images get handles and sizes, so that the logic above behaves as
 // it does with a window; fonts and text widths are the window's own
-// (fontFaces.cpp), so layouts agree; the camera converts points as the
+// (fontTable.cpp), so layouts agree; the camera converts points as the
 // window backend does; the clock is real.
 //
 // A small CPU pixel path stands in for the pictures the logic reads back:
@@ -39,16 +39,8 @@ struct headlessImage {
   bool live = false;               // the handle is in use
 };
 
-struct headlessPixels {
-  int width = 0;                   // [px]
-  int height = 0;                  // [px]
-  std::vector<std::uint8_t> rgba;  // width*height*4, zero until captured
-  bool live = false;
-};
-
 struct headlessState {
   std::vector<headlessImage> images;
-  std::vector<headlessPixels> pixelImages;
   int width = 640;                              // back buffer [px]
   int height = 480;                             // back buffer [px]
   int target = backBuffer;                      // current draw target
@@ -173,6 +165,7 @@ int stopLayer() {
   input::resetInput();
   fonts::stopFonts();
   resetPictureKey();
+  resetPixelImages();
   menu::resetWindowMenu();
   return 0;
 }
@@ -297,42 +290,11 @@ int saveScreenJpeg(int, int, int, int, const char*, int, int) { return -1; }
 
 // ---------------------------------------------------------------- pixel images
 
-int makePixelImage(int width, int height) {
-  if (width <= 0 || height <= 0 || width > 65536 || height > 65536) return -1;
-  headlessPixels p;
-  p.width = width;
-  p.height = height;
-  p.rgba.assign(static_cast<std::size_t>(width) * height * 4, 0);
-  p.live = true;
-  if (state.pixelImages.empty()) state.pixelImages.emplace_back();
-  state.pixelImages.push_back(std::move(p));
-  return static_cast<int>(state.pixelImages.size()) - 1;
-}
 int captureToPixelImage(int x1, int y1, int x2, int y2, int handle) {
-  if (!liveHandle(state.pixelImages, handle)) return -1;
-  headlessPixels& p = state.pixelImages[handle];
-  copyFromTarget(x1, y1, x2, y2, p.rgba.data(), p.width, p.height);
-  return 0;
-}
-int readPixel(int handle, int x, int y, int* r, int* g, int* b, int* a) {
-  int px[4] = {0, 0, 0, 0};
-  int result = -1;
-  if (liveHandle(state.pixelImages, handle)) {
-    const headlessPixels& p = state.pixelImages[handle];
-    if (x >= 0 && y >= 0 && x < p.width && y < p.height) {
-      const std::size_t at = (static_cast<std::size_t>(y) * p.width + x) * 4;
-      for (int c = 0; c < 4; ++c) px[c] = p.rgba[at + c];
-      result = 0;
-    }
-  }
-  if (r) *r = px[0];
-  if (g) *g = px[1];
-  if (b) *b = px[2];
-  if (a) *a = px[3];
-  return result;
-}
-int deletePixelImage(int handle) {
-  if (liveHandle(state.pixelImages, handle)) state.pixelImages[handle] = headlessPixels{};
+  int pw = 0, ph = 0;
+  std::uint8_t* rows = rowsOfPixelImage(handle, pw, ph);
+  if (rows == nullptr) return -1;
+  copyFromTarget(x1, y1, x2, y2, rows, pw, ph);
   return 0;
 }
 

@@ -53,4 +53,11 @@ int loadPictureSet(int id, int count, int columns, int rows, int cellWidth, int 
                    imageMaker make);
 void resetPictureKey();  // the layer stops: no colour is keyed out
 
+// ---------------------------------------------------------------- pixel images (pixelImages.cpp)
+
+// The rows (top-down RGBA) of a live pixel image and its size, for the
+// backend's capture; null and 0 x 0 for any other handle.
+std::uint8_t* rowsOfPixelImage(int handle, int& width, int& height);
+void resetPixelImages();  // the layer stops: every pixel image goes
+
 }  // namespace marv

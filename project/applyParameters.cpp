@@ -14,9 +14,10 @@
 #include <string>
 
 #include "app/meshMemory.h"
+#include "common/textNumbers.h"
 #include "domain/bmpTxt.h"
-#include "project/parameterFields.h"
-#include "project/textNumbers.h"
+#include "domain/boundaryTypes.h"
+#include "project/parameterTable.h"
 #include "project/vizFile.h"
 
 namespace marv {
@@ -31,7 +32,7 @@ int refuse(appConfig& cfg, const std::string& text) {
   return -1;
 }
 
-bool isInflowVelocity(int index) { return index >= 32 && index <= 56 && (index - 32) % 5 < 3; }
+bool isInflowVelocity(int index) { return index >= paramUinb && index <= paramMassfrc && (index - paramUinb) % 5 < 3; }
 
 // 1. Transfer table from the entries; a later entry of a number wins.
 void fillTransferTable(parameterEditor& editor, int count) {
@@ -50,13 +51,12 @@ void fillTransferTable(parameterEditor& editor, int count) {
 
 // 2. and 3. Copy the given values into the fields.
 void copyParameters(const parameterEditor& editor, appConfig& cfg) {
-  for (int n = 0; n <= 86; ++n) {
+  for (int n = 0; n < numParameters; ++n) {
     const double v = editor.transferTable[n];
     if (v == notGiven) continue;
     setParameterField(cfg, n, v);
   }
-  if (cfg.presRelax < 0.0f) cfg.presRelax = 0.0f;
-  cfg.wfilWallBC = std::clamp(cfg.wfilWallBC, 0.0, 1.0);
+  holdToLimits(cfg);
   if (cfg.cs == 0.0) cfg.cs = dashValue;
   if (cfg.sct == 0.0) cfg.sct = dashValue;
 }
@@ -64,7 +64,7 @@ void copyParameters(const parameterEditor& editor, appConfig& cfg) {
 // Reals that no grid or time step can use. The dash is a value of its own
 // for the inflow colours only.
 std::string firstNonFiniteParameter(const parameterEditor& editor) {
-  for (int n = 0; n <= 86; ++n) {
+  for (int n = 0; n < numParameters; ++n) {
     const double v = editor.transferTable[n];
     if (v == notGiven || (v == dashValue && isInflowVelocity(n))) continue;
     if (!std::isfinite(v)) return parameterName(n);
@@ -251,7 +251,7 @@ void setColourTables(appConfig& cfg) {
       {cfg.uing, cfg.ving, cfg.wing, cfg.tempg, cfg.massfrg}, {cfg.uiny, cfg.viny, cfg.winy, cfg.tempy, cfg.massfry},
       {cfg.uinc, cfg.vinc, cfg.winc, cfg.tempc, cfg.massfrc},
   };
-  for (int t : {0, 2, 3, 4, 5, 6}) {
+  for (int t : {fluidType, blueType, redType, greenType, yellowType, cyanType}) {
     cfg.bcU[t] = given[t][0];
     cfg.bcV[t] = given[t][1];
     cfg.bcW[t] = given[t][2];
@@ -260,13 +260,13 @@ void setColourTables(appConfig& cfg) {
   }
 
   // 3. Walls.
-  cfg.bcTemp[1] = cfg.tempwallk;
-  cfg.bcTemp[8] = cfg.tempwall;
-  cfg.bcTemp[7] = cfg.tempwallSTL;
-  cfg.bcMassfr[1] = cfg.massfrwallk;
-  cfg.bcMassfr[8] = cfg.massfrwall;
-  cfg.bcMassfr[7] = cfg.massfrwallSTL;
-  for (int t : {1, 7, 8}) cfg.bcFixTemp[t] = cfg.bcFixMassfr[t] = 1;
+  cfg.bcTemp[blackType] = cfg.tempwallk;
+  cfg.bcTemp[nonPresetType] = cfg.tempwall;
+  cfg.bcTemp[stlType] = cfg.tempwallSTL;
+  cfg.bcMassfr[blackType] = cfg.massfrwallk;
+  cfg.bcMassfr[nonPresetType] = cfg.massfrwall;
+  cfg.bcMassfr[stlType] = cfg.massfrwallSTL;
+  for (int t : {blackType, stlType, nonPresetType}) cfg.bcFixTemp[t] = cfg.bcFixMassfr[t] = 1;
 
   // 4. Inflow colours: what is imposed, and which are walls.
   for (int t = cfg.firstInletType; t <= cfg.lastInletType; ++t) {

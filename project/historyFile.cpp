@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

@@ -3,9 +3,9 @@
 
 #include <cstdio>
 
+#include "common/textNumbers.h"
 #include "project/applyParameters.h"
 #include "project/parameterFile.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 

@@ -12,7 +12,7 @@
 #include "layer/layer.h"
 #include "project/applyParameters.h"
 #include "project/parameterFile.h"
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

@@ -10,8 +10,8 @@
 #include <cstring>
 #include <vector>
 
+#include "common/textNumbers.h"
 #include "layer/layer.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 

@@ -1,13 +1,111 @@
-// The table of every parameter that param.txt can hold: number, name, kind,
-// and the description that goes into the file and the editor. The number is
-// internal; a file line's leading number is only its position.
+// The table of every parameter that param.txt can hold, one row each: number,
+// name, kind, the field of appConfig that holds it, the limits a value is
+// held to, and the description that goes into the file and the editor.
+// Reading, writing, applyParameters and the editor all take what they need
+// from it. The number is internal; a file line's leading number is only its
+// position.
 #pragma once
 
+#include <cstdint>
 #include <string>
+
+#include "app/appConfig.h"
 
 namespace marv {
 
-constexpr int numParameters = 87;     // numbers 0..86
+// Parameter numbers, the order of the table.
+enum parameterNumber : int {
+  paramCmode = 0,
+  paramIbm,
+  paramDomx,
+  paramParallel,
+  paramNprocs,
+  paramNpx,
+  paramNpy,
+  paramNpz,
+  paramNx,
+  paramNy,
+  paramNz,
+  paramLx,
+  paramLy,
+  paramLz,
+  paramDeltat,
+  paramSts,
+  paramLatts,
+  paramCfl,
+  paramNfil,
+  paramWfil,
+  paramNpfil,
+  paramWpfil,
+  paramOmega,
+  paramPeps,
+  paramLoopmax,
+  paramPresw,
+  paramUinw,
+  paramVinw,
+  paramWinw,
+  paramRhow,
+  paramTempw,
+  paramMassfrw,
+  paramUinb,
+  paramVinb,
+  paramWinb,
+  paramTempb,
+  paramMassfrb,
+  paramUinr,
+  paramVinr,
+  paramWinr,
+  paramTempr,
+  paramMassfrr,
+  paramUing,
+  paramVing,
+  paramWing,
+  paramTempg,
+  paramMassfrg,
+  paramUiny,
+  paramViny,
+  paramWiny,
+  paramTempy,
+  paramMassfry,
+  paramUinc,
+  paramVinc,
+  paramWinc,
+  paramTempc,
+  paramMassfrc,
+  paramTempwallk,
+  paramTempwall,
+  paramTempwallSTL,
+  paramXoffstSTL,
+  paramYoffstSTL,
+  paramZoffstSTL,
+  paramNormVecDirSTL,
+  paramCoordSTL,
+  paramUnitSTL,
+  paramXRotSTL,
+  paramYRotSTL,
+  paramZRotSTL,
+  paramMu,
+  paramPr,
+  paramSc,
+  paramCs,
+  paramSct,
+  paramNfig,
+  paramNfile,
+  paramNdiv,
+  paramGfx,
+  paramGfy,
+  paramPresRelax,
+  paramOpenPresFlag,
+  paramPresAdjustFlag,
+  paramWfilWallBC,
+  paramInumColorsThresMax,
+  paramMLoopMax,
+  paramBcFactor,
+  paramAgeFlag,
+};
+
+constexpr int numParameters = 87;  // numbers 0..86
+static_assert(paramAgeFlag == numParameters - 1, "one name per parameter number");
 constexpr int unknownParameter = 87;  // index of a name the table does not hold
 constexpr int maxParameterEntries = 100;
 
@@ -27,6 +125,49 @@ struct parameterEntry {
   int enabled = 1;               // 0: greyed
   unsigned char isTextLine = 0;  // 1: a text line, not a parameter
 };
+
+// How a parameter's value is stored in its field: as given (real), truncated
+// toward zero (whole), narrowed to single precision (single), or as 1 for any
+// value whose truncation is not zero (flag).
+enum class fieldKind : std::uint8_t { real, whole, single, flag };
+
+// The member of appConfig that holds a parameter; the pointer of its kind is set.
+struct parameterField {
+  fieldKind kind = fieldKind::real;
+  double appConfig::*real = nullptr;
+  int appConfig::*whole = nullptr;
+  float appConfig::*single = nullptr;
+  std::uint8_t appConfig::*flag = nullptr;
+};
+
+// The range a taken value is held to; +-infinity where there is none.
+struct valueLimits {
+  double lowest = 0.0;
+  double highest = 0.0;
+};
+
+struct parameterRow {
+  const char* name;         // as param.txt spells it
+  int valueType;            // 0 whole number or choice, 1 real
+  int isChoice;             // 1: numbered options
+  int choiceCount;          // 2 or 5
+  parameterField field;     // where appConfig holds it
+  valueLimits limits;       // held to on taking
+  const char* description;  // into param.txt and the editor
+};
+
+// The row of a parameter number; null for 87 and beyond.
+const parameterRow* parameterRowOf(int index);
+
+// Stores a value of parameter number index into its field as its kind says.
+// cs and sct get no special care here; applyParameters adds it.
+void setParameterField(appConfig& cfg, int index, double value);
+
+// The current value of a parameter's field, as a double; 0 beyond the table.
+double parameterFieldValue(const appConfig& cfg, int index);
+
+// Brings every field back inside its row's limits.
+void holdToLimits(appConfig& cfg);
 
 // Fills an entry from the table for name (compared without case): index,
 // valueType, isChoice, choiceCount; enabled := 1; name := the text given.

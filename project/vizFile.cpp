@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 namespace marv {
 

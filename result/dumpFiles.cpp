@@ -14,8 +14,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "common/textNumbers.h"
 #include "domain/gridSampling.h"
-#include "project/textNumbers.h"
 
 namespace marv {
 

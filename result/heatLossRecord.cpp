@@ -6,7 +6,7 @@
 
 #include "domain/bcDomain.h"
 #include "domain/gridSampling.h"
-#include "solver/gradOperator.h"
+#include "common/gradOperator.h"
 
 namespace marv {
 

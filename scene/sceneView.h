@@ -22,7 +22,7 @@
 #include "layer/layer.h"
 #include "scene/velocityStatistics.h"
 #include "solver/fieldViews.h"
-#include "solver/gradOperator.h"
+#include "common/gradOperator.h"
 #include "widgets/textBox.h"
 
 namespace marv {

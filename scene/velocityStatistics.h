@@ -3,7 +3,7 @@
 // node in single precision. The adaptive time step is taken from the peaks.
 #pragma once
 
-#include "solver/array3d.h"
+#include "common/array3d.h"
 
 namespace marv {
 

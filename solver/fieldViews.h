@@ -8,7 +8,7 @@
 
 #include <array>
 
-#include "solver/array3d.h"
+#include "common/array3d.h"
 
 namespace marv {
 

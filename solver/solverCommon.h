@@ -18,8 +18,8 @@
 #include <vector>
 
 #include "app/appConfig.h"
+#include "common/array3d.h"
 #include "domain/bcDomain.h"
-#include "solver/array3d.h"
 #include "solver/teamSync.h"
 
 namespace marv {

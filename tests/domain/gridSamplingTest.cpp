@@ -6,8 +6,8 @@
 #include <limits>
 #include <random>
 
+#include "common/array3d.h"
 #include "domain/gridSampling.h"
-#include "solver/array3d.h"
 #include "tests/testGrid.h"
 
 namespace marv {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "domain/stlScan.h"
 #include "tests/testGrid.h"
@@ -46,16 +47,21 @@ bcSurface sphereModel(double cx, double cy, double cz, double r, int rings, int 
   return s;
 }
 
-TEST(StlScan, SphereGivesAShellWithMirroredImagePointsOverASolidCore) {
-  appConfig cfg;
-  testing::setGrid(cfg, 33, 33, 33);
+// Builds an n^3 unit-box domain and scans the model into it.
+void scanInto(appConfig& cfg, bcDomain& domain, int n, bcSurface model) {
+  testing::setGrid(cfg, n, n, n);
   cfg.stlPresent = 1;
-  bcDomain domain;
   constructDomain(domain, cfg);
-  const double c = 0.5, R = 0.3;
-  domain.surfaces[7] = sphereModel(c, c, c, R, 40, 80);
+  domain.surfaces[stlType] = std::move(model);
   fill<int>(domain.nearestTriangle, noTriangle);
   scanModel(domain, cfg);
+}
+
+TEST(StlScan, SphereGivesAShellWithMirroredImagePointsOverASolidCore) {
+  appConfig cfg;
+  bcDomain domain;
+  const double c = 0.5, R = 0.3;
+  scanInto(cfg, domain, 33, sphereModel(c, c, c, R, 40, 80));
 
   const double diag = std::sqrt(3.0) * cfg.dx;
   int shell = 0, core = 0;
@@ -89,17 +95,38 @@ TEST(StlScan, SphereGivesAShellWithMirroredImagePointsOverASolidCore) {
   EXPECT_GT(core, 0);
 }
 
+// Model heights run opposite to the solver's: a model centred at height
+// 0.25 of a unit box lies at solver height 0.75, its image points mirrored
+// about that centre.
+TEST(StlScan, ModelHeightsAreMirroredIntoTheSolversHeights) {
+  appConfig cfg;
+  bcDomain domain;
+  const double c = 0.5, R = 0.2, modelZ = 0.25;
+  scanInto(cfg, domain, 17, sphereModel(c, c, modelZ, R, 32, 64));
+  const double solverZ = cfg.lz - modelZ;
+  EXPECT_EQ(domain.bcFlag(8, 8, 12), stlSolidType) << "the centre, at solver height 0.75, is solid";
+  EXPECT_EQ(domain.bcFlag(8, 8, 4), fluidType) << "solver height 0.25 is outside the model";
+  int shell = 0;
+  for (int k = 0; k < 17; ++k)
+    for (int j = 0; j < 17; ++j)
+      for (int i = 0; i < 17; ++i) {
+        if (domain.bcFlag(i, j, k) != stlType) continue;
+        ++shell;
+        const double x = cfg.xCoord[i] - c, y = cfg.yCoord[j] - c, z = cfg.zCoord[k] - solverZ;
+        const double ix = domain.imageX(i, j, k) - c, iy = domain.imageY(i, j, k) - c,
+                     iz = domain.imageZ(i, j, k) - solverZ;
+        EXPECT_NEAR(std::sqrt(ix * ix + iy * iy + iz * iz), 2.0 * R - std::sqrt(x * x + y * y + z * z), 4e-3)
+            << "the image mirrors the node about the solver's centre at i=" << i << " j=" << j << " k=" << k;
+      }
+  EXPECT_GT(shell, 0);
+}
+
 TEST(StlScan, ModelOutsideTheDomainMarksNothing) {
   appConfig cfg;
-  testing::setGrid(cfg, 9, 9, 9);
-  cfg.stlPresent = 1;
   bcDomain domain;
-  constructDomain(domain, cfg);
-  domain.surfaces[7] = sphereModel(5.0, 5.0, 5.0, 0.5, 8, 16);
-  bcTriangle flat;  // a surplus record of an ASCII file: all zero, no normal
-  domain.surfaces[7].triangles.push_back(flat);
-  fill<int>(domain.nearestTriangle, noTriangle);
-  scanModel(domain, cfg);
+  bcSurface far = sphereModel(5.0, 5.0, 5.0, 0.5, 8, 16);
+  far.triangles.push_back(bcTriangle{});  // a surplus record of an ASCII file: all zero, no normal
+  scanInto(cfg, domain, 9, std::move(far));
   for (int n = 0; n < domain.bcFlag.count(); ++n) ASSERT_EQ(domain.bcFlag[n], 0) << "at n=" << n;
 }
 

@@ -15,43 +15,18 @@
 #include "domain/bitmapColours.h"
 #include "domain/bitmapReading.h"
 #include "layer/layer.h"
+#include "tests/domain/bitmapTestSupport.h"
 
 namespace {
 
 using namespace marv;
 
-struct rgb {
-  int r = 0, g = 0, b = 0;
-};
+using marvtest::rgb;
 
-// A 24-bit BMP, rows bottom-up and padded to four bytes, as paint programs
-// write them.
+// A 24-bit BMP of the pixels, rows listed top-down, in the temporary folder.
 std::string writeBmp(const std::string& name, int width, int height, const std::vector<rgb>& pixels) {
-  const int rowBytes = (width * 3 + 3) / 4 * 4;
-  const int size = 54 + rowBytes * height;
-  std::vector<unsigned char> b(size, 0);
-  auto put32 = [&](int at, int v) {
-    for (int i = 0; i < 4; ++i) b[at + i] = static_cast<unsigned char>(v >> (8 * i));
-  };
-  b[0] = 'B';
-  b[1] = 'M';
-  put32(2, size);
-  put32(10, 54);
-  put32(14, 40);
-  put32(18, width);
-  put32(22, height);
-  b[26] = 1;
-  b[28] = 24;
-  for (int y = 0; y < height; ++y)
-    for (int x = 0; x < width; ++x) {
-      const rgb& p = pixels[y * width + x];
-      unsigned char* at = &b[54 + (height - 1 - y) * rowBytes + 3 * x];
-      at[0] = static_cast<unsigned char>(p.b);
-      at[1] = static_cast<unsigned char>(p.g);
-      at[2] = static_cast<unsigned char>(p.r);
-    }
   const std::string path = ::testing::TempDir() + name;
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(b.data()), size);
+  marvtest::writeBmp(path, width, height, [&](int x, int y) { return pixels[y * width + x]; });
   return path;
 }
 

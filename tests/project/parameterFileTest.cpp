@@ -7,6 +7,7 @@
 #include <string>
 
 #include "project/parameterFile.h"
+#include "project/parameterTable.h"
 #include "testSupport.h"
 
 namespace {
@@ -219,6 +220,37 @@ TEST(ParameterFile, DamagedFilesReadSafely) {
     EXPECT_EQ(again.count, std::min(count, 89)) << item.path();
   }
   EXPECT_GE(files, 5);
+}
+
+// Each row of the table names a field of its own: storing into one parameter
+// changes that field alone, in the way of its kind.
+TEST(ParameterTable, EveryParameterHasItsOwnFieldAndStoresByItsKind) {
+  using namespace marv;
+  for (int n = 0; n < numParameters; ++n) {
+    appConfig cfg;
+    double before[numParameters];
+    for (int m = 0; m < numParameters; ++m) before[m] = parameterFieldValue(cfg, m);
+    setParameterField(cfg, n, 2.75);
+    const double v = parameterFieldValue(cfg, n);
+    const std::string name = parameterName(n);
+    if (name == "presAdjustFlag" || name == "ageFlag")
+      EXPECT_EQ(v, 1.0) << name;
+    else if (lookupParameter(name).valueType == 1)
+      EXPECT_EQ(v, 2.75) << name;
+    else
+      EXPECT_EQ(v, 2.0) << name << " truncates";
+    for (int m = 0; m < numParameters; ++m) {
+      if (m == n) continue;
+      EXPECT_EQ(parameterFieldValue(cfg, m), before[m]) << name << " also changed " << parameterName(m);
+    }
+  }
+  appConfig cfg;
+  setParameterField(cfg, paramPresRelax, -0.5);
+  setParameterField(cfg, paramWfilWallBC, 7.0);
+  holdToLimits(cfg);
+  EXPECT_EQ(cfg.presRelax, 0.0f);
+  EXPECT_EQ(cfg.wfilWallBC, 1.0);
+  EXPECT_EQ(parameterRowOf(numParameters), nullptr);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <array>
 
 #include "app/appConfig.h"
-#include "solver/array3d.h"
+#include "common/array3d.h"
 
 namespace marv {
 

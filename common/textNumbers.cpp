@@ -1,6 +1,6 @@
 // Number and token reading shared by the text file readers, and the atomic
 // file replacement that every writer of a user file goes through.
-#include "project/textNumbers.h"
+#include "common/textNumbers.h"
 
 #include <unistd.h>
 #include <cctype>

@@ -1,6 +1,6 @@
 // The size check of array3d: the one place where a requested field size is
 // compared with what 32-bit index arithmetic can address.
-#include "solver/array3d.h"
+#include "common/array3d.h"
 
 #include <climits>
 #include <cstdint>

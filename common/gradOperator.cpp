@@ -1,6 +1,6 @@
 // First derivatives of whole fields: one worker walks every grid line of a
 // direction, given as a stride, and the public forms choose the stride.
-#include "solver/gradOperator.h"
+#include "common/gradOperator.h"
 
 namespace marv {
 

@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
-#include "solver/array3d.h"
-#include "solver/gradOperator.h"
+#include "common/array3d.h"
+#include "common/gradOperator.h"
 #include "tests/testGrid.h"
 
 namespace marv {
