@@ -311,7 +311,16 @@ struct appConfig {
   int inputBusy = 0;
   int panelBusy = 0;
   int snapshotRequested = 0;
-  int mouseX = 0, mouseY = 0, wheelDelta = 0, mouseButtonBits = 0;
+  // The frame's input, rewritten by handleFrameInput at the head of each frame.
+  int mouseX = 0, mouseY = 0;                  // pointer in the client area [px]
+  int mouseXPrev = 0, mouseYPrev = 0;          // pointer of the previous frame [px]
+  float wheelDelta = 0.0f;                     // wheel notches since the last frame, signed
+  std::uint8_t mouseLeft = 0, mouseRight = 0;  // button held
+  std::uint8_t shiftDown = 0, ctrlDown = 0;    // left or right Shift, Ctrl held
+  std::uint8_t mouseInScreen = 0;              // 1 <= mouseX < screenWidth and 1 <= mouseY < screenHeight
+  int leftDrag = 0, rightDrag = 0;             // camera drags in force
+  int plainKeys = 0;                           // neither Shift nor Ctrl held, help list closed
+  int leftClick = 0, rightClick = 0;           // a click ended in this frame
 };
 
 // Builds the record of a pass: every default, the history file read from the

@@ -73,6 +73,7 @@ void reportDump(appConfig& cfg) {
   std::printf("Analysis: dump %08d loaded: time %e s, deltat %e s, mesh %d x %d x %d, cmode %d\n", cfg.sts, cfg.time,
               cfg.deltat, cfg.nx, cfg.ny, cfg.nz, cfg.cmode);
   std::fflush(stdout);
+  cfg.quitPromptFlag = 1;  // as if the user had asked to quit and said OK
   cfg.quitConfirmed = 1;
 }
 

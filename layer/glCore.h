@@ -128,7 +128,6 @@ struct coreState {
   bool lighting = false;                            // point light on 3D shapes
   cameraState camera;                               // current camera; size follows the draw target
   lightState light;                                 // the point light
-  int transparentKey[3] = {-1, -1, -1};             // colour made transparent in images loaded later
   long long drawCalls = 0;                          // draw calls issued since start
   std::vector<command> commands;                    // the pending frame, in order
   std::vector<vertex> vertices;                     // pending vertices; grows, never shrinks

@@ -37,11 +37,7 @@ int newImage(int width, int height, const std::uint8_t* rgba, bool drawTarget) {
   return addImage(img);
 }
 
-int imageFromPicture(rgbaImage& picture) {
-  const int* key = core().transparentKey;
-  if (key[0] >= 0) applyColourKey(picture, key[0], key[1], key[2]);
-  return newImage(picture.width, picture.height, picture.pixels.data(), false);
-}
+int pictureImage(int width, int height, const std::uint8_t* rgba) { return newImage(width, height, rgba, false); }
 
 // Appends one textured quad: corners in pixels (clockwise from top left)
 // with their texture coordinates.
@@ -137,53 +133,15 @@ int imageSize(int handle, int* width, int* height) {
 
 // ---------------------------------------------------------------- pictures
 
-int loadImage(const char* path, int) {
-  if (path == nullptr) return -1;
-  rgbaImage picture;
-  if (!loadImageFile(path, picture)) return -1;
-  return imageFromPicture(picture);
-}
+int loadImage(const char* path, int) { return loadPicture(path, pictureImage); }
 
 int loadImageResource(int id) {
   const std::string path = resourcePicturePath(id);
   return path.empty() ? -1 : loadImage(path.c_str(), 0);
 }
 
-// Cells are copied into images of their own, so that deleting one cell or
-// all of them in any order frees exactly what was made.
 int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth, int cellHeight, int* handles) {
-  if (handles == nullptr || count <= 0) return -1;
-  for (int i = 0; i < count; ++i) handles[i] = -1;
-  if (columns <= 0 || rows <= 0 || cellWidth <= 0 || cellHeight <= 0 || cellWidth > maxTargetSide ||
-      cellHeight > maxTargetSide)
-    return -1;
-  const std::string path = resourcePicturePath(id);
-  rgbaImage sheet;
-  if (path.empty() || !loadImageFile(path, sheet)) return -1;
-  const int* key = core().transparentKey;
-  if (key[0] >= 0) applyColourKey(sheet, key[0], key[1], key[2]);
-  std::vector<std::uint8_t> cell(static_cast<std::size_t>(cellWidth) * cellHeight * 4);
-  int made = 0;
-  for (int i = 0; i < count && i < columns * rows; ++i) {
-    const int x0 = (i % columns) * cellWidth, y0 = (i / columns) * cellHeight;
-    std::fill(cell.begin(), cell.end(), 0);
-    for (int y = 0; y < cellHeight && y0 + y < sheet.height; ++y)
-      for (int x = 0; x < cellWidth && x0 + x < sheet.width; ++x)
-        for (int c = 0; c < 4; ++c)
-          cell[(static_cast<std::size_t>(y) * cellWidth + x) * 4 + c] =
-              sheet.pixels[(static_cast<std::size_t>(y0 + y) * sheet.width + x0 + x) * 4 + c];
-    handles[i] = newImage(cellWidth, cellHeight, cell.data(), false);
-    if (handles[i] >= 0) ++made;
-  }
-  return made == count ? 0 : -1;
-}
-
-int setTransparentColour(int r, int g, int b) {
-  int* key = core().transparentKey;
-  key[0] = r & 255;
-  key[1] = g & 255;
-  key[2] = b & 255;
-  return 0;
+  return loadPictureSet(id, count, columns, rows, cellWidth, cellHeight, handles, pictureImage);
 }
 
 // ---------------------------------------------------------------- drawing

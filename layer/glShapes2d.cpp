@@ -171,16 +171,6 @@ void circle(float x, float y, float radius, int segments, std::uint32_t c, bool 
 
 }  // namespace
 
-std::uint32_t colour(int r, int g, int b) {
-  return 0xFF000000u | (static_cast<std::uint32_t>(r & 255) << 16) | (static_cast<std::uint32_t>(g & 255) << 8) |
-         static_cast<std::uint32_t>(b & 255);
-}
-
-colourRgba makeColourRgba(int r, int g, int b, int a) {
-  return {static_cast<std::uint8_t>(r), static_cast<std::uint8_t>(g), static_cast<std::uint8_t>(b),
-          static_cast<std::uint8_t>(a)};
-}
-
 int drawBox(int x1, int y1, int x2, int y2, std::uint32_t c, int fill) {
   if (x2 < x1) std::swap(x1, x2);
   if (y2 < y1) std::swap(y1, y2);

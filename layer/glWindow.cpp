@@ -267,6 +267,7 @@ int stopLayer() {
   }
   win = windowState{};
   input::resetInput();
+  resetPictureKey();
   return 0;
 }
 

@@ -1,10 +1,11 @@
 // The headless backend of the drawing layer: no window, no screen.
 // processMessages returns 0, and no key or button is down unless a test hands
 // in an input script (layer/inputScript.h), which it plays frame by frame
-// into the shared input state as a window's events would. Images, pixel
-// images and fonts get handles and sizes, so that the logic above behaves as
-// it does with a window; the camera converts points as the window backend
-// does; the clock is real.
+// into the shared input state as a window's events would. Images and pixel
+// images get handles and sizes, so that the logic above behaves as
+// it does with a window; fonts and text widths are the window's own
+// (fontFaces.cpp), so layouts agree; the camera converts points as the
+// window backend does; the clock is real.
 //
 // A small CPU pixel path stands in for the pictures the logic reads back:
 // pictures load (PNG, BMP), clearing, filled boxes and pictures drawn at any
@@ -47,15 +48,12 @@ struct headlessPixels {
 struct headlessState {
   std::vector<headlessImage> images;
   std::vector<headlessPixels> pixelImages;
-  std::vector<int> fontSizes;                   // by handle; 0 once deleted
-  int defaultFontSize = 16;                     // [px]
   int width = 640;                              // back buffer [px]
   int height = 480;                             // back buffer [px]
   int target = backBuffer;                      // current draw target
   cameraState camera;                           // current camera
   std::vector<std::uint8_t> backPixels;         // the back buffer, made on first use
   std::uint8_t background[4] = {0, 0, 0, 255};  // colour of clearDrawTarget
-  int transparentKey[3] = {-1, -1, -1};         // colour keyed out of pictures loaded later
 };
 
 headlessState state;
@@ -82,6 +80,8 @@ int newImage(int width, int height, const std::uint8_t* rgba = nullptr) {
   state.images.push_back(std::move(img));
   return static_cast<int>(state.images.size()) - 1;
 }
+
+int imageOfPixels(int width, int height, const std::uint8_t* rgba) { return newImage(width, height, rgba); }
 
 // The pixels of the current draw target and their size.
 std::uint8_t* targetPixels(int& w, int& h) {
@@ -162,15 +162,6 @@ void fillPixels(long long x1, long long y1, long long x2, long long y2, std::uin
       std::memcpy(to + (y * w + x) * 4, rgba, 4);
 }
 
-// Width of a text without a real font: half the font size per byte.
-int nominalWidth(int fontSize, const char* format, va_list args) {
-  if (format == nullptr) return 0;
-  char buffer[1024];
-  const int n = std::vsnprintf(buffer, sizeof buffer, format, args);
-  if (n <= 0) return 0;
-  return n * fontSize / 2;
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------- window and process
@@ -179,6 +170,8 @@ int startLayer() { return 0; }
 int stopLayer() {
   state = headlessState{};
   input::resetInput();
+  fonts::stopFonts();
+  resetPictureKey();
   return 0;
 }
 int processMessages() { return input::stepInputScript(); }
@@ -250,41 +243,13 @@ int deleteImage(int handle) {
   if (state.target == handle) state.target = backBuffer;
   return 0;
 }
-int loadImage(const char* path, int) {
-  rgbaImage picture;
-  if (path == nullptr || !loadImageFile(path, picture)) return -1;
-  if (state.transparentKey[0] >= 0)
-    applyColourKey(picture, state.transparentKey[0], state.transparentKey[1], state.transparentKey[2]);
-  return newImage(picture.width, picture.height, picture.pixels.data());
-}
+int loadImage(const char* path, int) { return loadPicture(path, imageOfPixels); }
 int loadImageResource(int id) {
   const std::string path = resourcePicturePath(id);
   return path.empty() ? -1 : loadImage(path.c_str(), 0);
 }
 int loadImageSetResource(int id, int count, int columns, int rows, int cellWidth, int cellHeight, int* handles) {
-  if (handles == nullptr || count <= 0) return -1;
-  for (int i = 0; i < count; ++i) handles[i] = -1;
-  if (columns <= 0 || rows <= 0 || cellWidth <= 0 || cellHeight <= 0 || cellWidth > maxImageSide ||
-      cellHeight > maxImageSide)
-    return -1;
-  const std::string path = resourcePicturePath(id);
-  rgbaImage sheet;
-  if (path.empty() || !loadImageFile(path, sheet)) return -1;
-  if (state.transparentKey[0] >= 0)
-    applyColourKey(sheet, state.transparentKey[0], state.transparentKey[1], state.transparentKey[2]);
-  std::vector<std::uint8_t> cell(static_cast<std::size_t>(cellWidth) * cellHeight * 4);
-  int made = 0;
-  for (int i = 0; i < count && i < columns * rows; ++i) {
-    const int x0 = (i % columns) * cellWidth, y0 = (i / columns) * cellHeight;
-    std::fill(cell.begin(), cell.end(), 0);
-    for (int y = 0; y < cellHeight && y0 + y < sheet.height; ++y)
-      for (int x = 0; x < cellWidth && x0 + x < sheet.width; ++x)
-        std::memcpy(&cell[(static_cast<std::size_t>(y) * cellWidth + x) * 4],
-                    &sheet.pixels[(static_cast<std::size_t>(y0 + y) * sheet.width + x0 + x) * 4], 4);
-    handles[i] = newImage(cellWidth, cellHeight, cell.data());
-    made += handles[i] >= 0;
-  }
-  return made == count ? 0 : -1;
+  return loadPictureSet(id, count, columns, rows, cellWidth, cellHeight, handles, imageOfPixels);
 }
 int imageSize(int image, int* width, int* height) {
   if (image == backBuffer) {
@@ -321,12 +286,6 @@ int drawImageRect(int x, int y, int srcX, int srcY, int width, int height, int i
 }
 int drawImageRotated(int, int, double, double, int image, int, int, int) {
   return liveHandle(state.images, image) ? 0 : -1;
-}
-int setTransparentColour(int r, int g, int b) {
-  state.transparentKey[0] = r & 255;
-  state.transparentKey[1] = g & 255;
-  state.transparentKey[2] = b & 255;
-  return 0;
 }
 int saveScreenJpeg(int, int, int, int, const char*, int, int) { return -1; }
 
@@ -373,14 +332,6 @@ int deletePixelImage(int handle) {
 
 // ---------------------------------------------------------------- 2D primitives
 
-std::uint32_t colour(int r, int g, int b) {
-  return 0xFF000000u | (static_cast<std::uint32_t>(r & 255) << 16) | (static_cast<std::uint32_t>(g & 255) << 8) |
-         static_cast<std::uint32_t>(b & 255);
-}
-colourRgba makeColourRgba(int r, int g, int b, int a) {
-  return {static_cast<std::uint8_t>(r), static_cast<std::uint8_t>(g), static_cast<std::uint8_t>(b),
-          static_cast<std::uint8_t>(a)};
-}
 int drawBox(int x1, int y1, int x2, int y2, std::uint32_t c, int fill) {
   const long long l = std::min(x1, x2), r = std::max(x1, x2), t = std::min(y1, y2), b = std::max(y1, y2);
   if (l == r || t == b) return 0;
@@ -440,39 +391,8 @@ int drawIndexedPolygons3d(const vertex3d*, int, const std::uint16_t*, int, int, 
 
 // ---------------------------------------------------------------- text
 
-int setFontSize(int size) {
-  if (size > 0) state.defaultFontSize = size;
-  return 0;
-}
-int setFontThickness(int) { return 0; }
-int setFontFace(const char*, int) { return 0; }
-int makeFont(const char*, int size, int, int, int, int, int, int) {
-  if (state.fontSizes.empty()) state.fontSizes.push_back(0);
-  state.fontSizes.push_back(size > 0 ? size : state.defaultFontSize);
-  return static_cast<int>(state.fontSizes.size()) - 1;
-}
-int fontExists(const char* name, int) { return faceInstalled(name) ? 1 : 0; }
-int deleteFont(int handle) {
-  if (handle >= 0 && handle < static_cast<int>(state.fontSizes.size())) state.fontSizes[handle] = 0;
-  return 0;
-}
 int drawText(int, int, const char*, std::uint32_t, int, std::uint32_t, int) { return 0; }
 int drawTextFormat(int, int, std::uint32_t, int, const char*, ...) { return 0; }
-int textWidth(const char* format, ...) {
-  va_list args;
-  va_start(args, format);
-  const int w = nominalWidth(state.defaultFontSize, format, args);
-  va_end(args);
-  return w;
-}
-int textWidthInFont(int font, const char* format, ...) {
-  const bool known = font >= 0 && font < static_cast<int>(state.fontSizes.size()) && state.fontSizes[font] > 0;
-  va_list args;
-  va_start(args, format);
-  const int w = nominalWidth(known ? state.fontSizes[font] : state.defaultFontSize, format, args);
-  va_end(args);
-  return w;
-}
 
 // ---------------------------------------------------------------- text input fields
 

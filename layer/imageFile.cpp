@@ -183,7 +183,11 @@ std::string resourcePicturePath(int id) {
   if (id < 0 || id > 99999) return std::string();
   const std::string name = "picture" + std::to_string(id) + ".png";
   const std::string exeDir = executableDirectory();
+  // Beside the executable, the install tree (bin/../share), the build tree
+  // (which stages the same layout one or two folders above its programs and
+  // tests), then the source tree the program was built from.
   const std::string candidates[] = {exeDir + "/resources/" + name, exeDir + "/../share/marvanesse/" + name,
+                                    exeDir + "/../../share/marvanesse/" + name,
                                     std::string(MARV_RESOURCE_DIR) + "/" + name};
   for (const std::string& c : candidates)
     if (c.size() > name.size() + 1 && fileExists(c)) return c;

@@ -39,4 +39,18 @@ bool writeJpegFile(const std::string& path, const std::uint8_t* rgba, int width,
 // program's picture folder holds none.
 std::string resourcePicturePath(int id);
 
+// ---------------------------------------------------------------- pictures of the operations (pictures.cpp)
+
+// Makes a backend image of rows top-down RGBA; returns its handle or -1.
+using imageMaker = int (*)(int width, int height, const std::uint8_t* rgba);
+
+// loadImage, loadImageResource and loadImageSetResource of both backends:
+// the picture decoded, the transparent colour of setTransparentColour keyed
+// out, and each picture or cell handed to `make`. Cells run left to right,
+// top to bottom; a cell beyond the sheet's edge is transparent black there.
+int loadPicture(const char* path, imageMaker make);
+int loadPictureSet(int id, int count, int columns, int rows, int cellWidth, int cellHeight, int* handles,
+                   imageMaker make);
+void resetPictureKey();  // the layer stops: no colour is keyed out
+
 }  // namespace marv

@@ -75,11 +75,15 @@ TEST_F(screenFrame, proceedClicksOnItsReleaseAndIsPressedWhileHeld) {
   EXPECT_EQ(runAppButton(cfg, 13, x, y, 1), 1) << "no such button: the state stays";
 }
 
-TEST_F(screenFrame, theLogoReportsTheWidthOfItsTwoWordsWithoutDrawing) {
-  // Headless text is half the font size wide per byte: ten letters of the
-  // 50-pixel logo font and one of the 32-pixel plus.
-  EXPECT_EQ(drawLogo(cfg, 0, 0, colourBlack, colourBlack, 2, nullptr), 10 * 25 + 16);
-  EXPECT_EQ(drawLogo(cfg, 0, 0, colourBlack, colourBlack, -1, "caption"), 266);
+TEST_F(screenFrame, theLogoReportsTheWidthOfItsTwoWordsWhateverItsPlacing) {
+  const int width = drawLogo(cfg, 0, 0, colourBlack, colourBlack, 2, nullptr);
+  EXPECT_GT(width, 10 * cfg.logoSize / 3) << "ten letters and a plus";
+  EXPECT_EQ(drawLogo(cfg, 0, 0, colourBlack, colourBlack, -1, "caption"), width);
+  EXPECT_EQ(drawLogo(cfg, 500, 200, colourBlack, colourBlack, 1, "caption"), width);
+  cfg.textHeight = 40;
+  buildFonts(cfg);
+  EXPECT_NEAR(drawLogo(cfg, 0, 0, colourBlack, colourBlack, 2, nullptr), 2 * width, 0.1 * width)
+      << "the logo grows with the text height";
 }
 
 TEST_F(screenFrame, theBackdropDriftsRightByLayerAndReentersAtTheLeft) {

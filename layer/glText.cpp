@@ -1,0 +1,195 @@
+// Text in the OpenGL backend: a glyph atlas per font, filled on first use
+// from the shared FreeType faces (fontFaces.cpp), and text runs drawn from
+// it. Widths and line heights come from the shared fonts alone, so they are
+// the same headless.
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <unordered_map>
+#include <vector>
+
+#include "layer/fontFaces.h"
+#include "layer/glCore.h"
+
+namespace marv {
+
+using namespace gl;
+
+namespace {
+
+constexpr int atlasSide = 1024;  // glyph atlas of a font [px]
+
+struct glyph {
+  int x = 0, y = 0, w = 0, h = 0;  // place in the atlas [px]
+  int left = 0, top = 0;           // offset of the bitmap from pen and baseline [px]
+  int advance = 0;                 // pen advance [px]
+};
+
+struct atlas {
+  unsigned texture = 0;                             // GL texture of coverage in red
+  std::unordered_map<std::uint32_t, glyph> glyphs;  // by code point
+  int penX = 0, penY = 0, rowHeight = 0;            // free place [px]
+};
+
+// Atlases by the serial of their font.
+std::unordered_map<long, atlas> atlases;
+
+void dropAtlas(const fonts::fontEntry& f) {
+  const auto found = atlases.find(f.serial);
+  if (found == atlases.end()) return;
+  if (found->second.texture != 0 && core().ready) {
+    flush();  // the batch may still use it
+    glDeleteTextures(1, &found->second.texture);
+  }
+  atlases.erase(found);
+}
+
+atlas& atlasOf(const fonts::fontEntry& f) {
+  fonts::fontGoing = dropAtlas;
+  atlas& a = atlases[f.serial];
+  if (a.texture == 0) {
+    glGenTextures(1, &a.texture);
+    glBindTexture(GL_TEXTURE_2D, a.texture);
+    std::vector<std::uint8_t> zero(static_cast<std::size_t>(atlasSide) * atlasSide, 0);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_R8, atlasSide, atlasSide, 0, GL_RED, GL_UNSIGNED_BYTE, zero.data());
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+  }
+  return a;
+}
+
+// The glyph with its bitmap in the atlas; an empty glyph when it cannot be
+// made. A full atlas is emptied and filled again from the next glyph on.
+const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
+  const auto found = a.glyphs.find(cp);
+  if (found != a.glyphs.end()) return &found->second;
+  glyph g;
+  FT_Face face = fonts::loadGlyph(f, cp, true);
+  if (face == nullptr) return &(a.glyphs[cp] = g);
+  const FT_Bitmap& bm = face->glyph->bitmap;
+  g.advance = static_cast<int>((face->glyph->advance.x + 32) >> 6);
+  g.left = face->glyph->bitmap_left;
+  g.top = face->glyph->bitmap_top;
+  g.w = static_cast<int>(bm.width);
+  g.h = static_cast<int>(bm.rows);
+  if (g.w > 0 && g.h > 0 && g.w < atlasSide && g.h < atlasSide) {
+    if (a.penX + g.w + 1 > atlasSide) {
+      a.penX = 0;
+      a.penY += a.rowHeight + 1;
+      a.rowHeight = 0;
+    }
+    if (a.penY + g.h + 1 > atlasSide) {
+      flush();  // the batch may use glyphs that are about to go
+      a.glyphs.clear();
+      a.penX = a.penY = a.rowHeight = 0;
+    }
+    g.x = a.penX;
+    g.y = a.penY;
+    a.penX += g.w + 1;
+    a.rowHeight = std::max(a.rowHeight, g.h);
+    std::vector<std::uint8_t> rows(static_cast<std::size_t>(g.w) * g.h);
+    const int pitch = bm.pitch;
+    for (int y = 0; y < g.h; ++y) {
+      const unsigned char* src = pitch >= 0 ? bm.buffer + y * pitch : bm.buffer + (g.h - 1 - y) * -pitch;
+      if (bm.pixel_mode == FT_PIXEL_MODE_GRAY)
+        std::memcpy(&rows[static_cast<std::size_t>(y) * g.w], src, g.w);
+      else if (bm.pixel_mode == FT_PIXEL_MODE_MONO)
+        for (int x = 0; x < g.w; ++x)
+          rows[static_cast<std::size_t>(y) * g.w + x] = (src[x >> 3] >> (7 - (x & 7))) & 1 ? 255 : 0;
+    }
+    glBindTexture(GL_TEXTURE_2D, a.texture);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, g.x, g.y, g.w, g.h, GL_RED, GL_UNSIGNED_BYTE, rows.data());
+  } else {
+    g.w = g.h = 0;
+  }
+  return &(a.glyphs[cp] = g);
+}
+
+}  // namespace
+
+namespace gl {
+
+int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical) {
+  fonts::fontEntry* f = fonts::fontOf(font);
+  if (f == nullptr || text == nullptr) return -1;
+  if (!core().ready) return 0;
+  atlas& a = atlasOf(*f);
+  float penX = static_cast<float>(x);
+  float baseline = static_cast<float>(y + f->ascent);
+  const float lineHeight = static_cast<float>(f->lineHeight);
+  for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p;) {
+    const std::uint32_t cp = fonts::nextCodePoint(p);
+    if (cp == '\n' || cp == '\r') continue;
+    const glyph* g = glyphOf(*f, a, cp);
+    if (g->w > 0) {
+      batchKey k = key2d(primitive::quads);
+      k.texture = a.texture;
+      k.glyphs = true;
+      if (clip) std::copy(clip, clip + 4, k.clip);
+      vertex* v = reserve(k, 4);
+      if (v == nullptr) return 0;
+      // Vertical text centres each character on the column's middle.
+      const float across = vertical ? 0.5f * static_cast<float>(f->size - g->advance) : 0.0f;
+      const float x0 = penX + across + static_cast<float>(g->left), y0 = baseline - static_cast<float>(g->top);
+      const float x1 = x0 + static_cast<float>(g->w), y1 = y0 + static_cast<float>(g->h);
+      const float s = 1.0f / static_cast<float>(atlasSide);
+      const float u0 = static_cast<float>(g->x) * s, v0 = static_cast<float>(g->y) * s;
+      const float u1 = static_cast<float>(g->x + g->w) * s, v1 = static_cast<float>(g->y + g->h) * s;
+      const float xs[4] = {x0, x1, x1, x0}, ys[4] = {y0, y0, y1, y1};
+      const float us[4] = {u0, u1, u1, u0}, vs[4] = {v0, v0, v1, v1};
+      for (int i = 0; i < 4; ++i) {
+        v[i] = vertex{};
+        v[i].x = xs[i];
+        v[i].y = ys[i];
+        v[i].u = us[i];
+        v[i].v = vs[i];
+        setColour(v[i], colour);
+      }
+    }
+    if (vertical)
+      baseline += lineHeight;
+    else
+      penX += static_cast<float>(g->advance);
+  }
+  return 0;
+}
+
+void stopFonts() {
+  fonts::fontGoing = dropAtlas;
+  fonts::stopFonts();
+  atlases.clear();
+}
+
+int textHeightOf(int font) {
+  const fonts::fontEntry* f = fonts::fontOf(font);
+  return f ? f->lineHeight : 0;
+}
+
+int textWidthOf(int font, const char* text) { return fonts::widthOf(font, text); }
+
+}  // namespace gl
+
+int drawText(int x, int y, const char* text, std::uint32_t colour, int font, std::uint32_t edgeColour, int vertical) {
+  if (text == nullptr) return -1;
+  if (edgeColour != 0) {
+    // An edge of one pixel: the text in the edge colour around the place.
+    for (int dy = -1; dy <= 1; ++dy)
+      for (int dx = -1; dx <= 1; ++dx)
+        if (dx != 0 || dy != 0) drawTextRun(x + dx, y + dy, text, edgeColour, font, nullptr, vertical != 0);
+  }
+  return drawTextRun(x, y, text, colour, font, nullptr, vertical != 0);
+}
+
+int drawTextFormat(int x, int y, std::uint32_t colour, int font, const char* format, ...) {
+  if (format == nullptr) return -1;
+  char buffer[2048];
+  va_list args;
+  va_start(args, format);
+  const int n = std::vsnprintf(buffer, sizeof buffer, format, args);
+  va_end(args);
+  if (n < 0) return -1;
+  return drawTextRun(x, y, buffer, colour, font, nullptr);
+}
+
+}  // namespace marv

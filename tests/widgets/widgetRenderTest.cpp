@@ -1,0 +1,240 @@
+// The screens' pieces drawn off-screen by the OpenGL backend: the fifteen
+// fonts at the smallest, usual and largest text heights, Japanese glyphs
+// that are real characters and not the empty box of a missing one, the
+// pressed tile of a held button, and a screenshot of the widgets in each
+// language written as PNG under the build folder for a person to look at.
+#include <gtest/gtest.h>
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+#pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include <stb/stb_image_write.h>
+#pragma GCC diagnostic pop
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/catalogue.h"
+#include "app/fontSet.h"
+#include "app/screenFrame.h"
+#include "layer/inputScript.h"
+#include "layer/layer.h"
+#include "widgets/textBox.h"
+
+namespace {
+
+using namespace marv;
+
+constexpr int width = 1080;
+constexpr int height = 560;
+
+// The back buffer's pixels in a rectangle, r g b a by row, through a pixel
+// image of the window's size.
+std::vector<std::uint8_t> grab(int pixels, int x1 = 0, int y1 = 0, int x2 = width, int y2 = height) {
+  captureToPixelImage(0, 0, width, height, pixels);
+  std::vector<std::uint8_t> out;
+  for (int y = y1; y < y2; ++y)
+    for (int x = x1; x < x2; ++x) {
+      int r = 0, g = 0, b = 0, a = 0;
+      readPixel(pixels, x, y, &r, &g, &b, &a);
+      out.insert(out.end(), {std::uint8_t(r), std::uint8_t(g), std::uint8_t(b), 255});
+    }
+  return out;
+}
+
+// Pixels of the rectangle darker than mid grey: the ink of black text on white.
+std::vector<bool> ink(int pixels, int x1, int y1, int x2, int y2) {
+  const std::vector<std::uint8_t> p = grab(pixels, x1, y1, x2, y2);
+  std::vector<bool> out(p.size() / 4);
+  for (std::size_t i = 0; i < out.size(); ++i) out[i] = p[4 * i] < 128;
+  return out;
+}
+
+int count(const std::vector<bool>& v) {
+  int n = 0;
+  for (bool b : v) n += b;
+  return n;
+}
+
+// The ink of a text drawn alone at the top left.
+std::vector<bool> glyphInk(int pixels, int font, const char* text) {
+  clearDrawTarget();
+  drawText(4, 4, text, colour(0, 0, 0), font, 0, 0);
+  return ink(pixels, 0, 0, 48, 48);
+}
+
+class widgetRender : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    setGraphicsMode(width, height, 32, 60);
+    ASSERT_EQ(startLayer(), 0);
+  }
+  static void TearDownTestSuite() { stopLayer(); }
+
+  void SetUp() override {
+    ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
+    setDrawTarget(backBuffer);
+    setBlend(0, 0);
+    setBackgroundColour(255, 255, 255, 255);
+    clearDrawTarget();
+    pixels = makePixelImage(width, height);
+  }
+  void TearDown() override { deletePixelImage(pixels); }
+
+  int pixels = -1;
+};
+
+TEST_F(widgetRender, everyFontDrawsAtTextHeightsOneTwentyAndNinetySixInBothLanguages) {
+  for (int japanese : {0, 1})
+    for (int h : {1, 20, 96}) {
+      appConfig cfg;
+      cfg.uiJapanese = japanese;
+      cfg.textHeight = h;
+      buildFonts(cfg);
+      const int fonts[] = {cfg.fontBody,   cfg.fontBold,  cfg.fontTiny,     cfg.fontCaption, cfg.fontHeading,
+                           cfg.fontTitle,  cfg.fixedBold, cfg.fixedCaption, cfg.fixedTiny,   cfg.fixedHeading,
+                           cfg.fixedTitle, cfg.fixedBody, cfg.fixedSmall,   cfg.logoFont,    cfg.logoPlusFont};
+      for (int f : fonts) {
+        EXPECT_GE(f, 0) << "h=" << h << " japanese=" << japanese;
+        clearDrawTarget();
+        const char* sample = japanese ? "A\xE6\x97\xA5" : "Ag";  // A日
+        EXPECT_EQ(drawText(2, 2, sample, colour(0, 0, 0), f, 0, 0), 0);
+        const int w = textWidthInFont(f, "%s", sample);
+        EXPECT_GT(w, 0) << "h=" << h;
+        if (h > 1) {
+          const int inked = count(ink(pixels, 0, 0, std::min(width, w + 8), std::min(height, 3 * h + 8)));
+          EXPECT_GT(inked, h / 4) << "font " << f << " at h=" << h << " japanese=" << japanese;
+        }
+      }
+      if (h == 96) {
+        EXPECT_GT(textWidthInFont(cfg.fontTitle, "Ag"), 2 * 96) << "a title at 96 is wide";
+      }
+      deleteFonts(cfg);
+    }
+}
+
+TEST_F(widgetRender, japaneseGlyphsAreRealCharactersNotTheBoxOfAMissingOne) {
+  appConfig cfg;
+  cfg.uiJapanese = 1;
+  cfg.textHeight = 32;
+  buildFonts(cfg);
+  const std::vector<bool> missing = glyphInk(pixels, cfg.fontBody, "\xF4\x8F\xBF\xBD");  // U+10FFFD, in no face
+  const char* characters[] = {"\xE6\x97\xA5", "\xE6\x9C\xAC", "\xE8\xAA\x9E", "\xE3\x81\x82",
+                              "\xE3\x82\xA2"};  // 日 本 語 あ ア
+  std::vector<std::vector<bool>> seen;
+  for (const char* c : characters) {
+    const std::vector<bool> g = glyphInk(pixels, cfg.fontBody, c);
+    EXPECT_GT(count(g), 20) << c << " has ink";
+    EXPECT_NE(g, missing) << c << " is drawn as the missing-character box";
+    for (const std::vector<bool>& other : seen) EXPECT_NE(g, other) << c << " looks like another character";
+    seen.push_back(g);
+  }
+  // The English face takes Japanese it lacks from the Japanese face too.
+  appConfig english;
+  english.textHeight = 32;
+  buildFonts(english);
+  EXPECT_NE(glyphInk(pixels, english.fixedBody, "\xE6\x97\xA5"),
+            glyphInk(pixels, english.fixedBody, "\xF4\x8F\xBF\xBD"));
+  deleteFonts(english);
+  deleteFonts(cfg);
+}
+
+TEST_F(widgetRender, aHeldButtonShowsThePressedTile) {
+  appConfig cfg;
+  computeLayout(cfg);
+  buildFonts(cfg);
+  setUpButtons(cfg);
+  const int x = 900, y = 440, cx = x + 32, cy = y + 32;
+  inputFrame hover, held;
+  hover.mouseX = held.mouseX = cx;
+  hover.mouseY = held.mouseY = cy;
+  held.buttons = mouseLeft;
+  setInputScript({hover, held}, false);
+  std::vector<std::array<int, 3>> looks;
+  while (inputScriptFramesLeft() > 0) {
+    processMessages();
+    clearDrawTarget();
+    runAppButton(cfg, buttonProceed, x, y, 0);
+    const std::vector<std::uint8_t> p = grab(pixels, cx + 10, cy - 20, cx + 11, cy - 19);  // on the tile, off the arrow
+    looks.push_back({p[0], p[1], p[2]});
+  }
+  EXPECT_GT(looks[0][2], 200) << "hovered: the sky-blue Proceed tile";
+  EXPECT_GT(looks[0][1], 150);
+  EXPECT_LT(looks[1][1], 120) << "held: the dark pressed tile";
+  EXPECT_LT(looks[1][0], 120);
+  freeButtonTiles(cfg);
+  deleteFonts(cfg);
+}
+
+// One screen of each language: backdrop, logo, texts of the start screen,
+// the proceed hint, a hovered Cancel and Proceed, and a message box with a
+// text input, "OK" and "Cancel".
+void drawSampleScreen(appConfig& cfg, textBox& box, const std::string& typed) {
+  const bool ja = cfg.uiJapanese != 0;
+  clearDrawTarget();
+  drawBackdrop(cfg, 0.03);
+  const int listLeft = cfg.marginLeft + 8 * cfg.textGap;
+  const int logoWidth = drawLogo(cfg, 0, 0, 0, 0, 2, nullptr);
+  drawLogo(cfg, width - listLeft - logoWidth, 8 * cfg.textGap, colour(0, 0, 0), cfg.greyColour, 0, nullptr);
+  int y = static_cast<int>(0.2 * height);
+  for (int n : {15, 16, 17, 18, 21, 22}) {
+    const bool bold = n == 15 || n == 17 || n == 21;
+    drawText(listLeft, y, catalogueText(n, ja).c_str(), colour(0, 0, 0), bold ? cfg.fontBold : cfg.fontBody, 0, 0);
+    y += cfg.textHeight + cfg.textGap;
+  }
+  drawText(listLeft, y, "C:/projects/cavity/", colour(255, 0, 0), cfg.fontBold, 0, 0);
+  drawText(cfg.marginLeft, height - cfg.textHeight - cfg.textGap, cfg.footerText.c_str(), cfg.greyColour,
+           cfg.fixedSmall, 0, 0);
+  runAppButton(cfg, buttonCancel, cfg.cancelX, cfg.cancelY, 0);
+  runAppButton(cfg, buttonProceed, cfg.proceedX, cfg.proceedY, 0);
+  drawProceedHint(cfg, cfg.proceedX + cfg.buttonSize, cfg.cancelY - cfg.textGap - 2 * cfg.textHeight, cfg.fontTiny,
+                  cfg.textHeight);
+  setTextInput(typed.c_str(), box.inputHandle);
+  showTextBox(box, catalogueText(47, ja).c_str(), 1, 0);
+}
+
+TEST_F(widgetRender, screenshotsOfTheWidgetsInBothLanguages) {
+  const std::filesystem::path folder = MARV_SCREENSHOT_DIR;
+  std::filesystem::create_directories(folder);
+  for (int ja : {0, 1}) {
+    appConfig cfg;
+    cfg.uiJapanese = ja;
+    computeLayout(cfg);
+    cfg.cancelX = static_cast<int>(cfg.startWidth - 2.8 * cfg.buttonSize);
+    cfg.cancelY = static_cast<int>(cfg.startHeight - 1.8 * cfg.buttonSize);
+    cfg.proceedX = cfg.cancelX + cfg.buttonSize + cfg.textGap;
+    cfg.proceedY = cfg.cancelY;
+    cfg.footerText = "Marvanesse+ " + cfg.version + " - open-source flow simulation";
+    buildFonts(cfg);
+    setUpButtons(cfg);
+    setTextInputFont(cfg.fixedInput);
+    textBox box = makeTextBox(cfg.textHeight, cfg.fontBody);
+    box.hasInput = 1;
+    box.frameKind = 2;
+    setTextBoxButtons(box, 5);
+    // The mouse rests on Proceed, so that its caption shows.
+    inputFrame rest;
+    rest.mouseX = cfg.proceedX + cfg.buttonSize / 2;
+    rest.mouseY = cfg.proceedY + cfg.buttonSize / 2;
+    setInputScript({rest}, false);
+    processMessages();
+    drawSampleScreen(cfg, box, ja ? "\xE5\x9C\xA7\xE5\x8A\x9B presw" : "presw");  // 圧力 presw
+
+    const std::vector<std::uint8_t> picture = grab(pixels);
+    const std::string path = (folder / (ja ? "widgets-japanese.png" : "widgets-english.png")).string();
+    ASSERT_NE(stbi_write_png(path.c_str(), width, height, 4, picture.data(), width * 4), 0) << path;
+    EXPECT_GT(std::filesystem::file_size(path), 10000u) << "a picture with content";
+    // The box's text stands in its body: ink between its padding lines.
+    const int inked = count(ink(pixels, box.boxX + box.padding, box.boxY + box.padding,
+                                box.boxX + box.boxWidth - box.padding, box.boxY + box.padding + box.fontSize));
+    EXPECT_GT(inked, 50) << "the message shows in " << (ja ? "Japanese" : "English");
+    destroyTextBox(box);
+    freeButtonTiles(cfg);
+    deleteFonts(cfg);
+  }
+}
+
+}  // namespace
