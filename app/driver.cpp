@@ -204,6 +204,7 @@ int runPass(const passStages& stages, driverState& state) {
   constructScene(scene, cfg, domain);
   scene.windowTitle = &state.windowTitle;
   inputState input;
+  input.scene = &scene;
   resetInputState(input);
 
   // Bitmap and solver cycle.

@@ -272,6 +272,7 @@ int setTextInputCursor(int position, int handle);                  // cursor pos
 int setTextInputClip(int x1, int y1, int x2, int y2, int handle);  // visible rectangle
 int drawTextInput(int x, int y, int handle, int showCursor);       // draws the field
 int textInputState(int handle);                                    // 0 editing, 1 Enter, 2 cancelled
+int textInputActive();                                             // 1 while a field takes the keyboard
 int getTextInput(char* buffer, int size, int handle);              // copies the text out
 int setTextInput(const char* text, int handle);                    // replaces the text
 int setTextInputColours(const int colours[17]);                    // -1 keeps a colour
