@@ -238,6 +238,7 @@ int runPass(const passStages& stages, driverState& state) {
   }
 
   controlPanel panel;
+  panel.scene = &scene;
   constructControlPanel(panel, cfg);
   writeBmpTxt(cfg);
   syncViz(cfg, 1);
