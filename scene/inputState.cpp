@@ -158,7 +158,11 @@ int shortcut(inputState& input, appConfig& cfg) {
     return 1;
   }
   if (held(input, keyEsc)) {
-    if (cfg.showHelpShortcutFlag == 0) cfg.quitPromptFlag = 1;
+    if (cfg.showHelpShortcutFlag == 0) {
+      // The prompt opens under this Esc, which must not cancel it at once.
+      if (cfg.quitPromptFlag == 0 && input.scene != nullptr) input.scene->promptBox.escArmed = 0;
+      cfg.quitPromptFlag = 1;
+    }
     return 1;
   }
   if (held(input, keyEnter)) {
