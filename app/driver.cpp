@@ -240,6 +240,7 @@ int runPass(const passStages& stages, driverState& state) {
   constructScene(scene, cfg, domain);
   scene.windowTitle = &state.windowTitle;
   inputState input;
+  input.scene = &scene;
   resetInputState(input);
   // The choices of the records come back from the tails of the record files.
   readProbeSetup(cfg);
@@ -281,6 +282,7 @@ int runPass(const passStages& stages, driverState& state) {
   }
 
   controlPanel panel;
+  panel.scene = &scene;
   constructControlPanel(panel, cfg);
   writeBmpTxt(cfg);
   syncViz(cfg, 1);

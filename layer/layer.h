@@ -100,6 +100,7 @@ enum keyCode : int {
   keyN = 49,
   keyM = 50,
   keyRightShift = 54,
+  keyLeftAlt = 56,
   keySpace = 57,
   keyPad7 = 71,
   keyPad8 = 72,
@@ -113,6 +114,7 @@ enum keyCode : int {
   keyPad0 = 82,
   keyPadEnter = 156,
   keyRightCtrl = 157,
+  keyRightAlt = 184,
   keyHome = 199,
   keyArrowUp = 200,
   keyPageUp = 201,
@@ -283,6 +285,7 @@ int setTextInputCursor(int position, int handle);                  // cursor pos
 int setTextInputClip(int x1, int y1, int x2, int y2, int handle);  // visible rectangle
 int drawTextInput(int x, int y, int handle, int showCursor);       // draws the field
 int textInputState(int handle);                                    // 0 editing, 1 Enter, 2 cancelled
+int textInputActive();                                             // 1 while a field takes the keyboard
 int getTextInput(char* buffer, int size, int handle);              // copies the text out
 int setTextInput(const char* text, int handle);                    // replaces the text
 int setTextInputColours(const int colours[17]);                    // -1 keeps a colour

@@ -231,6 +231,8 @@ int textInputState(int handle) {
   return f ? f->state : -1;
 }
 
+int textInputActive() { return activeField() != nullptr ? 1 : 0; }
+
 int getTextInput(char* buffer, int size, int handle) {
   if (buffer == nullptr || size <= 0) return -1;
   buffer[0] = '\0';

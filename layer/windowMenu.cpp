@@ -26,8 +26,6 @@ constexpr struct {
 } letterKeys[] = {{16, 'Q'}, {17, 'W'}, {18, 'E'}, {19, 'R'}, {20, 'T'}, {21, 'Y'}, {22, 'U'}, {23, 'I'}, {24, 'O'},
                   {25, 'P'}, {30, 'A'}, {31, 'S'}, {32, 'D'}, {33, 'F'}, {34, 'G'}, {35, 'H'}, {36, 'J'}, {37, 'K'},
                   {38, 'L'}, {44, 'Z'}, {45, 'X'}, {46, 'C'}, {47, 'V'}, {48, 'B'}, {49, 'N'}, {50, 'M'}};
-constexpr int leftAlt = 56;
-constexpr int rightAlt = 184;
 
 char letterOf(int code) {
   for (const auto& k : letterKeys)
@@ -82,7 +80,7 @@ bool takesButton(int bit, bool down) {
 bool takesKey(int code, bool down) {
   windowMenuState& s = state();
   if (!down) return false;
-  const bool alt = keyDown(leftAlt) || keyDown(rightAlt);
+  const bool alt = keyDown(keyLeftAlt) || keyDown(keyRightAlt);
   s.keyTaken = keyPressed(s.model, code, letterOf(code), alt);
   return s.keyTaken;
 }

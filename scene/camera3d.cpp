@@ -152,7 +152,7 @@ void cameraInput(sceneView& scene, appConfig& cfg) {
     scene.cameraTarget.y += static_cast<float>(dy);
     scene.cameraPivot = scene.cameraTarget;
   }
-  const int notches = scene.plainKeys == 1 ? mouseWheel(0) : 0;
+  const int notches = scene.plainKeys == 1 ? static_cast<int>(cfg.wheelDelta) : 0;  // the frame's input took the wheel
   if (notches != 0)
     scene.cameraDistance = std::max(1.0f, scene.cameraDistance - static_cast<float>(notches * scene.zoomStep));
   placeCamera(scene);

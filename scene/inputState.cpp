@@ -4,6 +4,7 @@
 #include "scene/inputState.h"
 
 #include "layer/layer.h"
+#include "scene/sceneView.h"
 
 namespace marv {
 
@@ -37,12 +38,131 @@ void trackRight(inputState& input, appConfig& cfg) {
   }
 }
 
-// The shortcuts that steer the run, in the order they are tested. Returns
-// -1 when the run ends, 1 when a row acted, 0 when none matched.
-int shortcut(const inputState& input, appConfig& cfg) {
+void toggle(int& flag) { flag = flag == 0 ? 1 : 0; }
+
+// The quantity keys, top row and keypad alike; -1 when none is held.
+int quantityKey(const inputState& input) {
+  static constexpr int top[10] = {key0, key1, key2, key3, key4, key5, key6, key7, key8, key9};
+  static constexpr int pad[10] = {keyPad0, keyPad1, keyPad2, keyPad3, keyPad4,
+                                  keyPad5, keyPad6, keyPad7, keyPad8, keyPad9};
+  for (int digit = 1; digit <= 10; ++digit) {
+    const int d = digit % 10;  // 1 .. 9, then 0: the order the rows are tested in
+    if (held(input, top[d]) || held(input, pad[d])) return d;
+  }
+  return -1;
+}
+
+// The quantity a digit selects, or 0 where the run has no such field.
+int quantityOfDigit(int digit, const appConfig& cfg) {
+  switch (digit) {
+    case 1: return cfg.cmode != 0 ? 1 : 0;
+    case 4: return cfg.nz == 1 ? 0 : 4;
+    case 6: return cfg.cmode == 0 ? 0 : 6;
+    case 9: return cfg.shiftDown ? 10 : 9;
+    default: return digit;
+  }
+}
+
+// The letters that toggle one flag, plain only: the flag, or null.
+int* plainToggle(const inputState& input, appConfig& cfg) {
+  struct row {
+    int key;
+    int appConfig::*flag;
+  };
+  static constexpr row rows[] = {
+      {keyG, &appConfig::showBoundaryFlagGreen}, {keyH, &appConfig::showHelpShortcutFlag},
+      {keyI, &appConfig::showIsoSurfacesFlag},   {keyK, &appConfig::showBoundaryFlagBlack},
+      {keyR, &appConfig::showBoundaryFlagRed},   {keyS, &appConfig::showBoundaryFlagSTL},
+      {keyT, &appConfig::showCameraTargetFlag},
+  };
+  for (const row& r : rows)
+    if (held(input, r.key)) return &(cfg.*(r.flag));
+  return nullptr;
+}
+
+// The first row of the key table whose key is held acts. Returns -1 when
+// the run ends, 1 when a row matched (acting or not), 0 when none did.
+// Rows marked plain match with Shift or Ctrl too, but then do nothing.
+int shortcut(inputState& input, appConfig& cfg) {
+  const bool plain = !cfg.shiftDown && !cfg.ctrlDown;
+  const int digit = quantityKey(input);
+  if (digit >= 0) {
+    cfg.dispQuantFlag = quantityOfDigit(digit, cfg);
+    return 1;
+  }
+  // Letters in the order of the table: A B C G H I K L O P Q R S T V W.
+  if (held(input, keyA)) {
+    if (plain) toggle(cfg.showOrientationAxesFlag);
+    return 1;
+  }
+  if (held(input, keyB)) {
+    toggle(cfg.shiftDown ? cfg.showGhostSolidFlag : cfg.showBoundaryFlagBlue);
+    return 1;
+  }
+  if (held(input, keyC)) {
+    toggle(cfg.shiftDown ? cfg.nonBcObjectColorFlag : cfg.showQColorOnBoundaryFlag);
+    return 1;
+  }
+  for (const int key : {keyG, keyH, keyI, keyK}) {
+    if (!held(input, key)) continue;
+    if (plain) toggle(*plainToggle(input, cfg));
+    return 1;
+  }
+  if (held(input, keyL)) {
+    cfg.showStreamlineFlag = (cfg.showStreamlineFlag == 0 ? 1 : 0) * (cfg.shiftDown ? 2 : 1);
+    return 1;
+  }
+  if (held(input, keyO)) {
+    if (plain) toggle(cfg.showOutlineFlag);
+    return 1;
+  }
+  if (held(input, keyP)) {
+    toggle(cfg.shiftDown ? cfg.showContourPaticlesFlag : cfg.showTracerParticleFlag);
+    return 1;
+  }
   if (held(input, keyQ)) return cfg.quitPromptFlag == 1 ? -1 : 1;
+  for (const int key : {keyR, keyS, keyT}) {
+    if (!held(input, key)) continue;
+    if (plain) toggle(*plainToggle(input, cfg));
+    return 1;
+  }
+  if (held(input, keyV)) {
+    if (cfg.shiftDown)
+      toggle(cfg.showCrosssectionVectorFlag);
+    else if (cfg.ctrlDown)
+      toggle(cfg.showCorrVectorFlag);
+    else
+      toggle(cfg.showVectorFlag);
+    return 1;
+  }
+  if (held(input, keyW)) {
+    if (plain) toggle(cfg.showBoundaryFlagUser);
+    return 1;
+  }
+  // Planes by pairs: X alone matches nothing, so the pair acts when its
+  // second key goes down.
+  const bool x = held(input, keyX), y = held(input, keyY), z = held(input, keyZ);
+  int* plane = nullptr;
+  if (x && y)
+    plane = &cfg.showCrosssectionXYFlag;
+  else if (y && z)
+    plane = &cfg.showCrosssectionYZFlag;
+  else if (x && z)
+    plane = &cfg.showCrosssectionXZFlag;
+  if (plane != nullptr) {
+    if (plain) toggle(*plane);
+    return 1;
+  }
+  if (held(input, keySpace)) {
+    if (plain && input.scene != nullptr) toggle(input.scene->resetCameraFlag);
+    return 1;
+  }
   if (held(input, keyEsc)) {
-    if (cfg.showHelpShortcutFlag == 0) cfg.quitPromptFlag = 1;
+    if (cfg.showHelpShortcutFlag == 0) {
+      // The prompt opens under this Esc, which must not cancel it at once.
+      if (cfg.quitPromptFlag == 0 && input.scene != nullptr) input.scene->promptBox.escArmed = 0;
+      cfg.quitPromptFlag = 1;
+    }
     return 1;
   }
   if (held(input, keyEnter)) {
@@ -63,7 +183,9 @@ int shortcut(const inputState& input, appConfig& cfg) {
 }  // namespace
 
 void resetInputState(inputState& input) {
+  sceneView* scene = input.scene;
   input = inputState{};
+  input.scene = scene;
   input.stampMs = nowMs();
 }
 
@@ -99,15 +221,20 @@ int handleFrameInput(inputState& input, appConfig& cfg) {
   }
   trackLeft(input, cfg);
   trackRight(input, cfg);
+  if (input.scene != nullptr) input.scene->plainKeys = cfg.plainKeys;
 
   if (cfg.quitPromptFlag == 1 && cfg.quitConfirmed == 1) return -1;
-  bool anyHeld = cfg.mouseLeft || cfg.mouseRight;
-  for (const std::uint8_t k : input.keyTable) anyHeld = anyHeld || k != 0;
-  if (!anyHeld) {
+  if (anyKeyDown(7) == 0) {
     input.keyLatch = 0;
     return 1;
   }
   if (input.keyLatch) return 1;
+  // A key still down from a prompt or a screen that has just ended, or one
+  // typed into a text field, is spent until it is released.
+  if (textInputActive() == 1 || nowMs() - cfg.lastKeyMs < cfg.keyDelayMs) {
+    input.keyLatch = 1;
+    return 1;
+  }
   const int acted = shortcut(input, cfg);
   if (acted == -1) return -1;
   if (acted == 1) input.keyLatch = 1;

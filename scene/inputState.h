@@ -10,6 +10,8 @@
 
 namespace marv {
 
+struct sceneView;
+
 // Input tracking across frames, owned by the driver, reset with the pass.
 struct inputState {
   int leftHeld = 0;                 // the left button was down in an earlier frame
@@ -21,13 +23,19 @@ struct inputState {
   int keyLatch = 0;                 // a shortcut acted and nothing was released since
   int stampMs = 0;                  // clock at the last reset [ms]
   std::uint8_t keyTable[256] = {};  // 1 while held, by key code
+  sceneView* scene = nullptr;       // the picture whose camera Space resets; not owned, may be null
 };
 
+// Clears the tracking; the scene pointer survives.
 void resetInputState(inputState& input);
 
 // The pointer, wheel and buttons into appConfig. Always 1.
 int readMouse(appConfig& cfg);
 
+// Reads the frame's input and carries out the keyboard shortcuts. Keys that
+// were already down within keyDelayMs of lastKeyMs (the key that closed a
+// prompt or a screen) and keys typed into an active text field act as
+// spent: they do nothing until released.
 int handleFrameInput(inputState& input, appConfig& cfg);
 
 }  // namespace marv

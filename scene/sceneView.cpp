@@ -1,6 +1,7 @@
 // The frame: the drawing order of every pass, for the preview of the bitmap
 // stage (mode -1), placement (mode 0) and the run (mode 1).
 #include "scene/sceneView.h"
+#include "scene/shortcutList.h"
 
 #include <algorithm>
 
@@ -154,6 +155,7 @@ void setUpScene(sceneView& scene, appConfig& cfg) {
   setTextBoxButtons(scene.promptBox, 5);
   scene.grad = makeGradOperator(cfg.dx, cfg.dy, cfg.dz);
   layOutCells(scene, cfg);
+  preRenderHelpList(scene, cfg);
   if (scene.is3d) {
     setZBuffer(1);
     setZWrite(1);

@@ -329,8 +329,11 @@ int showTextBox(textBox& box, const char* text, int nonBlocking, int restoreInpu
       result = 1;
       break;
     }
-    // Esc answers like the box's negative button, where it has one.
-    if (keyDown(keyEsc) && (box.buttonSet == 1 || box.buttonSet == 2 || box.buttonSet == 4)) {
+    // Esc answers like the box's negative button, where it has one, but
+    // not the Esc that opened the box: that one must go up first.
+    if (!keyDown(keyEsc)) box.escArmed = 1;
+    if (keyDown(keyEsc) && box.escArmed && (box.buttonSet == 1 || box.buttonSet == 2 || box.buttonSet == 4)) {
+      box.escArmed = 0;
       result = -1;
       break;
     }

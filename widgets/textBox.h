@@ -31,6 +31,7 @@ struct textBox {
   std::uint8_t hasInput = 0;                   // has a text input
   std::uint8_t entered = 0;                    // Enter finished the input
   std::uint8_t inputActive = 0;                // the input holds the keyboard
+  std::uint8_t escArmed = 1;                   // Esc was seen up: Esc may answer; 0 for the Esc that opened the box
   std::uint32_t frameColour = 0;               // look in this frame; 0 none
   std::uint32_t bodyColour = 0;                // text colour in this frame
   std::uint32_t backColour = 0;                // back of the box in this frame; 0 none

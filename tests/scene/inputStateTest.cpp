@@ -2,11 +2,15 @@
 // and drags, and the key latch that lets a shortcut act once per press.
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "project/vizFile.h"
 #include "scene/inputState.h"
+#include "scene/sceneView.h"
+#include "testSupport.h"
 
 namespace {
 
@@ -23,7 +27,10 @@ inputFrame at(int x, int y, int buttons = 0, std::vector<int> keys = {}) {
 
 class frameInput : public ::testing::Test {
  protected:
-  void SetUp() override { resetInputState(input); }
+  void SetUp() override {
+    resetInputState(input);
+    cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;  // no screen has just ended
+  }
   void TearDown() override { stopLayer(); }
   // Delivers the frame and runs handleFrameInput on it.
   int step(const inputFrame& f) {
@@ -115,6 +122,188 @@ TEST_F(frameInput, aShortcutActsOncePerPressAndQuitNeedsThePrompt) {
   EXPECT_EQ(step(at(5, 5)), 1) << "a confirmation without the prompt ends nothing";
   cfg.quitPromptFlag = 1;
   EXPECT_EQ(step(at(5, 5)), -1);
+}
+
+struct shortcutRow {
+  const char* what;
+  std::vector<int> keys;
+  int appConfig::*flag;
+  int before, after;
+  int cmode = 1, nz = 10;
+};
+
+// The name under which viz.txt keeps a flag; empty for the prompts and
+// the Analysis direction, which it does not keep.
+std::string vizKeyOf(int appConfig::*flag) {
+  struct named {
+    int appConfig::*flag;
+    const char* key;
+  };
+  static const named names[] = {
+      {&appConfig::dispQuantFlag, "dispQuantFlag"},
+      {&appConfig::showOrientationAxesFlag, "showOrientationAxesFlag"},
+      {&appConfig::showBoundaryFlagBlue, "showBoundaryFlagBlue"},
+      {&appConfig::showGhostSolidFlag, "showGhostSolidFlag"},
+      {&appConfig::showQColorOnBoundaryFlag, "showQColorOnBoundaryFlag"},
+      {&appConfig::nonBcObjectColorFlag, "nonBcObjectColorFlag"},
+      {&appConfig::showBoundaryFlagGreen, "showBoundaryFlagGreen"},
+      {&appConfig::showIsoSurfacesFlag, "showIsoSurfacesFlag"},
+      {&appConfig::showBoundaryFlagBlack, "showBoundaryFlagBlack"},
+      {&appConfig::showStreamlineFlag, "showStreamlineFlag"},
+      {&appConfig::showOutlineFlag, "showOutlineFlag"},
+      {&appConfig::showTracerParticleFlag, "showTracerParticleFlag"},
+      {&appConfig::showContourPaticlesFlag, "showContourPaticlesFlag"},
+      {&appConfig::showBoundaryFlagRed, "showBoundaryFlagRed"},
+      {&appConfig::showBoundaryFlagSTL, "showBoundaryFlagSTL"},
+      {&appConfig::showCameraTargetFlag, "showCameraTargetFlag"},
+      {&appConfig::showVectorFlag, "showVectorFlag"},
+      {&appConfig::showCrosssectionVectorFlag, "showCrosssectionVectorFlag"},
+      {&appConfig::showCorrVectorFlag, "showCorrVectorFlag"},
+      {&appConfig::showBoundaryFlagUser, "showBoundaryFlagUser"},
+      {&appConfig::showCrosssectionXYFlag, "showCrosssectionXYFlag"},
+      {&appConfig::showCrosssectionYZFlag, "showCrosssectionYZFlag"},
+      {&appConfig::showCrosssectionXZFlag, "showCrosssectionXZFlag"},
+      {&appConfig::showHelpShortcutFlag, "showHelpShortcutFlag"},
+  };
+  for (const named& n : names)
+    if (n.flag == flag) return n.key;
+  return "";
+}
+
+class shortcuts : public frameInput {
+ public:
+  int press(std::vector<int> keys) {
+    step(at(5, 5));
+    const int r = step(at(5, 5, 0, std::move(keys)));
+    step(at(5, 5));
+    return r;
+  }
+};
+
+TEST_F(shortcuts, eachRowChangesItsFlagAndTheFlagReachesVizTxt) {
+  const shortcutRow rows[] = {
+      {"1 thermo", {key1}, &appConfig::dispQuantFlag, 5, 1},
+      {"1 constant density", {keyPad1}, &appConfig::dispQuantFlag, 5, 0, 0},
+      {"2", {key2}, &appConfig::dispQuantFlag, 5, 2},
+      {"3 keypad", {keyPad3}, &appConfig::dispQuantFlag, 5, 3},
+      {"4 in 3D", {key4}, &appConfig::dispQuantFlag, 5, 4},
+      {"4 in 2D", {key4}, &appConfig::dispQuantFlag, 5, 0, 1, 1},
+      {"5", {key5}, &appConfig::dispQuantFlag, 2, 5},
+      {"6 thermo", {key6}, &appConfig::dispQuantFlag, 5, 6},
+      {"6 constant density", {key6}, &appConfig::dispQuantFlag, 5, 0, 0},
+      {"7", {keyPad7}, &appConfig::dispQuantFlag, 5, 7},
+      {"8", {key8}, &appConfig::dispQuantFlag, 5, 8},
+      {"9", {key9}, &appConfig::dispQuantFlag, 5, 9},
+      {"Shift 9", {keyLeftShift, key9}, &appConfig::dispQuantFlag, 5, 10},
+      {"Ctrl 2 counts too", {keyRightCtrl, key2}, &appConfig::dispQuantFlag, 5, 2},
+      {"0", {keyPad0}, &appConfig::dispQuantFlag, 5, 0},
+      {"A", {keyA}, &appConfig::showOrientationAxesFlag, 1, 0},
+      {"Shift A is spent", {keyLeftShift, keyA}, &appConfig::showOrientationAxesFlag, 1, 1},
+      {"B", {keyB}, &appConfig::showBoundaryFlagBlue, 0, 1},
+      {"Shift B", {keyRightShift, keyB}, &appConfig::showGhostSolidFlag, 0, 1},
+      {"Shift B leaves blue", {keyRightShift, keyB}, &appConfig::showBoundaryFlagBlue, 0, 0},
+      {"C", {keyC}, &appConfig::showQColorOnBoundaryFlag, 0, 1},
+      {"Shift C", {keyLeftShift, keyC}, &appConfig::nonBcObjectColorFlag, 1, 0},
+      {"G", {keyG}, &appConfig::showBoundaryFlagGreen, 0, 1},
+      {"H", {keyH}, &appConfig::showHelpShortcutFlag, 0, 1},
+      {"H closes", {keyH}, &appConfig::showHelpShortcutFlag, 1, 0},
+      {"I", {keyI}, &appConfig::showIsoSurfacesFlag, 0, 1},
+      {"K", {keyK}, &appConfig::showBoundaryFlagBlack, 0, 1},
+      {"Ctrl K is spent", {keyLeftCtrl, keyK}, &appConfig::showBoundaryFlagBlack, 0, 0},
+      {"L on", {keyL}, &appConfig::showStreamlineFlag, 0, 1},
+      {"L off", {keyL}, &appConfig::showStreamlineFlag, 2, 0},
+      {"Shift L on", {keyLeftShift, keyL}, &appConfig::showStreamlineFlag, 0, 2},
+      {"Shift L off", {keyLeftShift, keyL}, &appConfig::showStreamlineFlag, 1, 0},
+      {"O", {keyO}, &appConfig::showOutlineFlag, 1, 0},
+      {"P", {keyP}, &appConfig::showTracerParticleFlag, 0, 1},
+      {"Shift P", {keyLeftShift, keyP}, &appConfig::showContourPaticlesFlag, 0, 1},
+      {"R", {keyR}, &appConfig::showBoundaryFlagRed, 0, 1},
+      {"S", {keyS}, &appConfig::showBoundaryFlagSTL, 1, 0},
+      {"T", {keyT}, &appConfig::showCameraTargetFlag, 0, 1},
+      {"V", {keyV}, &appConfig::showVectorFlag, 0, 1},
+      {"Shift V", {keyLeftShift, keyV}, &appConfig::showCrosssectionVectorFlag, 1, 0},
+      {"Ctrl V", {keyLeftCtrl, keyV}, &appConfig::showCorrVectorFlag, 0, 1},
+      {"Shift Ctrl V is not Ctrl V", {keyLeftShift, keyLeftCtrl, keyV}, &appConfig::showCorrVectorFlag, 0, 0},
+      {"Shift Ctrl V is Shift V", {keyLeftShift, keyLeftCtrl, keyV}, &appConfig::showCrosssectionVectorFlag, 0, 1},
+      {"W", {keyW}, &appConfig::showBoundaryFlagUser, 1, 0},
+      {"X Y", {keyX, keyY}, &appConfig::showCrosssectionXYFlag, 1, 0},
+      {"Y Z", {keyY, keyZ}, &appConfig::showCrosssectionYZFlag, 0, 1},
+      {"Z X", {keyZ, keyX}, &appConfig::showCrosssectionXZFlag, 0, 1},
+      {"X Y Z is XY", {keyX, keyY, keyZ}, &appConfig::showCrosssectionXYFlag, 0, 1},
+      {"X Y Z leaves YZ", {keyX, keyY, keyZ}, &appConfig::showCrosssectionYZFlag, 0, 0},
+      {"X alone", {keyX}, &appConfig::showCrosssectionXZFlag, 0, 0},
+      {"Esc", {keyEsc}, &appConfig::quitPromptFlag, 0, 1},
+      {"Enter", {keyEnter}, &appConfig::quitPromptFlag, 1, 0},
+      {"right", {keyRight}, &appConfig::analysisDirection, 0, 1},
+      {"left", {keyLeft}, &appConfig::analysisDirection, 1, -1},
+  };
+  const auto folder = marvtest::scratchFolder("shortcuts");
+  marvtest::inFolder inside(folder);
+  std::filesystem::create_directories("input");
+  for (const shortcutRow& row : rows) {
+    SCOPED_TRACE(row.what);
+    cfg = appConfig{};
+    cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
+    cfg.cmode = row.cmode;
+    cfg.nz = row.nz;
+    cfg.*row.flag = row.before;
+    resetInputState(input);
+    EXPECT_EQ(press(row.keys), 1);
+    EXPECT_EQ(cfg.*row.flag, row.after);
+
+    // The display flags go to viz.txt under their own names at the next save.
+    const std::string key = vizKeyOf(row.flag);
+    if (key.empty()) continue;
+    syncViz(cfg, 1);
+    const std::string line = formatVizLine(lookupVizKey(key).index, row.after) + "\n";
+    EXPECT_NE(marvtest::readText("input/viz.txt").find(line), std::string::npos) << line;
+  }
+}
+
+TEST_F(shortcuts, onlyARowThatActedSpendsThePressAndAKeyLeftFromAPromptIsSpent) {
+  step(at(5, 5, 0, {key2}));
+  step(at(5, 5, 0, {key2, key3}));
+  EXPECT_EQ(cfg.dispQuantFlag, 2) << "3 under a held 2: nothing was released";
+  step(at(5, 5));
+  step(at(5, 5, 0, {keyF}));
+  step(at(5, 5, 0, {keyF, key3}));
+  EXPECT_EQ(cfg.dispQuantFlag, 3) << "F is no shortcut and set no latch";
+
+  // The Esc that cancelled a prompt is still down when the run resumes.
+  step(at(5, 5));
+  cfg.lastKeyMs = nowMs();
+  step(at(5, 5, 0, {keyEsc}));
+  cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
+  step(at(5, 5, 0, {keyEsc}));
+  EXPECT_EQ(cfg.quitPromptFlag, 0) << "spent until released";
+  press({keyEsc});
+  EXPECT_EQ(cfg.quitPromptFlag, 1);
+
+  // Typing into a field is no shortcut.
+  const int field = makeTextInput(40, 1, 0, 0, 0, 0);
+  activateTextInput(field);
+  cfg.showVectorFlag = 0;
+  inputFrame typing = at(5, 5, 0, {keyV});
+  typing.typed = "v";
+  step(at(5, 5));
+  step(typing);
+  EXPECT_EQ(cfg.showVectorFlag, 0);
+  deleteTextInput(field);
+}
+
+TEST_F(shortcuts, spaceAsksTheSceneForTheDefaultViewAndTheWheelZoomsOnlyWithPlainKeys) {
+  sceneView scene;
+  input.scene = &scene;
+  resetInputState(input);
+  ASSERT_EQ(input.scene, &scene) << "the pass keeps its scene across the reset";
+  press({keySpace});
+  EXPECT_EQ(scene.resetCameraFlag, 1);
+  press({keyLeftShift, keySpace});
+  EXPECT_EQ(scene.resetCameraFlag, 1) << "plain only";
+  step(at(5, 5, 0, {keyLeftCtrl}));
+  EXPECT_EQ(scene.plainKeys, 0);
+  step(at(5, 5));
+  EXPECT_EQ(scene.plainKeys, 1);
 }
 
 }  // namespace

@@ -1,0 +1,304 @@
+// The control panel through the headless backend and the input script: the
+// corner that opens it, every button against its flag, the quantity group,
+// the scale-limit prompts, the quick snapshot, the Analysis arrows, and the
+// save of viz.txt when the pointer leaves.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "layer/inputScript.h"
+#include "layer/layer.h"
+#include "scene/inputState.h"
+#include "scene/sceneView.h"
+#include "testSupport.h"
+#include "widgets/controlPanel.h"
+
+namespace {
+
+using namespace marv;
+
+inputFrame at(int x, int y, int buttons = 0) {
+  inputFrame f;
+  f.mouseX = x;
+  f.mouseY = y;
+  f.buttons = buttons;
+  return f;
+}
+
+class panelRun : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    setGraphicsMode(1280, 720, 32, 60);
+    cfg.screenWidth = 1280;
+    cfg.screenHeight = 720;
+    cfg.mediumSize = 10;
+    cfg.textHeight = 20;
+    cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
+    resetInputState(input);
+    panel.scene = &scene;
+    constructControlPanel(panel, cfg);
+    panel.slideMs = 1;  // the tests need the panel where it comes to rest
+  }
+  void TearDown() override {
+    destroyControlPanel(panel);
+    stopLayer();
+  }
+
+  // The driver's order for one frame: input, then the panel.
+  void frame(const inputFrame& f) {
+    setInputScript({f}, false);
+    processMessages();
+    handleFrameInput(input, cfg);
+    runControlPanel(panel, cfg);
+  }
+  void open() {
+    for (int i = 0; i < 50 && (cfg.panelBusy == 0 || panel.slideY != 0); ++i) {
+      frame(at(5, 5));
+      waitMs(2);
+    }
+    ASSERT_EQ(cfg.panelBusy, 1);
+    ASSERT_EQ(panel.slideY, 0);
+  }
+  // The centre of button i of the panel at rest.
+  int centreX(int i) const {
+    return cfg.mediumSize + panelButtonAt(i).column * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
+  }
+  int centreY(int i) const {
+    return cfg.mediumSize + (panelButtonAt(i).row - 1) * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
+  }
+  void click(int x, int y) {
+    frame(at(x, y));
+    frame(at(x, y, mouseLeft));
+    frame(at(x, y));
+  }
+  void clickButton(int i) { click(centreX(i), centreY(i)); }
+  int indexOf(const std::string& label) const {
+    for (int i = 0; i < panelButtonCount; ++i)
+      if (label == panelButtonAt(i).label) return i;
+    ADD_FAILURE() << "no button " << label;
+    return 0;
+  }
+
+  appConfig cfg;
+  inputState input;
+  sceneView scene;
+  controlPanel panel;
+};
+
+TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesIt) {
+  frame(at(400, 400));
+  EXPECT_EQ(cfg.panelBusy, 0);
+  frame(at(cfg.buttonSize + 1, 1));
+  EXPECT_EQ(cfg.panelBusy, 0) << "just beside the corner";
+  frame(at(cfg.buttonSize, cfg.buttonSize));
+  EXPECT_EQ(cfg.panelBusy, 1);
+  EXPECT_LE(panel.slideY, 0);
+  open();
+  EXPECT_EQ(panel.panelWidth, 16 * (10 + 64) + 10);
+  EXPECT_EQ(panel.panelHeight, 3 * (10 + 64) + 10);
+  frame(at(panel.panelWidth, panel.panelHeight));
+  EXPECT_EQ(cfg.panelBusy, 1) << "the far corner is still on the panel";
+  frame(at(panel.panelWidth + 1, 100));
+  EXPECT_EQ(cfg.panelBusy, 0);
+}
+
+TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQuantity) {
+  struct flagButton {
+    const char* label;
+    int appConfig::*whole;
+    std::uint8_t appConfig::*byte;
+  };
+  const flagButton buttons[] = {
+      {"Velocity vector", &appConfig::showVectorFlag, nullptr},
+      {"Uncorrelated velocity vector", &appConfig::showCorrVectorFlag, nullptr},
+      {"Stream line", &appConfig::showStreamlineFlag, nullptr},
+      {"Tracer particle", &appConfig::showTracerParticleFlag, nullptr},
+      {"Particle contour", &appConfig::showContourPaticlesFlag, nullptr},
+      {"XY plane", &appConfig::showCrosssectionXYFlag, nullptr},
+      {"YZ plane", &appConfig::showCrosssectionYZFlag, nullptr},
+      {"XZ plane", &appConfig::showCrosssectionXZFlag, nullptr},
+      {"Color object", &appConfig::nonBcObjectColorFlag, nullptr},
+      {"Color boundary", &appConfig::showQColorOnBoundaryFlag, nullptr},
+      {"STL BC", &appConfig::showBoundaryFlagSTL, nullptr},
+      {"Non-preset BC", &appConfig::showBoundaryFlagUser, nullptr},
+      {"Black BC", &appConfig::showBoundaryFlagBlack, nullptr},
+      {"Orientation axes", &appConfig::showOrientationAxesFlag, nullptr},
+      {"Outline", &appConfig::showOutlineFlag, nullptr},
+      {"Camera target", &appConfig::showCameraTargetFlag, nullptr},
+      {"Poly-frames", nullptr, &appConfig::polygonFrames},
+      {"Immersed BC", &appConfig::showGhostSolidFlag, nullptr},
+      {"Scaling incl. solid region", &appConfig::minMaxFlag, nullptr},
+      {"Shortcut key list", &appConfig::showHelpShortcutFlag, nullptr},
+      {"Pause simulation", &appConfig::quitPromptFlag, nullptr},
+      {"Blue BC", &appConfig::showBoundaryFlagBlue, nullptr},
+      {"Red BC", &appConfig::showBoundaryFlagRed, nullptr},
+      {"Green BC", &appConfig::showBoundaryFlagGreen, nullptr},
+      {"Force", nullptr, &appConfig::showForce},
+      {"Heat loss", nullptr, &appConfig::showHeatLoss},
+      {"Yellow BC", &appConfig::showBoundaryFlagMagenta, nullptr},
+      {"Cyan BC", &appConfig::showBoundaryFlagCyan, nullptr},
+  };
+  open();
+  for (const flagButton& b : buttons) {
+    SCOPED_TRACE(b.label);
+    const auto value = [&] { return b.whole ? cfg.*b.whole : cfg.*b.byte; };
+    const int before = value();
+    clickButton(indexOf(b.label));
+    EXPECT_EQ(value(), before == 0 ? 1 : 0);
+    clickButton(indexOf(b.label));
+    EXPECT_EQ(value(), before == 0 ? 0 : 1);
+    EXPECT_EQ(cfg.panelBusy, 1);
+  }
+
+  // Shift + L's streamlines from mesh points show as on, and go to 1.
+  cfg.showStreamlineFlag = 2;
+  frame(at(5, 5));
+  EXPECT_EQ(cfg.showStreamlineFlag, 1);
+
+  // The quantities: another button selects, the selected one stays, the
+  // age variable only in a run that has it.
+  const std::pair<const char*, int> quantities[] = {
+      {"Density", 1}, {"U", 2}, {"V", 3}, {"W", 4}, {"|U|", 5}, {"Temperature", 6}, {"Mass fraction", 7}, {"p-p0", 8}};
+  for (const auto& [label, value] : quantities) {
+    clickButton(indexOf(label));
+    EXPECT_EQ(cfg.dispQuantFlag, value) << label;
+  }
+  clickButton(indexOf("p-p0"));
+  EXPECT_EQ(cfg.dispQuantFlag, 8) << "a click on the selected quantity keeps it";
+  EXPECT_EQ(panel.buttons[indexOf("p-p0")].state, 1);
+  clickButton(indexOf("Age variable"));
+  EXPECT_EQ(cfg.dispQuantFlag, 8) << "no age variable in this run";
+  EXPECT_EQ(panel.buttons[indexOf("Age variable")].state, 0);
+  cfg.ageFlag = 1;
+  clickButton(indexOf("Age variable"));
+  EXPECT_EQ(cfg.dispQuantFlag, 11);
+  for (const auto& [label, value] : quantities) EXPECT_EQ(panel.buttons[indexOf(label)].state, 0) << label;
+}
+
+TEST_F(panelRun, lightingTurnsTheEdgesTheOtherWayResetAndSnapshotAreOneShots) {
+  open();
+  cfg.useLightingFlag = 0;
+  cfg.polygonFrames = 1;
+  clickButton(indexOf("Lighting"));
+  EXPECT_EQ(cfg.useLightingFlag, 1);
+  EXPECT_EQ(cfg.polygonFrames, 0);
+  clickButton(indexOf("Poly-frames"));
+  EXPECT_EQ(cfg.polygonFrames, 1) << "and the edges can then be changed by themselves";
+  EXPECT_EQ(cfg.useLightingFlag, 1);
+  clickButton(indexOf("Lighting"));
+  EXPECT_EQ(cfg.useLightingFlag, 0);
+  EXPECT_EQ(cfg.polygonFrames, 1);
+
+  clickButton(indexOf("Reset camera"));
+  EXPECT_EQ(scene.resetCameraFlag, 1);
+  EXPECT_EQ(panel.buttons[indexOf("Reset camera")].state, 1) << "in the frame of the click";
+  scene.resetCameraFlag = 0;  // the frame acts on it
+  frame(at(centreX(indexOf("Reset camera")), centreY(indexOf("Reset camera"))));
+  EXPECT_EQ(panel.buttons[indexOf("Reset camera")].state, 0) << "never stays on";
+
+  cfg.manualMinFlag = cfg.manualMaxFlag = 1;
+  clickButton(indexOf("Auto scale"));
+  EXPECT_EQ(cfg.manualMinFlag, 0);
+  EXPECT_EQ(cfg.manualMaxFlag, 0);
+
+  clickButton(indexOf("Snapshot"));
+  EXPECT_EQ(cfg.snapshotRequested, 1);
+}
+
+TEST_F(panelRun, theQuickSnapshotBesideTheClosedCornerAsksForOnePicture) {
+  const int x = panel.triggerWidth + 2 * cfg.textGap + cfg.buttonSize / 2, y = cfg.textGap + cfg.buttonSize / 2;
+  click(x, y);
+  EXPECT_EQ(cfg.snapshotRequested, 1);
+  EXPECT_EQ(cfg.panelBusy, 0) << "the button lies beside the corner that opens the panel";
+  cfg.snapshotRequested = 0;  // the driver saves and clears
+  frame(at(x, y));
+  EXPECT_EQ(cfg.snapshotRequested, 0);
+}
+
+TEST_F(panelRun, scaleLimitPromptsKeepOnlyTheNumberAndCancelLeavesTheLimitOff) {
+  EXPECT_DOUBLE_EQ(scaleLimitOf("1.5x"), 1.5);
+  EXPECT_DOUBLE_EQ(scaleLimitOf("abc"), 0.0);
+  EXPECT_DOUBLE_EQ(scaleLimitOf(""), 0.0);
+  EXPECT_DOUBLE_EQ(scaleLimitOf(" -2.5e-3 K"), -2.5e-3);
+
+  struct answer {
+    const char* label;
+    const char* typed;
+    int key;
+    int flag;
+    double value;
+  };
+  const answer answers[] = {
+      {"Min scale", "1.5x", keyEnter, 1, 1.5},
+      {"Max scale", "abc", keyEnter, 1, 0.0},
+      {"Min scale", "", keyEnter, 1, 0.0},
+      {"Max scale", "7", keyEsc, 0, -1.0},
+  };
+  open();
+  for (const answer& a : answers) {
+    SCOPED_TRACE(std::string(a.label) + " " + a.typed);
+    const bool isMin = std::string(a.label) == "Min scale";
+    cfg.manualMinFlag = cfg.manualMaxFlag = 0;
+    cfg.manualMinValue = cfg.manualMaxValue = -1.0;
+    const int i = indexOf(a.label);
+    const int x = centreX(i), y = centreY(i);
+    // The click's release opens the prompt, which then plays the frames
+    // after it in its own loop.
+    inputFrame typed = at(x, y);
+    typed.typed = a.typed;
+    inputFrame ended = at(x, y);
+    // Enter is seen by the field as it goes down; Esc only while held.
+    if (a.key == keyEnter)
+      ended.keysTapped = {a.key};
+    else
+      ended.keysHeld = {a.key};
+    inputFrame giveUp = at(x, y);  // ends a prompt that missed its answer, so that a fault fails and never hangs
+    giveUp.keysHeld = {keyEsc};
+    setInputScript({at(x, y), at(x, y, mouseLeft), at(x, y), typed, ended, at(x, y), giveUp}, false);
+    for (int f = 0; f < 3; ++f) {
+      processMessages();
+      handleFrameInput(input, cfg);
+      runControlPanel(panel, cfg);
+    }
+    EXPECT_EQ(isMin ? cfg.manualMinFlag : cfg.manualMaxFlag, a.flag);
+    EXPECT_DOUBLE_EQ(isMin ? cfg.manualMinValue : cfg.manualMaxValue, a.value);
+    frame(at(x, y));
+    EXPECT_EQ(panel.buttons[i].state, a.flag) << "a cancelled prompt takes the button out";
+    // The key that closed the prompt is no shortcut afterwards.
+    frame(at(x, y));
+    EXPECT_EQ(cfg.quitPromptFlag, 0);
+  }
+}
+
+TEST_F(panelRun, leavingThePanelSavesVizTxtOnceTheRunHasStepped) {
+  const auto folder = marvtest::scratchFolder("panel");
+  marvtest::inFolder inside(folder);
+  std::filesystem::create_directories("input");
+  cfg.ts = 0;
+  open();
+  clickButton(indexOf("Velocity vector"));
+  frame(at(600, 600));
+  EXPECT_FALSE(std::filesystem::exists("input/viz.txt")) << "no save at step 0";
+  cfg.ts = 1;
+  open();
+  frame(at(600, 600));
+  ASSERT_TRUE(std::filesystem::exists("input/viz.txt"));
+  EXPECT_NE(marvtest::readText("input/viz.txt").find("showVectorFlag"), std::string::npos);
+}
+
+TEST_F(panelRun, analysisArrowsStepBackAndForth) {
+  cfg.analysisMode = 1;
+  const int y = (cfg.screenHeight - 192) / 2 + 96;
+  click(2 * cfg.textGap + 32, y);
+  EXPECT_EQ(cfg.analysisDirection, -1);
+  click(cfg.screenWidth - 64 - 2 * cfg.textGap + 32, y);
+  EXPECT_EQ(cfg.analysisDirection, 1);
+  cfg.analysisMode = 0;
+  cfg.analysisDirection = 0;
+  click(2 * cfg.textGap + 32, y);
+  EXPECT_EQ(cfg.analysisDirection, 0) << "no arrows outside Analysis mode";
+}
+
+}  // namespace
