@@ -101,18 +101,7 @@ void readForceSetup(appConfig& cfg) {
   cfg.forceHeaderDone = 0;
   cfg.forceFileRefused = 0;
   if (cfg.numRecForce == 0 || cfg.showForce == 0) return;
-  std::vector<std::string> words;
-  if (readRecordTail(cfg, forceFilePath, forceLayout(cfg), words, cfg.forceFileRefused) != 1) {
-    cfg.numRecForce = 0;
-    return;
-  }
-  cfg.numRecForce = 0;
-  for (int c = firstRecorded; c <= lastRecorded; ++c) {
-    double value = 0.0;
-    const bool on = !words.empty() && recordNumber(words[1 + c], value) && std::trunc(value) != 0.0;
-    cfg.forceRecordOn[c] = on ? 1 : 0;
-    cfg.numRecForce += on ? 1 : 0;
-  }
+  readColourFlags(cfg, forceFilePath, forceLayout(cfg), cfg.forceRecordOn, cfg.numRecForce, cfg.forceFileRefused);
 }
 
 bool writeForce(appConfig& cfg) {

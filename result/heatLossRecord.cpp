@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "common/gradOperator.h"
 #include "domain/bcDomain.h"
 #include "domain/gridSampling.h"
-#include "common/gradOperator.h"
 
 namespace marv {
 
@@ -142,18 +142,8 @@ void readHeatLossSetup(appConfig& cfg) {
   cfg.heatHeaderDone = 0;
   cfg.heatFileRefused = 0;
   if (cfg.numRecHeatLoss == 0 || cfg.showHeatLoss == 0) return;
-  std::vector<std::string> words;
-  if (readRecordTail(cfg, heatLossFilePath, heatLossLayout(cfg), words, cfg.heatFileRefused) != 1) {
-    cfg.numRecHeatLoss = 0;
-    return;
-  }
-  cfg.numRecHeatLoss = 0;
-  for (int c = firstRecorded; c <= lastRecorded; ++c) {
-    double value = 0.0;
-    const bool on = !words.empty() && recordNumber(words[1 + c], value) && std::trunc(value) != 0.0;
-    cfg.heatRecordOn[c] = on ? 1 : 0;
-    cfg.numRecHeatLoss += on ? 1 : 0;
-  }
+  readColourFlags(cfg, heatLossFilePath, heatLossLayout(cfg), cfg.heatRecordOn, cfg.numRecHeatLoss,
+                  cfg.heatFileRefused);
 }
 
 bool writeHeatLoss(appConfig& cfg) {

@@ -214,4 +214,19 @@ void finishRecordLine(std::FILE* file, const std::string& text) {
   std::fclose(file);
 }
 
+void readColourFlags(appConfig& cfg, const std::string& path, const recordLayout& layout,
+                     std::array<std::uint8_t, numColourTypes>& on, int& count, std::uint8_t& refused) {
+  std::vector<std::string> words;
+  const int read = readRecordTail(cfg, path, layout, words, refused);
+  count = 0;
+  if (read != 1) return;
+  // Colour 0, the free fluid, is never recorded; colours 1 to 8 follow ts.
+  for (int c = 1; c < numColourTypes; ++c) {
+    double value = 0.0;
+    const bool flag = !words.empty() && recordNumber(words[1 + c], value) && std::trunc(value) != 0.0;
+    on[c] = flag ? 1 : 0;
+    count += flag ? 1 : 0;
+  }
+}
+
 }  // namespace marv

@@ -6,6 +6,7 @@
 // records of its restart step end.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -56,6 +57,13 @@ int readRecordTail(appConfig& cfg, const std::string& path, const recordLayout& 
 // never truncated nor written: a message is shown and refused set.
 std::FILE* openRecordForLine(appConfig& cfg, const std::string& path, const recordLayout& layout,
                              const std::string& headLine, int& headerDone, std::uint8_t& refused);
+
+// The colours a pass records again, from the flag columns (after ts and
+// time) of the last line of force.txt or heatLoss.txt: on[c] for colours 1
+// to 8, count how many are on; count 0 when the file is missing, holds no
+// data line or is refused.
+void readColourFlags(appConfig& cfg, const std::string& path, const recordLayout& layout,
+                     std::array<std::uint8_t, numColourTypes>& on, int& count, std::uint8_t& refused);
 
 // Writes text with one call and closes the file.
 void finishRecordLine(std::FILE* file, const std::string& text);
