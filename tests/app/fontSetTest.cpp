@@ -1,6 +1,5 @@
-// The fonts of the screens without a screen: sizes at the smallest, the
-// usual and the largest text heights, one handle per font, old fonts deleted
-// on a rebuild, and the language face with and without Japanese faces.
+// The fonts of the screens without a screen: old fonts deleted on a
+// rebuild, and the language face with and without Japanese faces.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,37 +30,6 @@ std::set<int> allHandles(const appConfig& c) {
   return all;
 }
 
-TEST(buildFonts, sizesFollowTheTextHeightTruncatedAtOneTwentyAndNinetySix) {
-  // 2.5 h, 1.625 h, 0.75 h, 1.2 h, 2.7 h, 0.85 h, 0.7 h, each cut to a whole pixel.
-  const sizes expected[] = {
-      {1, 2, 1, 0, 1, 2, 0, 0}, {20, 50, 32, 15, 24, 54, 17, 14}, {96, 240, 156, 72, 115, 259, 81, 67}};
-  for (const sizes& e : expected) {
-    appConfig cfg;
-    cfg.textHeight = e.h;
-    buildFonts(cfg);
-    EXPECT_EQ(cfg.logoSize, e.logo) << "h=" << e.h;
-    EXPECT_EQ(cfg.logoPlusSize, e.logoPlus) << "h=" << e.h;
-    EXPECT_EQ(cfg.smallSize, e.small) << "h=" << e.h;
-    EXPECT_EQ(cfg.mediumSize, e.medium) << "h=" << e.h;
-    EXPECT_EQ(cfg.titleSize, e.title) << "h=" << e.h;
-    EXPECT_EQ(cfg.captionSize, e.caption) << "h=" << e.h;
-    EXPECT_EQ(cfg.tinySize, e.tiny) << "h=" << e.h;
-    EXPECT_EQ(cfg.fontThickness, 4);
-    const std::set<int> all = allHandles(cfg);
-    EXPECT_EQ(all.size(), 15u) << "fifteen distinct fonts at h=" << e.h;
-    EXPECT_GE(*all.begin(), 0) << "every font is made at h=" << e.h;
-    EXPECT_EQ(cfg.fixedInput, cfg.fixedHeading);
-    if (e.h == 1) {
-      // Size 0 of a truncated fraction falls to the default size, h.
-      EXPECT_EQ(textWidthInFont(cfg.fontTiny, "ab"), textWidthInFont(cfg.fontBody, "ab"));
-    } else {
-      EXPECT_LT(textWidthInFont(cfg.fontTiny, "ab"), textWidthInFont(cfg.fontBody, "ab")) << "h=" << e.h;
-      EXPECT_LT(textWidthInFont(cfg.fontBody, "ab"), textWidthInFont(cfg.fontTitle, "ab")) << "h=" << e.h;
-    }
-    deleteFonts(cfg);
-  }
-}
-
 TEST(buildFonts, rebuildsReplaceTheFontsWithoutPilingThemUpAndDeleteFontsForgetsThem) {
   appConfig cfg;
   buildFonts(cfg);
@@ -78,18 +46,6 @@ TEST(buildFonts, rebuildsReplaceTheFontsWithoutPilingThemUpAndDeleteFontsForgets
   EXPECT_NEAR(titleAt30, 1.5 * titleAt20, 0.1 * titleAt20) << "the title grows with the text height";
   deleteFonts(cfg);
   for (int h : {cfg.fontBody, cfg.fixedHeading, cfg.fixedInput, cfg.logoPlusFont}) EXPECT_EQ(h, -1);
-}
-
-TEST(buildFonts, theProductWordKeepsTheWidthOfItsOriginalFace) {
-  // "Marvanesse" in a Times-metric bold face is 5110 thousandths of an em:
-  // about 255 pixels at the 50-pixel logo size of text height 20. A face
-  // of other metrics (DejaVu Serif Bold) would be over 300.
-  appConfig cfg;
-  buildFonts(cfg);
-  const int width = textWidthInFont(cfg.logoFont, "Marvanesse");
-  EXPECT_GE(width, 245);
-  EXPECT_LE(width, 266);
-  deleteFonts(cfg);
 }
 
 TEST(buildFonts, japaneseScreensTakeTheFirstInstalledJapaneseFaceOrLeaveTheLanguageFontsUnmade) {

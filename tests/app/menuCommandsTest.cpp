@@ -1,7 +1,6 @@
 // Menu commands as the driver sees them: the request flags and the chosen
-// path after a dialog, the working directory put back, the captions in both
-// languages, and the help pages found and opened, or a message when they
-// cannot be.
+// path after a dialog, the working directory put back, and the help pages
+// shipped in both languages.
 #include "app/menuCommands.h"
 
 #include <gtest/gtest.h>
@@ -126,22 +125,6 @@ TEST_F(menuCommandsTest, withoutAStartDirectoryAnExistingProjectIsRefused) {
   EXPECT_EQ(state.chosenFilePath, "/data/cavity/input/param.txt");
 }
 
-TEST_F(menuCommandsTest, captionsFollowTheMenuLanguageAndComeBackInEnglish) {
-  marv::setWindowMenu(101);
-  marv::localiseMenu(1, 0);
-  const marv::menu::menuModel& m = marv::menu::windowMenu();
-  EXPECT_EQ(m.bar[0].caption, "ファイル (&F)");
-  EXPECT_EQ(m.bar[1].caption, "ヘルプ (&H)");
-  EXPECT_EQ(m.lists[0].items[1].caption, "既存プロジェクトをロード (&L)");
-  EXPECT_EQ(marv::menu::findItem(m, 40010)->caption, "分析モードでロード (&A)");
-  EXPECT_EQ(marv::menu::findItem(m, 40015)->caption, "更新情報 (&U)");
-  // The Japanese captions keep the access letters of the English ones.
-  marv::localiseMenu(0, 0);
-  EXPECT_EQ(m.bar[0].caption, "File (&F)");
-  EXPECT_EQ(marv::menu::findItem(m, 40016)->caption, "Examples (&E)");
-  EXPECT_EQ(marv::menu::findItem(m, 40006)->caption, "Create New Project (&N)");
-}
-
 TEST_F(menuCommandsTest, thePagesOfBothLanguagesShipWithTheProgram) {
   const int commands[] = {40013, 40014, 40016, 40015};
   const char* english[] = {"param_en.html", "display_en.html", "examples_top_en.html", "updates_en.html"};
@@ -160,25 +143,6 @@ TEST_F(menuCommandsTest, thePagesOfBothLanguagesShipWithTheProgram) {
   const std::string params = marvtest::readText(marv::programDataPath("help/param_en.html"));
   for (const char* word : {"cfl", "deltat", "peps", "presw", "1e-9", "omega", "1.95"})
     EXPECT_NE(params.find(word), std::string::npos) << word;
-}
-
-TEST_F(menuCommandsTest, aPageThatCannotBeOpenedIsToldAndTheProgramGoesOn) {
-  std::string failure;
-  EXPECT_EQ(marv::openHelpPage(40013, false, "true", failure), 0);
-  EXPECT_EQ(failure, "");
-  EXPECT_EQ(marv::openHelpPage(40014, true, "false", failure), -1);
-  EXPECT_NE(failure.find("display.html"), std::string::npos) << "the message names the page: " << failure;
-  EXPECT_EQ(marv::openHelpPage(40016, false, "/nonexistent/opener", failure), -1);
-  EXPECT_NE(failure.find("examples_top_en.html"), std::string::npos) << failure;
-  EXPECT_EQ(marv::openHelpPage(40006, false, "true", failure), -1);
-
-  // Through the hook: the failure becomes a message, the state is untouched.
-  hook.pageOpener = "/nonexistent/opener";
-  marv::windowHook(40015, &hook);
-  ASSERT_EQ(messages.size(), 1u);
-  EXPECT_NE(messages[0].find("updates_en.html"), std::string::npos);
-  EXPECT_EQ(state.newProjectRequest, 0);
-  EXPECT_EQ(state.chosenFilePath, "");
 }
 
 }  // namespace

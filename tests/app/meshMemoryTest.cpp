@@ -58,15 +58,6 @@ TEST(MeshMemory, TheEstimateCoversWhatTheDomainAndTheSolverAllocate) {
   }
 }
 
-TEST(MeshMemory, ShortfallTextNamesBothSizes) {
-  constexpr std::uint64_t gib = 1ull << 30;
-  EXPECT_EQ(marv::memoryShortfall(3 * gib, 0), "") << "unknown memory: no refusal";
-  EXPECT_EQ(marv::memoryShortfall(2 * gib, 2 * gib), "");
-  const std::string text = marv::memoryShortfall(5 * gib + gib / 2, 2 * gib);
-  EXPECT_NE(text.find("needs about 5.5 GiB, this machine has 2.0 GiB"), std::string::npos) << text;
-  EXPECT_GT(marv::availableMemoryBytes(), 0u) << "/proc/meminfo is readable here";
-}
-
 TEST(MeshMemory, TheBatchRunnerRefusesAMeshBeyondTheMachine) {
   // 46000 x 46000 nodes stay below the 32-bit index limit but need hundreds
   // of GiB.

@@ -1,6 +1,6 @@
 // The colour list of the bitmap stage: counting, the purge threshold and its
 // strict test, the removed-colour list across passes, a full list, slices and
-// their conversion, the saved choices; then whole bitmaps read at the mesh
+// their conversion; then whole bitmaps read at the mesh
 // through the headless layer, including files that are not pictures.
 #include <gtest/gtest.h>
 
@@ -130,26 +130,6 @@ TEST(bitmapColours, slicesConvertCodesToListIndices) {
   EXPECT_EQ(inBitmap(cfg, 9, 4, planeXY), 0) << "removed pink is not in the slice";
   EXPECT_EQ(inBitmap(cfg, 8, 3, planeXY), 0) << "slice 3 was never loaded: only index 0";
   EXPECT_EQ(inBitmap(cfg, 0, 3, planeXY), 1);
-}
-
-TEST(bitmapColours, savedChoicesFollowTheColourCodeLastRowWinning) {
-  appConfig cfg = freshList();
-  cfg.ColorsCodes[8] = olive;
-  cfg.iNumBcColor = 9;
-  cfg.savedColorsCodes[3] = olive;
-  cfg.savedStretchPlane[3] = 1;
-  cfg.savedColorsCodes[20] = olive;
-  cfg.savedStretchPlane[20] = 2;
-  cfg.savedSymmetricPlane[20] = 0;
-  cfg.savedInverseFlag[20] = 0;
-  cfg.savedColorsCodes[5] = black;
-  cfg.savedStretchPlane[5] = 77;  // damaged file: clamped into the options
-  applySavedChoices(cfg);
-  EXPECT_EQ(cfg.StretchPlane[8], 2);
-  EXPECT_EQ(cfg.SymmetricPlane[8], 0);
-  EXPECT_EQ(cfg.InverseFlag[8], 0);
-  EXPECT_EQ(cfg.StretchPlane[1], 3);
-  EXPECT_EQ(cfg.StretchPlane[2], 3) << "a colour without a saved row keeps the default";
 }
 
 // ---------------------------------------------------------------- bitmaps read at the mesh

@@ -1,6 +1,6 @@
 // From slices to the boundary: the stretch rules on small synthetic views
 // (a pyramid along each axis, prisms and their intersection), mirror before
-// invert, corner softening and the mask filter, image points on a sphere, and
+// invert, the mask filter, image points on a sphere, and
 // the cavity example built from its bitmap and stepped.
 #include <gtest/gtest.h>
 
@@ -127,32 +127,6 @@ TEST(prepareFromInputs, mirrorsEveryColourBeforeInvertingAny) {
   p.cfg.stageInterrupted = 1;
   prepareFromInputs(p.domain, p.cfg);
   EXPECT_EQ(p.domain.bcFlag(1, 4, 0), 0);
-}
-
-TEST(softenCorners, convexCornersShrinkConcaveOnesGrowAndFacesKeepTheirValue) {
-  const body cube = [](int i, int j, int k) { return i >= 2 && i <= 6 && j >= 2 && j <= 6 && k >= 2 && k <= 6; };
-  auto run = [&](float factor, int stretch, int loops) {
-    auto v = std::make_unique<viewCase>(9, 9, 9, cube);
-    v->cfg.bcFactor = factor;
-    v->cfg.mLoopMax = loops;
-    v->cfg.StretchPlane[8] = stretch;
-    stretchColors(v->cfg, v->domain);  // the label is the silhouettes' intersection: the cube
-    maskWork scratch{ownedArray3d<std::uint8_t>(9, 9, 9), ownedArray3d<float>(9, 9, 9)};
-    makeTypeMasks(v->cfg, v->domain, scratch);
-    softenCorners(v->cfg, v->domain, scratch);
-    return v;
-  };
-  auto soft = run(0.5f, 2, 2);  // one pass, arms of one node
-  const array3d<float>& m = soft->domain.typeMasks[8];
-  EXPECT_LT(m(2, 2, 2), 1.0f) << "a cube corner sees two wall arms in every plane";
-  EXPECT_GT(m(4, 4, 4), 1.0f) << "the middle sees four";
-  EXPECT_EQ(m(3, 3, 0), 0.0f) << "outside stays 0";
-  EXPECT_EQ(soft->domain.typeMasks[1](4, 4, 4), 0.0f) << "other types are untouched";
-
-  for (auto& same : {run(1.0f, 2, 7), run(0.5f, 3, 7), run(0.5f, 2, 1)})
-    for (int n = 0; n < 729; ++n)
-      ASSERT_EQ(same->domain.typeMasks[8][n], cube(n % 9, n / 9 % 9, n / 81) ? 1.0f : 0.0f)
-          << "bcFactor 1, stretch OFF on entry 8, or mLoopMax 1 change nothing, at n=" << n;
 }
 
 TEST(filterMask, keepsConstantsSpreadsSymmetricallyAndWeightZeroIsIdentity) {

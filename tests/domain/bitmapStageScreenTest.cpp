@@ -1,7 +1,6 @@
 // The bitmap colour stage on screen, frame by frame through the headless
 // backend: choices made on the list reach the colour tables and bmp.txt, a
-// marked colour is removed, Esc cancels, a press into the picture asks for
-// the preview and the stage comes back to the same bitmap.
+// marked colour is removed, Esc cancels.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -129,30 +128,6 @@ TEST_F(bitmapStage, EscCancelsAndACaseWithoutBitmapsPassesStraightThrough) {
   fs::remove("input/bcXY0.bmp");
   EXPECT_EQ(runBitmapStage(cfg), 1) << "no frame is shown";
   EXPECT_EQ(cfg.iNumBcColor, 8);
-}
-
-TEST_F(bitmapStage, APressIntoThePictureAsksForThePreviewAndComesBackToTheSameBitmap) {
-  makeCase(3);
-  const int px = cfg.bitmapScreenWidth / 3, py = cfg.bitmapScreenHeight / 3;
-  ASSERT_EQ(run({marvtest::pointer(px, py), marvtest::pointer(px, py, true)}), 0);
-  EXPECT_EQ(cfg.stageInterrupted, 1);
-  EXPECT_EQ(cfg.stagePlane, 0);
-  EXPECT_EQ(cfg.stageSlice, 0);
-  const int redPoints = cfg.colorPoints[3];
-  ASSERT_GT(redPoints, 0);
-
-  std::vector<inputFrame> frames = clickOption(3, selectStretch, 0);
-  marvtest::append(frames, clickProceed());
-  ASSERT_EQ(run(frames), 1);
-  EXPECT_EQ(cfg.stageInterrupted, 0);
-  EXPECT_EQ(cfg.colorPoints[3], redPoints) << "the same bitmap, not counted twice";
-  EXPECT_EQ(cfg.StretchPlane[3], 0);
-
-  // A two-dimensional case has no preview: the press does nothing.
-  makeCase(1);
-  frames = {marvtest::pointer(px, py), marvtest::pointer(px, py, true), marvtest::pointer(px, py)};
-  marvtest::append(frames, marvtest::press(keyEsc));
-  EXPECT_EQ(run(frames), -1);
 }
 
 }  // namespace

@@ -73,20 +73,5 @@ TEST(GridSampling, PointsOutsideTheGridReadZeroAndLessThanACellBelowExtrapolates
   EXPECT_NEAR(sampleFieldPlane(cfg, -0.1, 0.5, f), linear(-0.1, 0.5, 0.0), 1e-12);
 }
 
-TEST(GridSampling, OnGridTakesItsSpacingFromTheCoordinateArrays) {
-  const double xs[4] = {10.0, 10.5, 11.0, 11.5}, ys[3] = {-1.0, 0.0, 1.0}, zs[1] = {0.0};
-  ownedArray3d<double> f(4, 3, 1);
-  for (int j = 0; j < 3; ++j)
-    for (int i = 0; i < 4; ++i) f(i, j, 0) = linear(xs[i], ys[j], 0.0);
-  EXPECT_NEAR(sampleFieldOnGrid(10.7, 0.3, 0.0, f, xs, ys, zs, 4, 3, 1), linear(10.7, 0.3, 0.0), 1e-12);
-  EXPECT_NEAR(sampleFieldOnGrid(11.5, 1.0, 0.0, f, xs, ys, zs, 4, 3, 1), f(3, 2, 0), 1e-12);
-  EXPECT_EQ(sampleFieldOnGrid(12.1, 0.3, 0.0, f, xs, ys, zs, 4, 3, 1), 0.0);
-  // An axis with one node, or with no spread, samples its first node at any point.
-  EXPECT_NEAR(sampleFieldOnGrid(10.7, 0.3, 55.0, f, xs, ys, zs, 4, 3, 1), linear(10.7, 0.3, 0.0), 1e-12);
-  const double flat[3] = {2.0, 2.0, 2.0};
-  EXPECT_NEAR(sampleFieldOnGrid(10.5, -7.0, 0.0, f, xs, flat, zs, 4, 3, 1), f(1, 0, 0), 1e-12);
-  EXPECT_EQ(sampleFieldOnGrid(10.5, 0.0, 0.0, f, xs, ys, zs, 0, 3, 1), 0.0);
-}
-
 }  // namespace
 }  // namespace marv

@@ -72,21 +72,6 @@ TEST(NodeLists, WallCellsRunByTypeThenKJIAndHonourPresenceNoFlowAndTypeNine) {
   EXPECT_EQ(c.domain.solidMask(1, 2, 0), 5) << "an inlet colour with all velocities zero is solid";
 }
 
-TEST(NodeLists, FaceWallCellsCountACornerOncePerFaceInZYXOrder) {
-  listCase c(3, 3, 3);
-  c.set(0, 0, 0, 1);  // corner: three faces
-  c.set(1, 0, 2, 1);  // edge: two faces (y low, z high)
-  c.set(1, 1, 1, 1);  // centre: no face
-  const cellList faces = makeFaceWallCells(c.domain.bcFlag, c.cfg);
-  // z planes (j, i; k = 0 then nz-1), y planes (k, i), x planes (k, j).
-  const std::vector<ijk> expected{{0, 0, 0}, {1, 0, 2}, {0, 0, 0}, {1, 0, 2}, {0, 0, 0}};
-  EXPECT_EQ(indicesOf(faces), expected) << show(indicesOf(faces));
-  // Two dimensions: no z planes, so the corner counts twice.
-  listCase flat(3, 3, 1);
-  flat.set(0, 0, 0, 1);
-  EXPECT_EQ(makeFaceWallCells(flat.domain.bcFlag, flat.cfg).size(), 2u);
-}
-
 TEST(NodeLists, EdgePairsPairEveryFaceNodeWithItsInnerNeighbour) {
   for (int nx : {1, 2, 3, 7})
     for (int ny : {1, 2, 3, 16})

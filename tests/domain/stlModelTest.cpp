@@ -111,13 +111,6 @@ bcSurface triangleModel() {
   return s;
 }
 
-void expectSameVertices(const bcSurface& a, const bcSurface& b, float tolerance) {
-  for (int v = 0; v < 3; ++v)
-    for (int k = 0; k < 3; ++k)
-      EXPECT_NEAR(a.triangles[0].vertex[v][k], b.triangles[0].vertex[v][k], tolerance)
-          << "vertex " << v << " axis " << k;
-}
-
 TEST(ModelPlacement, ElementaryOperations) {
   bcSurface m = triangleModel();
   translateModel(m, 1, 2, 3);
@@ -135,45 +128,6 @@ TEST(ModelPlacement, ElementaryOperations) {
   EXPECT_NEAR(turned.triangles[0].vertex[1][0], -2.0f, 1e-5);
   EXPECT_NEAR(turned.triangles[0].vertex[1][1], 4.0f, 1e-5);
   EXPECT_EQ(turned.triangles[0].vertex[1][2], -3.0f) << "each rotation also mirrors z";
-}
-
-TEST(ModelPlacement, ButtonsTurnCentreAndRescale) {
-  bcDomain domain;
-  appConfig cfg;
-  cfg.stlPresent = 1;
-  cfg.lx = 10, cfg.ly = 8, cfg.lz = 6;
-  domain.surfaces[7] = triangleModel();
-  const bcSurface start = domain.surfaces[7];
-  for (int press = 0; press < 4; ++press) turnModelX(domain, cfg);
-  expectSameVertices(domain.surfaces[7], start, 1e-3f);  // float sines of 45 degrees
-  EXPECT_EQ(cfg.xRotSTL, 0.0) << "four quarter turns";
-  turnModelX(domain, cfg);
-  computeModelCentre(domain.surfaces[7]);
-  EXPECT_NEAR(domain.surfaces[7].centre[1], 10.0f / 3.0f, 1e-5) << "a turn keeps the centre";
-  EXPECT_EQ(cfg.xRotSTL, 90.0);
-
-  domain.surfaces[7] = triangleModel();
-  centreModel(domain, cfg);
-  computeModelCentre(domain.surfaces[7]);
-  EXPECT_NEAR(domain.surfaces[7].centre[0], 5.0f, 1e-5);
-  EXPECT_NEAR(domain.surfaces[7].centre[1], 4.0f, 1e-5);
-  EXPECT_NEAR(domain.surfaces[7].centre[2], 3.0f, 1e-5);
-  EXPECT_NEAR(cfg.zoffstSTL, -(3.0 - 11.0 / 3.0), 1e-5);
-
-  const bcSurface before = domain.surfaces[7];
-  const double offset = cfg.xoffstSTL;
-  cfg.unitSelector.selected = 2;  // mm
-  rescaleModel(domain, cfg);
-  EXPECT_EQ(cfg.unitSTL, 2);
-  EXPECT_NEAR(cfg.xoffstSTL, offset * 0.001, 1e-12);
-  cfg.unitSelector.selected = 0;
-  rescaleModel(domain, cfg);
-  expectSameVertices(domain.surfaces[7], before, 1e-3f);
-  EXPECT_NEAR(cfg.xoffstSTL, offset, 1e-9);
-
-  cfg.stlPresent = 0;
-  turnModelZ(domain, cfg);
-  EXPECT_EQ(cfg.zRotSTL, 0.0) << "no model, no action";
 }
 
 TEST(ModelPlacement, LoadOrderMirrorsScalesTurnsThenMoves) {

@@ -121,15 +121,6 @@ TEST(StlScan, ModelHeightsAreMirroredIntoTheSolversHeights) {
   EXPECT_GT(shell, 0);
 }
 
-TEST(StlScan, ModelOutsideTheDomainMarksNothing) {
-  appConfig cfg;
-  bcDomain domain;
-  bcSurface far = sphereModel(5.0, 5.0, 5.0, 0.5, 8, 16);
-  far.triangles.push_back(bcTriangle{});  // a surplus record of an ASCII file: all zero, no normal
-  scanInto(cfg, domain, 9, std::move(far));
-  for (int n = 0; n < domain.bcFlag.count(); ++n) ASSERT_EQ(domain.bcFlag[n], 0) << "at n=" << n;
-}
-
 // Node indices of points this far away saturate; the scan box around them
 // and every index sum must stay defined (the sanitizer build checks it).
 TEST(StlScan, VerticesFarOutsideAndAHugeScanWidthMarkNothing) {

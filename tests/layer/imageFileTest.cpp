@@ -1,5 +1,4 @@
-// Picture files of the drawing layer: the program's pictures decode with the
-// sizes that their users cut them by, and malformed, truncated, oversized or
+// Picture files of the drawing layer: malformed, truncated, oversized or
 // binary input is refused without a crash (the sanitizer build runs these
 // too). The headless backend's loadImage goes through the same decoder.
 #include <gtest/gtest.h>
@@ -38,24 +37,6 @@ std::vector<std::uint8_t> bmpHeader(std::int32_t width, std::int32_t height) {
   b[26] = 1;
   b[28] = 24;
   return b;
-}
-
-TEST(pictureFiles, programPicturesHaveTheSizesTheirUsersCut) {
-  struct expected {
-    int id, width, height;
-  };
-  for (const expected& e : {expected{777, 640, 128}, expected{555, 640, 640}, expected{550, 192, 192},
-                            expected{888, 640, 64}, expected{444, 64, 64}}) {
-    const std::string path = resourcePicturePath(e.id);
-    ASSERT_FALSE(path.empty()) << "picture " << e.id;
-    rgbaImage picture;
-    ASSERT_TRUE(loadImageFile(path, picture)) << path;
-    EXPECT_EQ(picture.width, e.width) << "picture " << e.id;
-    EXPECT_EQ(picture.height, e.height) << "picture " << e.id;
-    EXPECT_EQ(picture.pixels.size(), static_cast<std::size_t>(e.width) * e.height * 4);
-  }
-  EXPECT_TRUE(resourcePicturePath(12).empty());
-  EXPECT_TRUE(resourcePicturePath(-1).empty());
 }
 
 TEST(pictureFiles, truncatedPicturesAreRefusedAtEveryLength) {

@@ -1,5 +1,5 @@
 // The window's menu bar: how it opens, moves, chooses and closes, by pointer
-// and by key, and that greyed items are refused.
+// and by key.
 #include "layer/menuBar.h"
 
 #include <gtest/gtest.h>
@@ -54,34 +54,6 @@ class menuBarTest : public ::testing::Test {
   }
 };
 
-TEST_F(menuBarTest, geometryStacksItemsBelowTheirHeadAndSubmenusBesideTheirItem) {
-  const rect file = headRect(m, 0), help = headRect(m, 1);
-  EXPECT_EQ(file.y1, 0);
-  EXPECT_EQ(file.y2, m.barHeight);
-  EXPECT_LE(file.x2, help.x1) << "bar items must not overlap";
-  clickHead(0);
-  const rect list = openListRect(m);
-  EXPECT_EQ(list.x1, file.x1);
-  EXPECT_EQ(list.y1, m.barHeight);
-  int previousBottom = list.y1;
-  for (int i = 0; i < static_cast<int>(m.lists[0].items.size()); ++i) {
-    const rect r = itemRect(m, 0, i, list.x1, list.y1);
-    EXPECT_GE(r.y1, previousBottom) << "item " << i;
-    EXPECT_LE(r.y2, list.y2) << "item " << i;
-    EXPECT_GE(r.x1, list.x1);
-    EXPECT_LE(r.x2, list.x2);
-    previousBottom = r.y2;
-  }
-  // The submenu opens by hover, to the right of its head item.
-  const rect head = itemRect(m, 0, 1, list.x1, list.y1);
-  pointerMoved(m, centre(head).x, centre(head).y);
-  const rect sub = openSubRect(m);
-  ASSERT_GT(sub.x2, sub.x1);
-  EXPECT_GE(sub.x1, list.x2 - 4);
-  EXPECT_LE(sub.y1, head.y1);
-  EXPECT_GE(sub.y2, head.y2);
-}
-
 TEST_F(menuBarTest, clickOpensHoverMovesAndAClickChooses) {
   EXPECT_FALSE(isOpen(m));
   clickHead(0);
@@ -116,31 +88,6 @@ TEST_F(menuBarTest, pressOnTheBarDragAndReleaseOnAnItemChooses) {
   EXPECT_TRUE(leftButton(m, analysis.x, analysis.y, false));
   EXPECT_EQ(taken(), std::vector<int>{commandOpenAnalysis});
   EXPECT_FALSE(isOpen(m));
-}
-
-TEST_F(menuBarTest, greyedItemsAreRefusedByPointerAndKey) {
-  for (int id : {commandNewProject, commandOpenSimulation, commandOpenAnalysis})
-    ASSERT_TRUE(setItemEnabled(m, id, false));
-  EXPECT_FALSE(setItemEnabled(m, 12345, false)) << "no such item";
-  clickHead(0);
-  click(itemCentre(commandNewProject));
-  EXPECT_TRUE(isOpen(m)) << "a greyed item keeps the menu open";
-  // Its access letter and Enter on it do nothing either.
-  keyPressed(m, 0, 'N', false);
-  EXPECT_TRUE(isOpen(m));
-  m.hotItem = 0;
-  keyPressed(m, marv::keyEnter, 0, false);
-  EXPECT_TRUE(isOpen(m));
-  // In the submenu too.
-  const rect list = openListRect(m);
-  const point load = centre(itemRect(m, 0, 1, list.x1, list.y1));
-  pointerMoved(m, load.x, load.y);
-  click(itemCentre(commandOpenSimulation));
-  keyPressed(m, 0, 'A', false);
-  EXPECT_TRUE(taken().empty());
-  // Exit stays available.
-  keyPressed(m, 0, 'X', false);
-  EXPECT_EQ(taken(), std::vector<int>{commandExit});
 }
 
 TEST_F(menuBarTest, escClosesOneLevelAndAClickOutsideClosesWithoutPassingOn) {

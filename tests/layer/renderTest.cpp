@@ -231,17 +231,6 @@ TEST_F(offscreenRender, textDrawsPixelsAndEmptyTextHasNoWidth) {
   EXPECT_EQ(drawText(5, 90, "\xe6\x96", colour(255, 255, 255), -1, 0, 0), 0) << "a cut character";
 }
 
-TEST_F(offscreenRender, fontExistsTellsTheMapping) {
-  EXPECT_NE(fontExists("Consolas", -1), 0);
-  EXPECT_NE(fontExists("Times New Roman Bold", -1), 0);
-  EXPECT_NE(fontExists("Meiryo UI", -1), 0) << "needs fonts-ipafont-gothic";
-  EXPECT_EQ(fontExists("No Such Face", -1), 0);
-  EXPECT_EQ(fontExists(nullptr, -1), 0);
-  const int jp = makeFont("Meiryo", 20, 4, 18, -1, 0, 0, 0);
-  EXPECT_GT(textWidthInFont(jp, "\xE6\x96\xB0\xE8\xA6\x8F"), 20) << "Japanese text has width";
-  deleteFont(jp);
-}
-
 TEST_F(offscreenRender, handlesNeverMadeOrFailedDoNothing) {
   EXPECT_EQ(deleteImage(-1), 0);
   EXPECT_EQ(deleteImage(0), 0);

@@ -72,20 +72,6 @@ TEST(ApplyParameters, TwoDimensionalAdaptiveCase) {
   // which lies below the viscous one, 0.125 (1/32)^2 / 0.01 = 0.0122.
   EXPECT_DOUBLE_EQ(c.deltat, 0.00390625);
   EXPECT_EQ(c.fixedDeltat, 0);
-  // Screen: 512 / 65 = 7 pixels per cell.
-  EXPECT_EQ(c.pixPerCell, 7);
-  EXPECT_DOUBLE_EQ(c.pixPerMetre, 224.0);
-  EXPECT_EQ(c.domPixX, 448);
-  EXPECT_EQ(c.domPixY, 224);
-  EXPECT_EQ(c.marginTop, 30) << "two-dimensional cases triple the top margin";
-  EXPECT_EQ(c.screenWidth, 448 + 10 + 10);
-  EXPECT_EQ(c.screenHeight, 30 + c.marginBottom + 224 + c.bottomStrip);
-  // y grows upward on screen.
-  EXPECT_FLOAT_EQ(c.pixelY[0], 224.0f + 30.0f + 0.5f);
-  EXPECT_FLOAT_EQ(c.pixelY[32], 30.0f + 0.5f);
-  EXPECT_FLOAT_EQ(c.pixelX[64], 448.0f + 10.0f + 0.5f);
-  EXPECT_EQ(c.bitmapXY.size(), 65u * 33u * 10u);
-  EXPECT_EQ(c.bitmapYZ.size(), 33u * 10u);
   // Colour tables: a dashed component is free and the colour is no wall.
   EXPECT_EQ(c.bcV[2], dashValue);
   EXPECT_EQ(c.bcFixU[2], 1.0);

@@ -253,24 +253,6 @@ TEST_F(editorCase, ScrollStopsAtTheEndAndEndShowsTheLastRow) {
   EXPECT_LE(rowY + h(), screen.scrollY + screen.listHeight) << "the selected row is in view";
 }
 
-TEST_F(editorCase, AHeldDownArrowMovesOneRowThenPausesBeforeItRuns) {
-  std::string text;
-  for (int i = 0; i < 30; ++i) text += std::to_string(i + 1) + ":nx " + std::to_string(i) + "\n";
-  writeParams(text);
-  // Held for a few frames, far less than 400 ms: one row only.
-  std::vector<inputFrame> frames(5, marvtest::holding(keyArrowDown));
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
-  EXPECT_EQ(screen.selected, 2) << "from the second row, one step";
-
-  // Two separate presses are two steps.
-  frames = marvtest::press(keyArrowDown);
-  marvtest::append(frames, marvtest::press(keyArrowDown));
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
-  EXPECT_EQ(screen.selected, 3);
-}
-
 TEST_F(editorCase, MissingFileGivesMessage45) {
   EXPECT_EQ(runEditorScreen(screen, editor, cfg), -1);
   EXPECT_EQ(lastMessage, screenText(cfg, 45));

@@ -59,23 +59,23 @@ TEST(ParameterFile, KeepsOrderTextLinesUnknownAndRepeatedNames) {
   EXPECT_STREQ(e[5].description.c_str(), marv::parameterDescription(17));
 }
 
-TEST(ParameterFile, FiltersValuesToNumberCharacters) {
-  const readResult r = readFromText("1:peps 1.5e-3abc\n2:nx 3,5\n3:ny\n4:uinb -\n5:cmode\t1//c\n");
-  ASSERT_EQ(r.count, 5);
-  EXPECT_EQ(r.editor.entries[0].value, "1.5e-3");
-  EXPECT_EQ(r.editor.entries[1].value, "35");
-  EXPECT_EQ(r.editor.entries[2].value, "");
-  EXPECT_EQ(r.editor.entries[3].value, "-");
-  EXPECT_EQ(r.editor.entries[4].value, "1");
-  EXPECT_EQ(r.editor.entries[4].isChoice, 1);
-  EXPECT_EQ(r.editor.entries[4].choiceCount, 2);
-}
-
-TEST(ParameterFile, NameNeedsAColon) {
-  const readResult r = readFromText("12latts 500\n");
-  ASSERT_EQ(r.count, 1);
-  EXPECT_EQ(r.editor.entries[0].name, "");
-  EXPECT_EQ(r.editor.entries[0].index, marv::unknownParameter);
+// Values keep only number characters, a name needs a colon, and the end
+// mark written by the program does not end reading.
+TEST(ParameterFile, LineRules) {
+  const readResult r =
+      readFromText("1:peps 1.5e-3abc\n2:nx 3,5\n3:ny\n4:uinb -\n5:cmode\t1//c\n12latts 500\n#End of file\n6:ny 6\n");
+  ASSERT_EQ(r.count, 7);
+  const auto& e = r.editor.entries;
+  EXPECT_EQ(e[0].value, "1.5e-3");
+  EXPECT_EQ(e[1].value, "35");
+  EXPECT_EQ(e[2].value, "");
+  EXPECT_EQ(e[3].value, "-");
+  EXPECT_EQ(e[4].value, "1");
+  EXPECT_EQ(e[4].isChoice, 1);
+  EXPECT_EQ(e[4].choiceCount, 2);
+  EXPECT_EQ(e[5].name, "") << "no colon";
+  EXPECT_EQ(e[5].index, marv::unknownParameter);
+  EXPECT_EQ(e[6].value, "6") << "read on past the end mark";
 }
 
 TEST(ParameterFile, WritesExactHeadAndLinesAndReadsBackTheSameList) {
@@ -117,11 +117,6 @@ TEST(ParameterFile, ReadsAtMostHundredLinesCommentsIncluded) {
   const readResult r = readFromText(text);
   EXPECT_EQ(r.count, 89);
   EXPECT_EQ(r.editor.entries[88].value, "88");
-}
-
-TEST(ParameterFile, EndMarkDoesNotEndReading) {
-  const readResult r = readFromText("1:nx 5\n#End of file\n2:ny 6\n");
-  EXPECT_EQ(r.count, 2);
 }
 
 TEST(ParameterFile, WriteGoesThroughRenameAndFailsCleanly) {

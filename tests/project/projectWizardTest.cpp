@@ -57,15 +57,6 @@ TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
   EXPECT_EQ(folderOf("plain"), "");
 }
 
-TEST(ProjectPaths, AProjectFolderStandsForItsParameterFile) {
-  const fs::path root = marvtest::scratchFolder("wizard-folder");
-  marvtest::writeText(root / "case" / "input" / "param.txt", "1:nx 5\n");
-  projectWizard w;
-  EXPECT_EQ(projectFromPath(w, (root / "case").string(), false), "case");
-  EXPECT_EQ(w.paramFilePath, (root / "case" / "input" / "param.txt").string());
-  fs::remove_all(root);
-}
-
 TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   wizardCase c;
   const fs::path root = marvtest::scratchFolder("wizard-new");

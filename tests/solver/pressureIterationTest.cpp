@@ -96,46 +96,6 @@ TEST(PressureIteration, ManufacturedPoissonConvergesWithOneAndTwoThreads) {
     }
 }
 
-// One thread against the iteration written out plainly: the lexicographic
-// in-place sweep and the test of sweeps 0, 20, ...
-TEST(PressureIteration, OneThreadFollowsThePlainLexicographicSweep) {
-  for (int nz : {1, 9}) {  // dx = dy = dz
-    poissonCase c(9, nz, 1, 1, 1);
-    c.cfg.peps = 0.0;  // never met: the iteration runs to loopmax
-    c.cfg.loopmax = 41;
-    c.cfg.omega = 1.6;
-    const appConfig& g = c.cfg;
-    ownedArray3d<double> ref(9, 9, nz), prev(9, 9, nz);
-    copyFrom(ref, c.solver->pfld);
-    copyFrom(prev, c.solver->pfld);
-    const double ax = 1 / g.dx / g.dx, ay = 1 / g.dy / g.dy, az = nz > 1 ? 1 / g.dz / g.dz : 0.0;
-    const double d2 = g.dx * g.dx;  // dx = dy = dz here
-    const double relax = g.omega * 0.5 * d2 / (nz > 1 ? 3.0 : 2.0);
-    double residual = 0.0;
-    for (int sweep = 0; sweep < 41; ++sweep) {
-      for (int k = nz > 1 ? 1 : 0; k < (nz > 1 ? nz - 1 : 1); ++k)
-        for (int j = 1; j < 8; ++j)
-          for (int i = 1; i < 8; ++i) {
-            const double zs = nz > 1 ? ref(i, j, k + 1) + ref(i, j, k - 1) : 0.0;
-            ref(i, j, k) = relax * (ax * (ref(i + 1, j, k) + ref(i - 1, j, k)) +
-                                    ay * (ref(i, j + 1, k) + ref(i, j - 1, k)) + az * zs - c.solver->tau11(i, j, k)) +
-                           (1.0 - g.omega) * ref(i, j, k);
-          }
-      if (sweep % 20 == 0) {
-        residual = 0.0;
-        for (int n = 0; n < ref.count(); ++n)
-          residual = std::fmax(residual, std::fabs(ref[n] - prev[n])), prev[n] = ref[n];
-      }
-    }
-    c.solver->step();
-    EXPECT_EQ(c.cfg.presIterations, 41) << " at nz=" << nz;
-    EXPECT_EQ(c.solver->sweepCount, 41) << " at nz=" << nz;
-    EXPECT_NEAR(c.cfg.presResidual, residual, 1e-12 * residual) << " at nz=" << nz;
-    for (int n = 0; n < ref.count(); ++n)
-      ASSERT_NEAR(c.solver->pfld[n], ref[n], 1e-12 * (1.0 + std::fabs(ref[n]))) << " at nz=" << nz << " n=" << n;
-  }
-}
-
 TEST(PressureIteration, TestsFallOnEveryTwentiethSweepAndTheComparisonIsStrict) {
   // A field that already solves the equation converges at the test of sweep 0.
   poissonCase solved(7, 1, 1, 1, 1);
