@@ -9,10 +9,10 @@
 #include <string>
 
 #include "app/runProgress.h"
+#include "common/textNumbers.h"
 #include "domain/bitmapReading.h"
 #include "layer/layer.h"
 #include "project/parameterFile.h"
-#include "common/textNumbers.h"
 
 namespace marv {
 

@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "common/textNumbers.h"
 #include "domain/bitmapColours.h"
 #include "layer/layer.h"
-#include "common/textNumbers.h"
 
 namespace marv {
 

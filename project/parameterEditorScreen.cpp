@@ -9,10 +9,10 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "common/textNumbers.h"
 #include "layer/layer.h"
 #include "project/applyParameters.h"
 #include "project/parameterFile.h"
-#include "common/textNumbers.h"
 
 namespace marv {
 

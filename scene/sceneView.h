@@ -18,11 +18,11 @@
 #include <vector>
 
 #include "app/appConfig.h"
+#include "common/gradOperator.h"
 #include "domain/bcDomain.h"
 #include "layer/layer.h"
 #include "scene/velocityStatistics.h"
 #include "solver/fieldViews.h"
-#include "common/gradOperator.h"
 #include "widgets/textBox.h"
 
 namespace marv {
