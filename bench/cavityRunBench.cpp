@@ -25,30 +25,6 @@ namespace {
 
 using namespace marv;
 
-struct ghiaPoint {
-  char quantity = 'u';  // u on x = 0.5, v on y = 0.5
-  double x = 0.0, y = 0.0, value = 0.0;
-};
-
-std::vector<ghiaPoint> readGhia(int re) {
-  std::ifstream in(MARV_BENCH_DATA "/ghia1982-cavity.csv");
-  std::vector<ghiaPoint> points;
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.empty() || line[0] == '#' || line[0] == 'R') continue;
-    std::stringstream fields(line);
-    std::string reText, quantity, x, y, value;
-    std::getline(fields, reText, ',');
-    std::getline(fields, quantity, ',');
-    std::getline(fields, x, ',');
-    std::getline(fields, y, ',');
-    std::getline(fields, value, ',');
-    if (quantity.empty() || std::atoi(reText.c_str()) != re) continue;
-    points.push_back({quantity[0], std::atof(x.c_str()), std::atof(y.c_str()), std::atof(value.c_str())});
-  }
-  return points;
-}
-
 double loadAverage() {
   double load[1] = {0.0};
   return getloadavg(load, 1) == 1 ? load[0] : -1.0;
@@ -66,7 +42,7 @@ int main(int argc, char** argv) {
   if (kernel == "avx2") useSweepInstructions(sweepInstructions::avx2Fma);
   const char* kernelName = sweepInstructionsInUse() == sweepInstructions::avx2Fma ? "avx2Fma" : "baseline";
   const int n = 129, re = 100;
-  const std::vector<ghiaPoint> reference = readGhia(re);
+  const std::vector<testing::ghiaPoint> reference = testing::readGhia(MARV_BENCH_DATA "/ghia1982-cavity.csv", re);
   for (int run = 1; run <= repeats; ++run) {
     testing::cavityCase c(n, re, threads);
     c.cfg.peps = peps;
@@ -81,7 +57,7 @@ int main(int argc, char** argv) {
     }
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     double worstU = 0.0, worstV = 0.0;
-    for (const ghiaPoint& p : reference) {
+    for (const testing::ghiaPoint& p : reference) {
       const int i = static_cast<int>(std::lround(p.x * (n - 1)));
       const int j = static_cast<int>(std::lround(p.y * (n - 1)));
       const double value = p.quantity == 'u' ? c.solver->ufld(i, j, 0) : c.solver->vfld(i, j, 0);

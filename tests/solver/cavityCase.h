@@ -5,7 +5,12 @@
 #pragma once
 
 #include <cmath>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "domain/bcDomain.h"
 #include "domain/nodeLists.h"
@@ -77,5 +82,32 @@ struct cavityCase {
     return worst;
   }
 };
+
+// One point of the published centre-line profiles of the cavity.
+struct ghiaPoint {
+  char quantity = 'u';  // u on x = 0.5, v on y = 0.5
+  double x = 0.0, y = 0.0, value = 0.0;
+};
+
+// The points of one Reynolds number from the reference table (csv: Re,
+// quantity, x, y, value; comment lines start with '#').
+inline std::vector<ghiaPoint> readGhia(const std::string& csv, int re) {
+  std::ifstream in(csv);
+  std::vector<ghiaPoint> points;
+  std::string line;
+  while (std::getline(in, line)) {
+    if (line.empty() || line[0] == '#' || line[0] == 'R') continue;
+    std::stringstream fields(line);
+    std::string reText, quantity, x, y, value;
+    std::getline(fields, reText, ',');
+    std::getline(fields, quantity, ',');
+    std::getline(fields, x, ',');
+    std::getline(fields, y, ',');
+    std::getline(fields, value, ',');
+    if (quantity.empty() || std::atoi(reText.c_str()) != re) continue;
+    points.push_back({quantity[0], std::atof(x.c_str()), std::atof(y.c_str()), std::atof(value.c_str())});
+  }
+  return points;
+}
 
 }  // namespace marv::testing

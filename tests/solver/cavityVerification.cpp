@@ -18,30 +18,6 @@
 namespace marv {
 namespace {
 
-struct referencePoint {
-  char quantity = 'u';  // u on x = 0.5, v on y = 0.5
-  double x = 0.0, y = 0.0, value = 0.0;
-};
-
-std::vector<referencePoint> readGhia(int re) {
-  std::ifstream in(MARV_TEST_DATA "/ghia1982-cavity.csv");
-  std::vector<referencePoint> points;
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.empty() || line[0] == '#' || line[0] == 'R') continue;
-    std::stringstream fields(line);
-    std::string reText, quantity, x, y, value;
-    std::getline(fields, reText, ',');
-    std::getline(fields, quantity, ',');
-    std::getline(fields, x, ',');
-    std::getline(fields, y, ',');
-    std::getline(fields, value, ',');
-    if (std::stoi(reText) != re) continue;
-    points.push_back({quantity[0], std::stod(x), std::stod(y), std::stod(value)});
-  }
-  return points;
-}
-
 // Velocities along the two centrelines, u on x = 0.5 then v on y = 0.5.
 std::vector<double> centrelines(const testing::cavityCase& c) {
   const int n = c.cfg.nx, mid = n / 2;
@@ -79,7 +55,7 @@ void verify(int re, double cfl, double tolerance) {
   }
   const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   double worstU = 0.0, worstV = 0.0;
-  for (const referencePoint& p : readGhia(re)) {
+  for (const testing::ghiaPoint& p : testing::readGhia(MARV_TEST_DATA "/ghia1982-cavity.csv", re)) {
     const int i = static_cast<int>(std::lround(p.x * (n - 1)));
     const int j = static_cast<int>(std::lround(p.y * (n - 1)));
     const double value = p.quantity == 'u' ? c.solver->ufld(i, j, 0) : c.solver->vfld(i, j, 0);
