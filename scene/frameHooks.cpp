@@ -1,20 +1,26 @@
 // Places of the frame kept for the display objects that are not drawn yet.
 #include "scene/frameHooks.h"
 
+#include "scene/planes.h"
+
 namespace marv {
 
 void drawFlowVectors3d(sceneView&, appConfig&, fieldViews&) {}
 void drawStreamlines3d(sceneView&, appConfig&, fieldViews&) {}
 void drawContourParticles(sceneView&, appConfig&, fieldViews&) {}
-void drawPlanes(sceneView&, appConfig&, fieldViews&) {}
-void selectPlanesAndProbes(sceneView&, appConfig&, fieldViews&) {}
+void drawPlanes(sceneView& scene, appConfig& cfg, fieldViews& views) {
+  if (cfg.showCrosssectionXYFlag == 1) drawPlane(scene, cfg, views, planeXY);
+  if (cfg.showCrosssectionYZFlag == 1) drawPlane(scene, cfg, views, planeYZ);
+  if (cfg.showCrosssectionXZFlag == 1) drawPlane(scene, cfg, views, planeXZ);
+}
+void selectPlanesAndProbes(sceneView& scene, appConfig& cfg, fieldViews&) { selectPlaneAndProbe(scene, cfg); }
 void updateParticles(sceneView&, appConfig&, fieldViews&) {}
 void drawParticles(sceneView&, appConfig&, fieldViews&) {}
 void drawFlowVectors2d(sceneView&, appConfig&, fieldViews&) {}
 void drawStreamlines2d(sceneView&, appConfig&, fieldViews&) {}
-void takeProbeClicks2d(sceneView&, appConfig&, fieldViews&) {}
+void takeProbeClicks2d(sceneView& scene, appConfig& cfg, fieldViews&) { probeClick2d(scene, cfg); }
 void reportForceAndHeat(sceneView&, appConfig&, fieldViews&) {}
-void drawProbeMarkers(sceneView&, appConfig&, fieldViews&) {}
+void drawProbeMarkers(sceneView& scene, appConfig& cfg, fieldViews&) { drawProbes(scene, cfg); }
 void drawModelHandle(sceneView&, appConfig&) {}
 
 }  // namespace marv

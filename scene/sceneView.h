@@ -18,11 +18,11 @@
 #include <vector>
 
 #include "app/appConfig.h"
+#include "common/gradOperator.h"
 #include "domain/bcDomain.h"
 #include "layer/layer.h"
 #include "scene/velocityStatistics.h"
 #include "solver/fieldViews.h"
-#include "common/gradOperator.h"
 #include "widgets/textBox.h"
 
 namespace marv {
@@ -75,6 +75,12 @@ struct sceneView {
   vec3 cameraTarget, cameraPosition, cameraUp{0.0f, 1.0f, 0.0f}, cameraPivot;
   int lastMouseX = 0, lastMouseY = 0;  // mouse at the last frame, for drags [px]
   int planeK = 0, planeI = 0, planeJ = 0;
+  // Plane picking of the frame: distance from the camera to the point under
+  // the mouse on each plane (1e10 when the plane was not hit), that point,
+  // and the plane chosen by it.
+  double hitDistanceXY = 1e10, hitDistanceYZ = 1e10, hitDistanceXZ = 1e10;
+  vec3 pickXY, pickYZ, pickXZ, mouseRayNear, mouseRayFar;
+  int selectedXY = 0, selectedYZ = 0, selectedXZ = 0;
   std::uint8_t lightingApplied = 1;
   int placementFlag = 0;    // set by the first placement frame
   int planeTexture = -1;    // floor texture of the preview, not owned
