@@ -2,11 +2,14 @@
 #include "scene/frameHooks.h"
 
 #include "scene/planes.h"
+#include "scene/streamlines.h"
 
 namespace marv {
 
 void drawFlowVectors3d(sceneView&, appConfig&, fieldViews&) {}
-void drawStreamlines3d(sceneView&, appConfig&, fieldViews&) {}
+void drawStreamlines3d(sceneView& scene, appConfig& cfg, fieldViews& views) {
+  drawStreamlines3d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));
+}
 void drawContourParticles(sceneView&, appConfig&, fieldViews&) {}
 void drawPlanes(sceneView& scene, appConfig& cfg, fieldViews& views) {
   if (cfg.showCrosssectionXYFlag == 1) drawPlane(scene, cfg, views, planeXY);
@@ -17,7 +20,9 @@ void selectPlanesAndProbes(sceneView& scene, appConfig& cfg, fieldViews&) { sele
 void updateParticles(sceneView&, appConfig&, fieldViews&) {}
 void drawParticles(sceneView&, appConfig&, fieldViews&) {}
 void drawFlowVectors2d(sceneView&, appConfig&, fieldViews&) {}
-void drawStreamlines2d(sceneView&, appConfig&, fieldViews&) {}
+void drawStreamlines2d(sceneView& scene, appConfig& cfg, fieldViews& views) {
+  drawStreamlines2d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));
+}
 void takeProbeClicks2d(sceneView& scene, appConfig& cfg, fieldViews&) { probeClick2d(scene, cfg); }
 void reportForceAndHeat(sceneView&, appConfig&, fieldViews&) {}
 void drawProbeMarkers(sceneView& scene, appConfig& cfg, fieldViews&) { drawProbes(scene, cfg); }
