@@ -1,12 +1,16 @@
 // Places of the frame kept for the display objects that are not drawn yet.
 #include "scene/frameHooks.h"
 
+#include "scene/flowVectors.h"
 #include "scene/planes.h"
 #include "scene/streamlines.h"
 
 namespace marv {
 
-void drawFlowVectors3d(sceneView&, appConfig&, fieldViews&) {}
+void drawFlowVectors3d(sceneView& scene, appConfig& cfg, fieldViews& views) {
+  if (cfg.showVectorFlag == 1) drawVectors3d(scene, cfg, views, false);
+  if (cfg.showCorrVectorFlag == 1) drawVectors3d(scene, cfg, views, true);
+}
 void drawStreamlines3d(sceneView& scene, appConfig& cfg, fieldViews& views) {
   drawStreamlines3d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));
 }
@@ -19,7 +23,7 @@ void drawPlanes(sceneView& scene, appConfig& cfg, fieldViews& views) {
 void selectPlanesAndProbes(sceneView& scene, appConfig& cfg, fieldViews&) { selectPlaneAndProbe(scene, cfg); }
 void updateParticles(sceneView&, appConfig&, fieldViews&) {}
 void drawParticles(sceneView&, appConfig&, fieldViews&) {}
-void drawFlowVectors2d(sceneView&, appConfig&, fieldViews&) {}
+void drawFlowVectors2d(sceneView& scene, appConfig& cfg, fieldViews& views) { drawVectors2d(scene, cfg, views); }
 void drawStreamlines2d(sceneView& scene, appConfig& cfg, fieldViews& views) {
   drawStreamlines2d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));
 }
