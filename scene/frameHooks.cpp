@@ -2,6 +2,7 @@
 #include "scene/frameHooks.h"
 
 #include "scene/flowVectors.h"
+#include "scene/particles.h"
 #include "scene/planes.h"
 #include "scene/streamlines.h"
 
@@ -14,15 +15,17 @@ void drawFlowVectors3d(sceneView& scene, appConfig& cfg, fieldViews& views) {
 void drawStreamlines3d(sceneView& scene, appConfig& cfg, fieldViews& views) {
   drawStreamlines3d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));
 }
-void drawContourParticles(sceneView&, appConfig&, fieldViews&) {}
+void drawContourParticles(sceneView& scene, appConfig& cfg, fieldViews& views) {
+  drawContourSpheres(scene, cfg, views);
+}
 void drawPlanes(sceneView& scene, appConfig& cfg, fieldViews& views) {
   if (cfg.showCrosssectionXYFlag == 1) drawPlane(scene, cfg, views, planeXY);
   if (cfg.showCrosssectionYZFlag == 1) drawPlane(scene, cfg, views, planeYZ);
   if (cfg.showCrosssectionXZFlag == 1) drawPlane(scene, cfg, views, planeXZ);
 }
 void selectPlanesAndProbes(sceneView& scene, appConfig& cfg, fieldViews&) { selectPlaneAndProbe(scene, cfg); }
-void updateParticles(sceneView&, appConfig&, fieldViews&) {}
-void drawParticles(sceneView&, appConfig&, fieldViews&) {}
+void updateParticles(sceneView& scene, appConfig& cfg, fieldViews& views) { updateTracers(scene, cfg, views); }
+void drawParticles(sceneView& scene, appConfig& cfg, fieldViews& views) { drawTracers(scene, cfg, views); }
 void drawFlowVectors2d(sceneView& scene, appConfig& cfg, fieldViews& views) { drawVectors2d(scene, cfg, views); }
 void drawStreamlines2d(sceneView& scene, appConfig& cfg, fieldViews& views) {
   drawStreamlines2d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));

@@ -105,6 +105,9 @@ struct sceneView {
 
   // ---------------------------------------------------------------- particles (filled by the flow objects)
   int lastEmitStep = -10000, emitInterval = 50, particlesReady = 0, seedCount = 0, particlesActive = 0;
+  std::vector<float> particlePosition;  // x, y, z of each tracer [m], sized once per pass
+  std::vector<double> particleSpeed;    // [m/s]
+  std::vector<int> particleState;       // 0 in use, 1 free
 
   // ---------------------------------------------------------------- text
   const std::string* windowTitle = nullptr;      // the driver's window title, not owned
