@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "scene/flowVectors.h"
+#include "scene/particles.h"
 #include "scene/planes.h"
 #include "scene/streamlines.h"
 
@@ -130,6 +131,28 @@ TEST(arrows, AUniformFieldGivesTheSameArrowEverywhere) {
   const double along[3] = {2.0, 0.1, 0.0}, inflow[3] = {1.0, 0.05, 0.0}, plain[3] = {1.0, 1.0, 1.0};
   EXPECT_NEAR(inflowCorrelation(along, inflow), 1.0, 1e-12);
   EXPECT_TRUE(std::isnan(inflowCorrelation(along, plain))) << "an inflow with no spread";
+}
+
+TEST(tracers, AUniformStreamCarriesThemByVelocityTimesStepAndFreesThemAtTheBound) {
+  flatFlow f(21);
+  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 0.5, f.v[n] = -0.25;
+  f.cfg.ts = 20;
+  float position[6] = {0.2f, 0.6f, 0.0f, 0.98f, 0.5f, 0.0f};
+  double speed[2] = {0.0, 0.0};
+  int state[2] = {0, 0};
+  for (int step = 0; step < 10; ++step)
+    advanceParticles(f.cfg, f.sample(), 2, 0.04, 0.0, 1.0, 2, position, speed, state);
+  // Ten steps of 0.04 s at (0.5, -0.25) m/s: 0.2 m across, 0.1 m down.
+  EXPECT_NEAR(position[0], 0.4, 1e-5);
+  EXPECT_NEAR(position[1], 0.5, 1e-5);
+  EXPECT_EQ(state[0], 0);
+  EXPECT_NEAR(speed[0], std::hypot(0.5, 0.25), 1e-12);
+  EXPECT_EQ(state[1], 1) << "the second one crossed x = 1";
+  EXPECT_EQ(speed[1], 0.0);
+
+  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 0.005, f.v[n] = 0.0;
+  advanceParticles(f.cfg, f.sample(), 2, 0.04, 0.0, 1.0, 1, position, speed, state);
+  EXPECT_EQ(state[0], 1) << "slower than 1% of the speed range";
 }
 
 // A 3D mesh for the plane picking.
