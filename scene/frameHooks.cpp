@@ -2,6 +2,7 @@
 #include "scene/frameHooks.h"
 
 #include "scene/flowVectors.h"
+#include "scene/modelHandle.h"
 #include "scene/particles.h"
 #include "scene/planes.h"
 #include "scene/streamlines.h"
@@ -33,6 +34,6 @@ void drawStreamlines2d(sceneView& scene, appConfig& cfg, fieldViews& views) {
 void takeProbeClicks2d(sceneView& scene, appConfig& cfg, fieldViews&) { probeClick2d(scene, cfg); }
 void reportForceAndHeat(sceneView&, appConfig&, fieldViews&) {}
 void drawProbeMarkers(sceneView& scene, appConfig& cfg, fieldViews&) { drawProbes(scene, cfg); }
-void drawModelHandle(sceneView&, appConfig&) {}
+void drawModelHandle(sceneView& scene, appConfig& cfg) { drawStlHandle(scene, cfg); }
 
 }  // namespace marv

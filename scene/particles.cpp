@@ -39,7 +39,6 @@ void placeTracer(void* user, const std::array<double, 3>& at) {
   ++e.placed;
 }
 
-
 bool fieldsFit(const sceneView& scene, const appConfig& cfg, const fieldViews& views, int dims) {
   if (scene.domain == nullptr) return false;
   const int count = cfg.nx * cfg.ny * std::max(cfg.nz, 1);

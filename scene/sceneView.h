@@ -81,6 +81,7 @@ struct sceneView {
   double hitDistanceXY = 1e10, hitDistanceYZ = 1e10, hitDistanceXZ = 1e10;
   vec3 pickXY, pickYZ, pickXZ, mouseRayNear, mouseRayFar;
   int selectedXY = 0, selectedYZ = 0, selectedXZ = 0;
+  int dragAxis = 0;  // bar of the model's move handle in use: 1 x, 2 y, 3 z, 0 none
   std::uint8_t lightingApplied = 1;
   int placementFlag = 0;    // set by the first placement frame
   int planeTexture = -1;    // floor texture of the preview, not owned

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "scene/flowVectors.h"
+#include "scene/modelHandle.h"
 #include "scene/particles.h"
 #include "scene/planes.h"
 #include "scene/streamlines.h"
@@ -228,6 +229,15 @@ TEST(planePicking, ClicksOnAPlaneAddProbesUpToTenAndRightClicksRemoveTheNewest) 
   m.cfg.numProbes = 0;
   selectPlaneAndProbe(m.scene, m.cfg);
   EXPECT_EQ(m.cfg.numProbes, 0);
+}
+
+TEST(modelHandle, ADragMovesByItsLengthTimesAnEighthCellWithTheSignOfTheBar) {
+  const vec3 left{100.0f, 200.0f, 0.5f}, right{300.0f, 200.0f, 0.5f};
+  // A drag of 3 right and 4 down is 5 pixels long and goes along the bar.
+  EXPECT_NEAR(handleMove(3.0, 4.0, left, right, 0.08), 5.0 * 0.01, 1e-12);
+  EXPECT_NEAR(handleMove(-3.0, 4.0, left, right, 0.08), -5.0 * 0.01, 1e-12);
+  EXPECT_NEAR(handleMove(3.0, 4.0, right, left, 0.08), -5.0 * 0.01, 1e-12) << "a bar seen end over end";
+  EXPECT_EQ(handleMove(0.0, 0.0, left, right, 0.08), 0.0);
 }
 
 }  // namespace
