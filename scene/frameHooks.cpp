@@ -1,4 +1,6 @@
-// Places of the frame kept for the display objects that are not drawn yet.
+// The frame's places for the flow objects, planes, probes and the model handle,
+// each handed to the file of its concept; the force and heat report is the
+// one place still empty.
 #include "scene/frameHooks.h"
 
 #include "scene/flowVectors.h"
