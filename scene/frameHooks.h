@@ -1,8 +1,8 @@
 // The objects of a frame that the scene calls in their place of the drawing
 // order but does not draw itself: flow objects (vectors, streamlines,
 // particles), cross-section planes, probes, the model's move handle and the
-// force and heat-loss report. Each is one call; the bodies here draw nothing
-// until their part of the display exists.
+// force and heat-loss report. Each is one call, handed on to the file of
+// its concept (planes, flowVectors, streamlines, particles, modelHandle).
 #pragma once
 
 #include "scene/sceneView.h"

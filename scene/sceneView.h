@@ -75,6 +75,13 @@ struct sceneView {
   vec3 cameraTarget, cameraPosition, cameraUp{0.0f, 1.0f, 0.0f}, cameraPivot;
   int lastMouseX = 0, lastMouseY = 0;  // mouse at the last frame, for drags [px]
   int planeK = 0, planeI = 0, planeJ = 0;
+  // Plane picking of the frame: distance from the camera to the point under
+  // the mouse on each plane (1e10 when the plane was not hit), that point,
+  // and the plane chosen by it.
+  double hitDistanceXY = 1e10, hitDistanceYZ = 1e10, hitDistanceXZ = 1e10;
+  vec3 pickXY, pickYZ, pickXZ, mouseRayNear, mouseRayFar;
+  int selectedXY = 0, selectedYZ = 0, selectedXZ = 0;
+  int dragAxis = 0;  // bar of the model's move handle in use: 1 x, 2 y, 3 z, 0 none
   std::uint8_t lightingApplied = 1;
   int placementFlag = 0;    // set by the first placement frame
   int planeTexture = -1;    // floor texture of the preview, not owned
@@ -99,6 +106,9 @@ struct sceneView {
 
   // ---------------------------------------------------------------- particles (filled by the flow objects)
   int lastEmitStep = -10000, emitInterval = 50, particlesReady = 0, seedCount = 0, particlesActive = 0;
+  std::vector<float> particlePosition;  // x, y, z of each tracer [m], sized once per pass
+  std::vector<double> particleSpeed;    // [m/s]
+  std::vector<int> particleState;       // 0 in use, 1 free
 
   // ---------------------------------------------------------------- text
   const std::string* windowTitle = nullptr;      // the driver's window title, not owned

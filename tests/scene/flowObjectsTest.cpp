@@ -1,0 +1,243 @@
+// Flow objects traced on small hand-made fields: streamlines in a uniform
+// stream, in solid-body rotation and against walls and holes in the field;
+// the 2D arrows of a uniform field; and the picking of planes with Shift and
+// the wheel. Expected paths come from the field's own geometry (straight
+// lines, circles), not from the tracer.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "scene/flowVectors.h"
+#include "scene/modelHandle.h"
+#include "scene/particles.h"
+#include "scene/planes.h"
+#include "scene/streamlines.h"
+
+namespace {
+
+using namespace marv;
+
+// A square 2D mesh of n x n nodes over [0, 1] x [0, 1].
+struct flatFlow {
+  appConfig cfg;
+  ownedArray3d<double> u, v;
+  ownedArray3d<int> solid;
+  explicit flatFlow(int n) : u(n, n, 1), v(n, n, 1), solid(n, n, 1) {
+    cfg.nx = cfg.ny = n, cfg.nz = 1;
+    cfg.lx = cfg.ly = 1.0;
+    cfg.dx = cfg.dy = cfg.dz = 1.0 / (n - 1);
+    for (int i = 0; i < n; ++i) cfg.xCoord.push_back(i * cfg.dx), cfg.yCoord.push_back(i * cfg.dy);
+    cfg.zCoord = {0.0};
+  }
+  flowSample sample() const { return {&u, &v, nullptr, &solid}; }
+};
+
+struct path {
+  std::vector<std::array<double, 3>> points;
+  static void record(void* user, const double p[3], const double q[3]) {
+    path& self = *static_cast<path*>(user);
+    if (self.points.empty()) self.points.push_back({p[0], p[1], p[2]});
+    self.points.push_back({q[0], q[1], q[2]});
+  }
+};
+
+TEST(streamline, UniformStreamRunsStraightToTheOutletAndNoFurther) {
+  flatFlow f(21);
+  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 2.0, f.v[n] = 0.0;
+  path line;
+  const double step = 0.01;
+  const int steps = traceStreamline(f.cfg, f.sample(), {0.0, 0.3, 0.0}, 2, step, 2.0, 100000, path::record, &line);
+  // From x = 0 in steps of 0.01 the last one that stays in the mesh ends at 1.0 (or one short of it by rounding).
+  EXPECT_GE(steps, 99);
+  EXPECT_LE(steps, 100);
+  ASSERT_FALSE(line.points.empty());
+  for (const auto& p : line.points) EXPECT_NEAR(p[1], 0.3, 1e-12);
+  EXPECT_GT(line.points.back()[0], 1.0 - 2 * step);
+  EXPECT_LE(line.points.back()[0], 1.0);
+}
+
+TEST(streamline, SolidBodyRotationClosesItsCircle) {
+  flatFlow f(41);
+  const double c = 0.5, r = 0.25;
+  for (int j = 0; j < 41; ++j)
+    for (int i = 0; i < 41; ++i) f.u(i, j, 0) = -(f.cfg.yCoord[j] - c), f.v(i, j, 0) = f.cfg.xCoord[i] - c;
+  const double vmax = std::sqrt(0.5);  // at the corners
+  path line;
+  // One turn of a circle of radius r in steps of about 2 pi r / 400.
+  const double step = 2.0 * M_PI * r / 400.0 * vmax / r;
+  traceStreamline(f.cfg, f.sample(), {c + r, c, 0.0}, 2, step, vmax, 400, path::record, &line);
+  ASSERT_EQ(line.points.size(), 401u);
+  double worst = 0.0;
+  for (const auto& p : line.points) worst = std::max(worst, std::fabs(std::hypot(p[0] - c, p[1] - c) - r));
+  // First-order steps turn by t = 2 pi / 400 and widen the radius by
+  // sqrt(1 + t^2) each: about 5% over one turn.
+  EXPECT_LT(worst, 0.06 * r) << "stays on its circle";
+  const auto& end = line.points.back();
+  EXPECT_LT(std::hypot(end[0] - (c + r), end[1] - c), 0.08 * r) << "comes back to its seed after one turn";
+  EXPECT_EQ(traceStreamline(f.cfg, f.sample(), {c + r, c, 0.0}, 2, step, vmax, 7, nullptr, nullptr), 7)
+      << "a closed line stops at the step limit";
+}
+
+TEST(streamline, StopsBeforeSolidNodesInStillWaterAndOnHolesInTheField) {
+  flatFlow f(21);
+  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 1.0;
+  for (int j = 0; j < 21; ++j) f.solid(15, j, 0) = 1;  // a wall across at x = 0.75
+  path line;
+  traceStreamline(f.cfg, f.sample(), {0.05, 0.5, 0.0}, 2, 0.01, 1.0, 100000, path::record, &line);
+  ASSERT_FALSE(line.points.empty());
+  // Nearest node 15 begins half a cell before it, at 0.725.
+  EXPECT_LT(line.points.back()[0], 0.725);
+  EXPECT_GT(line.points.back()[0], 0.725 - 0.011);
+
+  for (int j = 0; j < 21; ++j) f.solid(15, j, 0) = 0;
+  for (int j = 0; j < 21; ++j)
+    for (int i = 10; i < 21; ++i) f.u(i, j, 0) = 0.0;  // still water from x = 0.5 on
+  line.points.clear();
+  traceStreamline(f.cfg, f.sample(), {0.05, 0.5, 0.0}, 2, 0.01, 1.0, 100000, path::record, &line);
+  ASSERT_FALSE(line.points.empty());
+  EXPECT_LT(line.points.back()[0], 0.5);
+
+  for (int j = 0; j < 21; ++j)
+    for (int i = 10; i < 21; ++i) f.u(i, j, 0) = std::numeric_limits<double>::quiet_NaN();
+  line.points.clear();
+  traceStreamline(f.cfg, f.sample(), {0.05, 0.5, 0.0}, 2, 0.01, 1.0, 100000, path::record, &line);
+  for (const auto& p : line.points) EXPECT_TRUE(std::isfinite(p[0]) && std::isfinite(p[1]));
+
+  EXPECT_EQ(traceStreamline(f.cfg, f.sample(), {-0.1, 0.5, 0.0}, 2, 0.01, 1.0, 100, nullptr, nullptr), 0)
+      << "a seed outside the mesh gives no line";
+}
+
+TEST(arrows, AUniformFieldGivesTheSameArrowEverywhere) {
+  arrow2d a, b;
+  ASSERT_TRUE(makeArrow2d(3.0, 4.0, 1.0, 5.0, 4, 10, 100.0, 50.0, a));
+  ASSERT_TRUE(makeArrow2d(3.0, 4.0, 1.0, 5.0, 4, 10, 300.0, 80.0, b));
+  const float ox = 200.0f, oy = 30.0f;
+  EXPECT_FLOAT_EQ(b.tailX - ox, a.tailX);
+  EXPECT_FLOAT_EQ(b.tailY - oy, a.tailY);
+  EXPECT_FLOAT_EQ(b.headX - ox, a.headX);
+  EXPECT_FLOAT_EQ(b.stroke1Y - oy, a.stroke1Y);
+  // The fastest speed gives the whole length ndiv x pixPerCell, pointing
+  // up the screen for a positive v.
+  EXPECT_NEAR(std::hypot(a.headX - a.tailX, a.headY - a.tailY), 40.0, 1e-4);
+  EXPECT_NEAR((a.headX - a.tailX) / 40.0, 0.6, 1e-5);
+  EXPECT_NEAR((a.headY - a.tailY) / 40.0, -0.8, 1e-5);
+  // The slowest speed keeps a fifth of it.
+  ASSERT_TRUE(makeArrow2d(0.6, 0.8, 1.0, 5.0, 4, 10, 0.0, 0.0, b));
+  EXPECT_NEAR(std::hypot(b.headX - b.tailX, b.headY - b.tailY), 8.0, 1e-4);
+  EXPECT_FALSE(makeArrow2d(0.0, 0.0, 0.0, 5.0, 4, 10, 0.0, 0.0, b)) << "at rest";
+  EXPECT_FALSE(makeArrow2d(std::nan(""), 1.0, 0.0, 5.0, 4, 10, 0.0, 0.0, b)) << "not a number";
+
+  const double along[3] = {2.0, 0.1, 0.0}, inflow[3] = {1.0, 0.05, 0.0}, plain[3] = {1.0, 1.0, 1.0};
+  EXPECT_NEAR(inflowCorrelation(along, inflow), 1.0, 1e-12);
+  EXPECT_TRUE(std::isnan(inflowCorrelation(along, plain))) << "an inflow with no spread";
+}
+
+TEST(tracers, AUniformStreamCarriesThemByVelocityTimesStepAndFreesThemAtTheBound) {
+  flatFlow f(21);
+  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 0.5, f.v[n] = -0.25;
+  f.cfg.ts = 20;
+  float position[6] = {0.2f, 0.6f, 0.0f, 0.98f, 0.5f, 0.0f};
+  double speed[2] = {0.0, 0.0};
+  int state[2] = {0, 0};
+  for (int step = 0; step < 10; ++step)
+    advanceParticles(f.cfg, f.sample(), 2, 0.04, 0.0, 1.0, 2, position, speed, state);
+  // Ten steps of 0.04 s at (0.5, -0.25) m/s: 0.2 m across, 0.1 m down.
+  EXPECT_NEAR(position[0], 0.4, 1e-5);
+  EXPECT_NEAR(position[1], 0.5, 1e-5);
+  EXPECT_EQ(state[0], 0);
+  EXPECT_NEAR(speed[0], std::hypot(0.5, 0.25), 1e-12);
+  EXPECT_EQ(state[1], 1) << "the second one crossed x = 1";
+  EXPECT_EQ(speed[1], 0.0);
+
+  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 0.005, f.v[n] = 0.0;
+  advanceParticles(f.cfg, f.sample(), 2, 0.04, 0.0, 1.0, 1, position, speed, state);
+  EXPECT_EQ(state[0], 1) << "slower than 1% of the speed range";
+}
+
+// A 3D mesh for the plane picking.
+struct boxMesh {
+  appConfig cfg;
+  sceneView scene;
+  boxMesh() {
+    cfg.nx = 11, cfg.ny = 6, cfg.nz = 5;
+    cfg.dx = cfg.dy = cfg.dz = 0.1;
+    cfg.lx = 1.0, cfg.ly = 0.5, cfg.lz = 0.4;
+    for (int i = 0; i < cfg.nx; ++i) cfg.xCoord.push_back(i * 0.1);
+    for (int j = 0; j < cfg.ny; ++j) cfg.yCoord.push_back(j * 0.1);
+    for (int k = 0; k < cfg.nz; ++k) cfg.zCoord.push_back(k * 0.1);
+    cfg.shiftDown = 1;
+    scene.is3d = 1;
+  }
+};
+
+TEST(planePicking, NearestPlaneMovesWithTheWheelWithinTheMesh) {
+  boxMesh m;
+  m.scene.planeK = 3, m.scene.planeI = 5;
+  m.scene.hitDistanceXY = 100.0, m.scene.hitDistanceYZ = 200.0;
+  m.cfg.wheelDelta = 4.0f;
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.scene.planeK, 4) << "stops at the top layer nz - 1";
+  EXPECT_NEAR(m.cfg.zCrosssectionXY, 0.4, 1e-12);
+  EXPECT_EQ(m.scene.planeI, 5);
+  EXPECT_EQ(m.scene.hitDistanceXY, 1e10) << "picking is cleared for the next frame";
+
+  m.scene.hitDistanceYZ = 50.0, m.scene.hitDistanceXY = 80.0;
+  m.cfg.wheelDelta = 2.0f;
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.scene.planeI, 3) << "the YZ plane moves against the wheel";
+  m.scene.hitDistanceYZ = 50.0;
+  m.cfg.wheelDelta = 9.0f;
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.scene.planeI, 0);
+
+  m.scene.hitDistanceXY = 70.0, m.scene.hitDistanceXZ = 70.0;
+  m.cfg.wheelDelta = -1.0f;
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.scene.planeK, 4) << "a tie selects neither plane";
+  EXPECT_EQ(m.scene.planeJ, 0);
+
+  m.cfg.shiftDown = 0;
+  m.scene.hitDistanceXY = 10.0;
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.scene.planeK, 4) << "without Shift the wheel is the camera's";
+
+  EXPECT_EQ(movedPlaneIndex(0, -0.5, 10), 0);
+  EXPECT_EQ(movedPlaneIndex(9, 3.0, 10), 9);
+  EXPECT_EQ(movedPlaneIndex(4, 1.7, 10), 5);
+}
+
+TEST(planePicking, ClicksOnAPlaneAddProbesUpToTenAndRightClicksRemoveTheNewest) {
+  boxMesh m;
+  m.scene.sceneScale = 100.0, m.scene.originX = 20, m.scene.originY = 10;
+  m.cfg.leftClick = 1;
+  for (int n = 0; n < 11; ++n) {
+    m.scene.hitDistanceXY = 5.0;
+    m.scene.pickXY = {20.0f + 50.0f, 10.0f + 20.0f, 10.0f};
+    selectPlaneAndProbe(m.scene, m.cfg);
+  }
+  EXPECT_EQ(m.cfg.numProbes, 10);
+  EXPECT_NEAR(m.cfg.probes[9].x, 0.5, 1e-6);
+  EXPECT_NEAR(m.cfg.probes[9].y, 0.2, 1e-6);
+  EXPECT_NEAR(m.cfg.probes[9].z, 0.3, 1e-6) << "world z runs down from the top layer";
+
+  m.cfg.leftClick = 0, m.cfg.rightClick = 1;
+  m.scene.hitDistanceXY = 1e10;  // no plane under the pointer
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.cfg.numProbes, 9);
+  m.cfg.numProbes = 0;
+  selectPlaneAndProbe(m.scene, m.cfg);
+  EXPECT_EQ(m.cfg.numProbes, 0);
+}
+
+TEST(modelHandle, ADragMovesByItsLengthTimesAnEighthCellWithTheSignOfTheBar) {
+  const vec3 left{100.0f, 200.0f, 0.5f}, right{300.0f, 200.0f, 0.5f};
+  // A drag of 3 right and 4 down is 5 pixels long and goes along the bar.
+  EXPECT_NEAR(handleMove(3.0, 4.0, left, right, 0.08), 5.0 * 0.01, 1e-12);
+  EXPECT_NEAR(handleMove(-3.0, 4.0, left, right, 0.08), -5.0 * 0.01, 1e-12);
+  EXPECT_NEAR(handleMove(3.0, 4.0, right, left, 0.08), -5.0 * 0.01, 1e-12) << "a bar seen end over end";
+  EXPECT_EQ(handleMove(0.0, 0.0, left, right, 0.08), 0.0);
+}
+
+}  // namespace
