@@ -104,6 +104,25 @@ bool bmpIsComplete(const std::uint8_t* data, std::size_t size) {
   return static_cast<std::uint64_t>(offset) + rowBytes * rows <= size;
 }
 
+// A PNG whose chunks do not fit in the file is damaged. The decoder would
+// take a stated chunk length at its word and grow its buffer toward it, so
+// that a few damaged bytes could ask for gigabytes; such a file is refused
+// before it is decoded. Files that are no PNG pass.
+bool pngChunksFit(const std::uint8_t* data, std::size_t size) {
+  static constexpr std::uint8_t signature[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+  if (size < 8 || std::memcmp(data, signature, 8) != 0) return true;
+  std::size_t pos = 8;
+  while (pos + 12 <= size) {
+    const std::uint64_t length =
+        static_cast<std::uint64_t>(data[pos]) << 24 | data[pos + 1] << 16 | data[pos + 2] << 8 | data[pos + 3];
+    if (length > size - pos - 12) return false;
+    const bool end = std::memcmp(data + pos + 4, "IEND", 4) == 0;
+    pos += 12 + static_cast<std::size_t>(length);
+    if (end) return true;
+  }
+  return false;  // no IEND: cut off
+}
+
 }  // namespace
 
 bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
@@ -115,7 +134,7 @@ bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   // query hands it on as it stands, the decoder reads such files fine.
   if (h < 0 && h != INT_MIN) h = -h;
   if (w <= 0 || h <= 0 || w > maxImageSide || h > maxImageSide) return false;
-  if (!bmpIsComplete(data, size)) return false;
+  if (!bmpIsComplete(data, size) || !pngChunksFit(data, size)) return false;
   stbi_uc* pixels = stbi_load_from_memory(data, static_cast<int>(size), &w, &h, &channels, 4);
   if (pixels == nullptr) return false;
   image.width = w;
