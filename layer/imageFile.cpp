@@ -1,4 +1,4 @@
-// Image files: stb_image for decoding, libjpeg(-turbo) for writing, and the
+// Image files: stb_image for decoding (libjpeg-turbo for JPEG), libjpeg(-turbo) for writing, and the
 // search for the program's picture folder. See imageFile.h.
 #include "layer/imageFile.h"
 
@@ -15,7 +15,6 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_PNG
 #define STBI_ONLY_BMP
-#define STBI_ONLY_JPEG
 #define STBI_ONLY_GIF
 #define STBI_ONLY_PNM
 #define STBI_NO_STDIO
@@ -125,9 +124,46 @@ bool pngChunksFit(const std::uint8_t* data, std::size_t size) {
 
 }  // namespace
 
+// JPEG goes through libjpeg-turbo, the library the program writes its
+// images with: it stands damaged files, where stb's JPEG path reads past
+// its Huffman tables on some. Only locals without destructors live between
+// setjmp and the end, and the pixels go to a vector made before.
+static bool decodeJpeg(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
+  jpeg_decompress_struct info;
+  jpegErrorTrap trap;
+  info.err = jpeg_std_error(&trap.base);
+  trap.base.error_exit = jpegErrorExit;
+  trap.base.emit_message = jpegSilence;
+  jpeg_create_decompress(&info);
+  volatile bool ok = false;  // survives a jump out of libjpeg
+  if (setjmp(trap.jump) == 0) {
+    jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
+    if (jpeg_read_header(&info, TRUE) == JPEG_HEADER_OK && info.image_width > 0 && info.image_height > 0 &&
+        info.image_width <= static_cast<JDIMENSION>(maxImageSide) &&
+        info.image_height <= static_cast<JDIMENSION>(maxImageSide)) {
+      info.out_color_space = JCS_EXT_RGBA;
+      jpeg_start_decompress(&info);
+      const std::size_t stride = static_cast<std::size_t>(info.output_width) * 4;
+      image.pixels.assign(stride * info.output_height, 0);
+      while (info.output_scanline < info.output_height) {
+        JSAMPROW row = image.pixels.data() + stride * info.output_scanline;
+        jpeg_read_scanlines(&info, &row, 1);
+      }
+      jpeg_finish_decompress(&info);
+      image.width = static_cast<int>(info.output_width);
+      image.height = static_cast<int>(info.output_height);
+      ok = true;
+    }
+  }
+  jpeg_destroy_decompress(&info);
+  if (!ok) image = rgbaImage{};
+  return ok;
+}
+
 bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   image = rgbaImage{};
   if (data == nullptr || size == 0 || size > maxImageFileBytes) return false;
+  if (size >= 3 && data[0] == 0xFF && data[1] == 0xD8 && data[2] == 0xFF) return decodeJpeg(data, size, image);
   int w = 0, h = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &w, &h, &channels)) return false;
   // A BMP whose rows run top-down states a negative height; the size

@@ -47,9 +47,19 @@ long long fileSize(const std::string& path) {
   return stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode) ? static_cast<long long>(st.st_size) : -1;
 }
 
+// Nodes of a dump's mesh; a mesh beyond any 32-bit index (or with a count
+// below 1) gives -1, without overflowing on the way there.
+long long dumpNodeCount(const dumpInfo& info) {
+  if (info.nx < 1 || info.ny < 1 || info.nz < 1) return -1;
+  const long long xy = static_cast<long long>(info.nx) * info.ny;  // each factor below 2^31
+  if (xy > 2147483647LL) return -1;
+  const long long count = xy * info.nz;
+  return count > 2147483647LL ? -1 : count;
+}
+
 // One uniform grid of a dump as XDMF, its raw files named with prefix.
 std::string xdmfGrid(const dumpInfo& info, int step, const std::string& folder, const std::string& prefix) {
-  const long long count = static_cast<long long>(info.nx) * info.ny * info.nz;
+  const long long count = std::max(dumpNodeCount(info), 0LL);
   const double dx = info.nx > 1 ? (info.x1 - info.x0) / (info.nx - 1) : 1.0;
   const double dy = info.ny > 1 ? (info.y1 - info.y0) / (info.ny - 1) : 1.0;
   const double dz = info.nz > 1 ? (info.z1 - info.z0) / (info.nz - 1) : 1.0;
@@ -288,8 +298,8 @@ bool dumpIsWhole(int step) {
   dumpInfo info;
   if (!readDumpInfo(folder + "/info.txt", info)) return false;
   if (info.nx < 2 || info.ny < 2 || info.nz < 1) return false;
-  const long long count = static_cast<long long>(info.nx) * info.ny * info.nz;
-  if (count > 2147483647LL) return false;
+  const long long count = dumpNodeCount(info);
+  if (count < 0) return false;
   for (const rawFile& file : rawFiles) {
     const long long size = fileSize(folder + "/" + file.name);
     if (file.view != viewBc && size >= 0 && size != count * 8) return false;
@@ -369,8 +379,8 @@ int readDumpFields(appConfig& cfg, fieldViews& views, int step) {
   };
   if (!complete) return refuse("its info.txt is incomplete.");
   if (info.nx < 2 || info.ny < 2 || info.nz < 1) return refuse("its mesh has fewer than two points in x or y.");
-  const long long count = static_cast<long long>(info.nx) * info.ny * info.nz;
-  if (count > 2147483647LL) return refuse("its mesh is too large.");
+  const long long count = dumpNodeCount(info);
+  if (count < 0) return refuse("its mesh is too large.");
   const std::string missing = missingDumpFile(folder, info);
   if (!missing.empty())
     return refuse("it is incomplete (" + missing +

@@ -169,4 +169,23 @@ TEST(jpegFiles, unwritablePathsAndEmptyPicturesFail) {
   std::remove(path.c_str());
 }
 
+TEST(jpegFiles, writtenImagesReadBackAndDamagedOnesAreRefused) {
+  std::vector<std::uint8_t> rgba(24 * 10 * 4);
+  for (std::size_t n = 0; n < rgba.size(); n += 4)
+    rgba[n] = 30, rgba[n + 1] = 120, rgba[n + 2] = 220, rgba[n + 3] = 255;
+  const std::string path = ::testing::TempDir() + "marv_back.jpg";
+  ASSERT_TRUE(writeJpegFile(path, rgba.data(), 24, 10, 90, 1));
+  rgbaImage picture;
+  ASSERT_TRUE(loadImageFile(path, picture));
+  EXPECT_EQ(picture.width, 24);
+  EXPECT_EQ(picture.height, 10);
+  EXPECT_NEAR(picture.pixels[4 * 25 + 2], 220, 8) << "blue of a pixel inside";
+  EXPECT_EQ(picture.pixels[4 * 25 + 3], 255) << "opaque";
+  std::remove(path.c_str());
+  // A Huffman table whose code counts run past the table (found by fuzzing).
+  std::vector<std::uint8_t> damaged = {0xff, 0xd8, 0xff, 0xc4, 0x23, 0x00, 0x00};
+  damaged.resize(100, 0xff);
+  EXPECT_FALSE(decodeImage(damaged.data(), damaged.size(), picture));
+}
+
 }  // namespace
