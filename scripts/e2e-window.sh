@@ -36,7 +36,8 @@ click() { xdotool mousemove "$1" "$2"; sleep 0.3; xdotool mousedown 1; sleep 0.2
 key() { xdotool keydown "$1"; sleep 0.2; xdotool keyup "$1"; sleep 0.6; }
 # Window-relative places: the window is found by its title.
 window() { xdotool search --sync --name "Marvanesse" | head -1; }
-at() { eval "$(xdotool getwindowgeometry --shell "$(window)")"; echo $((X + $1)) $((Y + $2)); }
+# The menu bar stands above the screens: 24 pixels.
+at() { eval "$(xdotool getwindowgeometry --shell "$(window)")"; echo $((X + $1)) $((Y + $2 + 24)); }
 
 cd "$out/work"
 for pass in simulation analysis; do
