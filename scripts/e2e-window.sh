@@ -95,9 +95,9 @@ done
 for pass in simulation analysis; do
   python3 - "$out/$pass-7-window.xwd" <<'PY'
 import importlib.util, sys
-spec = importlib.util.spec_from_file_location("xwd", "scripts/xwd-to-png.py")
-xwd = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(xwd)
+loader = importlib.util.spec_from_file_location("xwd", "scripts/xwd-to-png.py")
+xwd = importlib.util.module_from_spec(loader)
+loader.loader.exec_module(xwd)
 width, height, rows = xwd.read_xwd(sys.argv[1])
 strong = set()
 for r in rows[height // 20: height * 4 // 5]:

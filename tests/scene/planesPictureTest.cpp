@@ -4,7 +4,6 @@
 // planes and for the streamlines' plain colour, and kept as PNG under the
 // build folder for a look.
 #include <gtest/gtest.h>
-#include <jpeglib.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -17,38 +16,14 @@
 #include "app/batchStages.h"
 #include "app/driver.h"
 #include "layer/layer.h"
+#include "scene/savedPicture.h"
 #include "testSupport.h"
 
 namespace {
 
 using namespace marv;
 
-struct picture {
-  int width = 0, height = 0;
-  std::vector<unsigned char> rgb;
-  bool read(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) return false;
-    jpeg_decompress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&info);
-    jpeg_stdio_src(&info, file);
-    jpeg_read_header(&info, TRUE);
-    info.out_color_space = JCS_RGB;
-    jpeg_start_decompress(&info);
-    width = static_cast<int>(info.output_width), height = static_cast<int>(info.output_height);
-    rgb.resize(static_cast<std::size_t>(width) * height * 3);
-    while (info.output_scanline < info.output_height) {
-      JSAMPROW row = rgb.data() + static_cast<std::size_t>(info.output_scanline) * width * 3;
-      jpeg_read_scanlines(&info, &row, 1);
-    }
-    jpeg_finish_decompress(&info);
-    jpeg_destroy_decompress(&info);
-    std::fclose(file);
-    return true;
-  }
-};
+using marvtest::picture;
 
 std::uint32_t crc32(const std::string& bytes) {
   std::uint32_t c = 0xffffffffu;
