@@ -1,7 +1,6 @@
 // The force and heat-loss report of a run frame through the headless
 // backend: the colour under the scripted mouse is measured and shown, a click
-// switches both of its records on or off, inflows that blow stay out, and in
-// three dimensions the shown surface nearest the camera is the one hovered.
+// switches both of its records on or off, and inflows that blow stay out.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,21 +9,12 @@
 #include "domain/polygonise.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
-#include "scene/forceHeatReport.h"
 #include "scene/frameHooks.h"
 #include "scene/inputState.h"
 #include "testGrid.h"
 
 namespace marv {
 namespace {
-
-inputFrame mouseAt(int x, int y, int buttons = 0) {
-  inputFrame f;
-  f.mouseX = x;
-  f.mouseY = y;
-  f.buttons = buttons;
-  return f;
-}
 
 bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
@@ -71,7 +61,9 @@ class report2d : public ::testing::Test {
   }
   // One frame with the mouse over node (i, j): the input, then the report.
   std::string frameAt(int i, int j, int buttons = 0) {
-    setInputScript({mouseAt(10 + 10 * i, 230 - 10 * j, buttons)}, false);
+    inputFrame f;
+    f.mouseX = 10 + 10 * i, f.mouseY = 230 - 10 * j, f.buttons = buttons;
+    setInputScript({f}, false);
     processMessages();
     handleFrameInput(input, cfg);
     reportForceAndHeat(scene, cfg, views);
@@ -150,49 +142,6 @@ TEST_F(report2d, aWallWithNoForceButAHeatFlowShowsNoNoticeYetRecordsItsHeat) {
   EXPECT_EQ(cfg.heatRecordOn[1], 1);
   EXPECT_GT(cfg.heatValues[1], 0.0) << "the hot body gives heat to the air";
   EXPECT_EQ(cfg.forceValues[1], (std::array<float, 3>{0.0f, 0.0f, 0.0f}));
-}
-
-// Two boxes one behind the other along the view axis: colour 1 nearer the
-// camera, colour 8 farther. The default camera looks along +z of the world
-// from in front of the domain's middle.
-TEST(report3d, theShownSurfaceNearestTheCameraIsHovered) {
-  setGraphicsMode(400, 300, 32, 60);
-  ASSERT_EQ(startLayer(), 0);
-  appConfig cfg;
-  testing::setGrid(cfg, 17, 17, 17);
-  cfg.sceneWidth = cfg.screenWidth = 400, cfg.sceneHeight = cfg.screenHeight = 300;
-  cfg.showBoundaryFlagBlack = cfg.showBoundaryFlagUser = 1;
-  bcDomain domain;
-  constructDomain(domain, cfg);
-  // Mask k runs against the mesh's: low mask k lies near the camera.
-  for (int c : {1, 8}) {
-    const int k0 = c == 1 ? 2 : 10;
-    domain.typeMasks[c] = ownedArray3d<float>(17, 17, 17);
-    for (int k = k0; k <= k0 + 4; ++k)
-      for (int j = 6; j <= 10; ++j)
-        for (int i = 6; i <= 10; ++i) domain.typeMasks[c](i, j, k) = 1.0f;
-    domain.surfaces[c].field = &domain.typeMasks[c];
-    ASSERT_EQ(polygoniseSurface(domain.surfaces[c], domain.isoLevel), 0);
-  }
-  sceneView scene;
-  constructScene(scene, cfg, domain);
-  ASSERT_EQ(scene.is3d, 1);
-  const double s = scene.sceneScale;
-  const vec3 middle = worldToScreen({static_cast<float>(0.5 * s + scene.originX),
-                                     static_cast<float>(0.5 * s + scene.originY), static_cast<float>(0.25 * s)});
-  cfg.mouseX = static_cast<int>(std::lround(middle.x)), cfg.mouseY = static_cast<int>(std::lround(middle.y));
-  const double nearD = surfaceRayDistance(scene, cfg, domain.surfaces[1]);
-  const double farD = surfaceRayDistance(scene, cfg, domain.surfaces[8]);
-  EXPECT_GT(nearD, 0.0);
-  EXPECT_GT(farD, nearD);
-  EXPECT_EQ(hoveredColour(scene, cfg), 1);
-  cfg.showBoundaryFlagBlack = 0;
-  EXPECT_EQ(hoveredColour(scene, cfg), 8) << "a hidden surface is looked through";
-  cfg.mouseX = 2, cfg.mouseY = 2;
-  EXPECT_EQ(surfaceRayDistance(scene, cfg, domain.surfaces[8]), 0.0) << "a ray that misses";
-  EXPECT_EQ(hoveredColour(scene, cfg), -1);
-  destroyScene(scene);
-  stopLayer();
 }
 
 }  // namespace
