@@ -91,10 +91,14 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
     for (cfg.ts = cfg.sts;; ++cfg.ts) {
       if (cfg.ts > cfg.latts) break;
       const int inputResult = handleFrameInput(input, cfg);
-      if (stages.drawPicture)
+      // The frame measures the force and heat loss that writeStepResults
+      // records below; without a picture only its numbers are taken.
+      if (stages.drawPicture) {
         drawFrame(scene, cfg, state.views, 1);
-      else
+      } else {
         frameNumbers(scene, cfg, state.views);
+        computeRecordValues(cfg, domain, state.views);
+      }
       if (noteDivergence(cfg, scene.stats) && stages.stopOnFault && !cfg.analysisMode) {
         // Nothing of this step is written: the last dump on disk is the
         // last good state of the flow.
@@ -115,9 +119,6 @@ int runLoop(const passStages& stages, driverState& state, appConfig& cfg, sceneV
       const array3d<double>& display = state.views[viewBc];
       if (stepping && display.data != nullptr && display.count() == domain.bcField.count())
         copyFrom(display, static_cast<const array3d<double>&>(domain.bcField));
-      // The recorded colours' force and heat loss of this step, taken before
-      // the results are written.
-      computeRecordValues(cfg, domain, state.views);
       if (!writeStepResults(cfg, state.views) && stages.stopOnFault) {
         if (stages.runStep) stages.runStep(cfg, true);
         return 0;

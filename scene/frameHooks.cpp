@@ -1,9 +1,11 @@
-// The frame's places for the flow objects, planes, probes and the model handle,
-// each handed to the file of its concept; the force and heat report is the
-// one place still empty.
+// The frame's places for the flow objects, planes, probes, the model handle
+// and the force and heat-loss report, each handed to the file of its concept;
+// the report comes after the heat flux field.
 #include "scene/frameHooks.h"
 
+#include "result/heatLossRecord.h"
 #include "scene/flowVectors.h"
+#include "scene/forceHeatReport.h"
 #include "scene/modelHandle.h"
 #include "scene/particles.h"
 #include "scene/planes.h"
@@ -34,7 +36,10 @@ void drawStreamlines2d(sceneView& scene, appConfig& cfg, fieldViews& views) {
   drawStreamlines2d(scene, static_cast<const appConfig&>(cfg), static_cast<const fieldViews&>(views));
 }
 void takeProbeClicks2d(sceneView& scene, appConfig& cfg, fieldViews&) { probeClick2d(scene, cfg); }
-void reportForceAndHeat(sceneView&, appConfig&, fieldViews&) {}
+void reportForceAndHeat(sceneView& scene, appConfig& cfg, fieldViews& views) {
+  heatFluxField(cfg, views[fieldT], views[viewWorkA], views[viewWorkB]);
+  forceHeatReport(scene, cfg, views);
+}
 void drawProbeMarkers(sceneView& scene, appConfig& cfg, fieldViews&) { drawProbes(scene, cfg); }
 void drawModelHandle(sceneView& scene, appConfig& cfg) { drawStlHandle(scene, cfg); }
 

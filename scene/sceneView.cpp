@@ -153,6 +153,16 @@ void setUpScene(sceneView& scene, appConfig& cfg) {
   destroyTextBox(scene.promptBox);
   scene.promptBox = makeTextBox(cfg.textHeight, cfg.fontBody);
   setTextBoxButtons(scene.promptBox, 5);
+  // The notice hangs beside the mouse, 21 text heights wide, with no buttons.
+  destroyTextBox(scene.noticeBox);
+  scene.noticeBox = makeTextBox(cfg.textHeight, cfg.fixedBold);
+  setTextBoxButtons(scene.noticeBox, 0);
+  scene.noticeBox.placed = 1;
+  scene.noticeBox.positionMode = 1;
+  scene.noticeBox.frameKind = 1;
+  scene.noticeBox.boxX = 0;
+  scene.noticeBox.boxWidth = 21 * cfg.textHeight;
+  scene.noticeBox.boxHeight = 10 * cfg.textHeight;
   scene.grad = makeGradOperator(cfg.dx, cfg.dy, cfg.dz);
   layOutCells(scene, cfg);
   preRenderHelpList(scene, cfg);
@@ -220,6 +230,7 @@ void destroyScene(sceneView& scene) {
   deleteImage(scene.helpImage);
   scene.helpImage = -1;
   destroyTextBox(scene.promptBox);
+  destroyTextBox(scene.noticeBox);
   for (std::vector<vertex3d>& v : scene.boundaryVertices) std::vector<vertex3d>().swap(v);
   scene.boundaryVertexCount = {};
   scene.cellX0.clear(), scene.cellX1.clear(), scene.cellY0.clear(), scene.cellY1.clear();

@@ -21,6 +21,7 @@
 #include "common/gradOperator.h"
 #include "domain/bcDomain.h"
 #include "layer/layer.h"
+#include "result/frameRecords.h"
 #include "scene/velocityStatistics.h"
 #include "solver/fieldViews.h"
 #include "widgets/textBox.h"
@@ -113,6 +114,8 @@ struct sceneView {
   // ---------------------------------------------------------------- text
   const std::string* windowTitle = nullptr;      // the driver's window title, not owned
   textBox promptBox;                             // the quit question with OK and Cancel
+  textBox noticeBox;                             // the force and heat-loss notice beside the mouse
+  char scratchText[noticeTextSize] = "";         // the notice of this frame; empty when none
   std::string promptText;                        // its text, in the language of the screens
   std::string placementText2d, placementText3d;  // the band of placement mode
   char statusLine1[512] = "";
