@@ -28,21 +28,29 @@ void product(const array3d<double>& out, const array3d<double>& a, const array3d
   for (int m = 0; m < n; ++m) out.data[m] = a.data[m] * b.data[m];
 }
 
+// du/dx, dv/dy and dw/dz into a, b and c; a derivative across a grid of one
+// layer is 0.
+void diagonalGradients(const sceneView& scene, const appConfig& cfg, const array3d<double>& u, const array3d<double>& v,
+                       const array3d<double>& w, const array3d<double>& a, const array3d<double>& b,
+                       const array3d<double>& c) {
+  gradX(scene.grad, cfg, u, a);
+  if (cfg.ny > 1)
+    gradY(scene.grad, cfg, v, b);
+  else
+    fill(b, 0.0);
+  if (cfg.nz > 1)
+    gradZ(scene.grad, cfg, w, c);
+  else
+    fill(c, 0.0);
+}
+
 // Second invariant of the velocity gradient, negative values cut to 0.
 void secondInvariant(const sceneView& scene, const appConfig& cfg, const array3d<double>& out, const array3d<double>& u,
                      const array3d<double>& v, const array3d<double>& w, const array3d<double>& a,
                      const array3d<double>& b, const array3d<double>& c) {
   const int n = out.count();
   const bool hasY = cfg.ny > 1, hasZ = cfg.nz > 1;
-  gradX(scene.grad, cfg, u, a);
-  if (hasY)
-    gradY(scene.grad, cfg, v, b);
-  else
-    fill(b, 0.0);
-  if (hasZ)
-    gradZ(scene.grad, cfg, w, c);
-  else
-    fill(c, 0.0);
+  diagonalGradients(scene, cfg, u, v, w, a, b, c);
   for (int m = 0; m < n; ++m) {
     const double ux = a.data[m], vy = b.data[m], wz = c.data[m];
     c.data[m] = ux * vy + vy * wz + wz * ux;
@@ -89,15 +97,7 @@ void divergence(const sceneView& scene, const appConfig& cfg, const array3d<doub
       fill(c, 0.0);
     f = 1.0 / cfg.rhow;
   } else {
-    gradX(scene.grad, cfg, u, a);
-    if (hasY)
-      gradY(scene.grad, cfg, v, b);
-    else
-      fill(b, 0.0);
-    if (hasZ)
-      gradZ(scene.grad, cfg, w, c);
-    else
-      fill(c, 0.0);
+    diagonalGradients(scene, cfg, u, v, w, a, b, c);
   }
   const double factor = cfg.deltat * f;
   const int n = out.count();
