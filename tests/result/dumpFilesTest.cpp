@@ -13,6 +13,7 @@
 
 #include "result/dumpFiles.h"
 #include "result/stepResults.h"
+#include "testGrid.h"
 #include "testSupport.h"
 
 namespace {
@@ -29,17 +30,9 @@ struct dumpCase {
   fieldViews views{};
 
   dumpCase(int nx, int ny, int nz, double lx, double ly, double lz, int cmode = 0, int ageFlag = 0) {
-    cfg.nx = nx;
-    cfg.ny = ny;
-    cfg.nz = nz;
+    marv::testing::setGrid(cfg, nx, ny, nz, lx, ly, lz);
     cfg.cmode = cmode;
     cfg.ageFlag = static_cast<std::uint8_t>(ageFlag);
-    cfg.xCoord.resize(nx);
-    cfg.yCoord.resize(ny);
-    cfg.zCoord.resize(nz);
-    for (int i = 0; i < nx; ++i) cfg.xCoord[i] = i * lx / (nx - 1);
-    for (int j = 0; j < ny; ++j) cfg.yCoord[j] = j * ly / (ny - 1);
-    for (int k = 0; k < nz; ++k) cfg.zCoord[k] = nz > 1 ? k * lz / (nz - 1) : 0.0;
     for (int v = 0; v < 12; ++v) fields.emplace_back(nx, ny, nz);
     for (int v = 0; v < 12; ++v) views[v] = fields[v];
   }

@@ -26,13 +26,11 @@ TEST(VelocityStatistics, PeaksSpeedsAndAdaptiveStep) {
   const marv::velocityStatistics calm = marv::scanVelocity(still, still, still);
   EXPECT_DOUBLE_EQ(calm.minSpeed, 0.0) << "equal extremes: half of the largest";
   EXPECT_DOUBLE_EQ(marv::adaptiveDeltat(0.25, 0.1, 0.2, calm), 2500.0) << "still fluid";
-}
 
-TEST(VelocityStatistics, ValuesAreRoundedToSinglePrecision) {
-  ownedArray3d<double> u(1, 1, 1), v(1, 1, 1), w(1, 1, 1);
-  u(0, 0, 0) = 1.0 + 1e-12;
-  const marv::velocityStatistics s = marv::scanVelocity(u, v, w);
-  EXPECT_EQ(s.peakU, 1.0);
+  // Values are rounded to single precision.
+  ownedArray3d<double> one(1, 1, 1);
+  one(0, 0, 0) = 1.0 + 1e-12;
+  EXPECT_EQ(marv::scanVelocity(one, one, one).peakU, 1.0);
 }
 
 TEST(VelocityStatistics, AnyValueThatIsNotFiniteMakesThePeaksNonFinite) {
@@ -48,9 +46,6 @@ TEST(VelocityStatistics, AnyValueThatIsNotFiniteMakesThePeaksNonFinite) {
       EXPECT_FALSE(marv::peaksFinite(s)) << bad << " in component " << component;
     }
   }
-  ownedArray3d<double> u(4, 3, 2), v(4, 3, 2), w;
-  u(0, 0, 0) = -3.0e38;
-  EXPECT_TRUE(marv::peaksFinite(marv::scanVelocity(u, v, w))) << "large but finite in single precision";
 }
 
 }  // namespace
