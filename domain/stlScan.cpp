@@ -179,34 +179,23 @@ void clipToExtents(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
     int& flag = domain.bcFlag(i, j, k);
     if (flag == stlType || flag == stlSolidType) flag = fluidType;
   };
-  // Nodes below the low end or from the high end on are beyond the model.
-  for (int k = 0; k < nz; ++k) {
-    showProgress(cfg, 1);
-    for (int j = 0; j < ny; ++j) {
-      const std::size_t at = static_cast<std::size_t>(k) * ny + j;
-      const int lo = nodeIndex(xLow[at], cfg.xCoord[0], cfg.dx), hi = nodeIndex(xHigh[at], cfg.xCoord[0], cfg.dx);
-      for (int i = 0; i < nx; ++i)
-        if (i < lo || i >= hi) clear(i, j, k);
+  // Nodes below the low end or from the high end on are beyond the model:
+  // along each axis in turn, lines numbered (outer, middle) across it.
+  auto clipAlong = [&](int outer, int middle, int along, const auto& low, const auto& high, double first, double h,
+                       auto node) {
+    for (int o = 0; o < outer; ++o) {
+      showProgress(cfg, 1);
+      for (int m = 0; m < middle; ++m) {
+        const std::size_t at = static_cast<std::size_t>(o) * middle + m;
+        const int lo = nodeIndex(low[at], first, h), hi = nodeIndex(high[at], first, h);
+        for (int a = 0; a < along; ++a)
+          if (a < lo || a >= hi) node(o, m, a);
+      }
     }
-  }
-  for (int k = 0; k < nz; ++k) {
-    showProgress(cfg, 1);
-    for (int i = 0; i < nx; ++i) {
-      const std::size_t at = static_cast<std::size_t>(k) * nx + i;
-      const int lo = nodeIndex(yLow[at], cfg.yCoord[0], cfg.dy), hi = nodeIndex(yHigh[at], cfg.yCoord[0], cfg.dy);
-      for (int j = 0; j < ny; ++j)
-        if (j < lo || j >= hi) clear(i, j, k);
-    }
-  }
-  for (int j = 0; j < ny; ++j) {
-    showProgress(cfg, 1);
-    for (int i = 0; i < nx; ++i) {
-      const std::size_t at = static_cast<std::size_t>(j) * nx + i;
-      const int lo = nodeIndex(zLow[at], cfg.zCoord[0], cfg.dz), hi = nodeIndex(zHigh[at], cfg.zCoord[0], cfg.dz);
-      for (int k = 0; k < nz; ++k)
-        if (k < lo || k >= hi) clear(i, j, k);
-    }
-  }
+  };
+  clipAlong(nz, ny, nx, xLow, xHigh, cfg.xCoord[0], cfg.dx, [&](int k, int j, int i) { clear(i, j, k); });
+  clipAlong(nz, nx, ny, yLow, yHigh, cfg.yCoord[0], cfg.dy, [&](int k, int i, int j) { clear(i, j, k); });
+  clipAlong(ny, nx, nz, zLow, zHigh, cfg.zCoord[0], cfg.dz, [&](int j, int i, int k) { clear(i, j, k); });
 }
 
 int stlScanRefreshes(bcDomain& domain, const appConfig& cfg) {
