@@ -104,20 +104,15 @@ void divergence(const sceneView& scene, const appConfig& cfg, const array3d<doub
   for (int m = 0; m < n; ++m) out.data[m] = (a.data[m] + b.data[m] + c.data[m]) * factor;
 }
 
-// Speed, the default quantity, in one pass with its range: the fields are
-// read once for the statistics and once here, and the display field is
-// written once and never read back.
-void speedWithRange(const array3d<double>& out, const array3d<double>& u, const array3d<double>& v,
-                    const array3d<double>& w, const array3d<int>& solidMask, bool countSolid, double& lo, double& hi) {
-  const int n = out.count();
+// The range of valueAt(m) over n nodes, leaving out values that are not
+// finite and, unless countSolid, solid nodes; a flat range is widened.
+template <class valueFunction>
+void rangeOf(int n, const array3d<int>& solidMask, bool countSolid, valueFunction valueAt, double& lo, double& hi) {
   const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
-  const bool hasW = !empty(w);
   double top = -1e10, bottom = 1e10;
 #pragma omp simd reduction(max : top) reduction(min : bottom)
   for (int m = 0; m < n; ++m) {
-    const double wm = hasW ? w.data[m] : 0.0;
-    const double value = std::sqrt(u.data[m] * u.data[m] + v.data[m] * v.data[m] + wm * wm);
-    out.data[m] = value;
+    const double value = valueAt(m);
     const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
     top = std::max(top, counts ? value : -1e300);
     bottom = std::min(bottom, counts ? value : 1e300);
@@ -127,24 +122,30 @@ void speedWithRange(const array3d<double>& out, const array3d<double>& u, const 
   hi = top;
 }
 
+// Speed, the default quantity, in one pass with its range: the fields are
+// read once for the statistics and once here, and the display field is
+// written once and never read back.
+void speedWithRange(const array3d<double>& out, const array3d<double>& u, const array3d<double>& v,
+                    const array3d<double>& w, const array3d<int>& solidMask, bool countSolid, double& lo, double& hi) {
+  const bool hasW = !empty(w);
+  rangeOf(
+      out.count(), solidMask, countSolid,
+      [&](int m) {
+        const double wm = hasW ? w.data[m] : 0.0;
+        const double value = std::sqrt(u.data[m] * u.data[m] + v.data[m] * v.data[m] + wm * wm);
+        out.data[m] = value;
+        return value;
+      },
+      lo, hi);
+}
+
 }  // namespace
 
 const char* quantityLabelOf(int q) { return q >= 0 && q <= 11 ? labels[q] : labels[0]; }
 
 void scanRange(const array3d<double>& field, const array3d<int>& solidMask, bool countSolid, double& lo, double& hi) {
-  double top = -1e10, bottom = 1e10;
-  const int n = field.count();
-  const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
-#pragma omp simd reduction(max : top) reduction(min : bottom)
-  for (int m = 0; m < n; ++m) {
-    const double value = field.data[m];
-    const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
-    top = std::max(top, counts ? value : -1e300);
-    bottom = std::min(bottom, counts ? value : 1e300);
-  }
-  widenFlatRange(bottom, top);
-  lo = bottom;
-  hi = top;
+  rangeOf(
+      field.count(), solidMask, countSolid, [&](int m) { return field.data[m]; }, lo, hi);
 }
 
 void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {
