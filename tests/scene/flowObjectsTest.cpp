@@ -14,6 +14,7 @@
 #include "scene/particles.h"
 #include "scene/planes.h"
 #include "scene/streamlines.h"
+#include "testGrid.h"
 
 namespace {
 
@@ -158,12 +159,7 @@ struct boxMesh {
   appConfig cfg;
   sceneView scene;
   boxMesh() {
-    cfg.nx = 11, cfg.ny = 6, cfg.nz = 5;
-    cfg.dx = cfg.dy = cfg.dz = 0.1;
-    cfg.lx = 1.0, cfg.ly = 0.5, cfg.lz = 0.4;
-    for (int i = 0; i < cfg.nx; ++i) cfg.xCoord.push_back(i * 0.1);
-    for (int j = 0; j < cfg.ny; ++j) cfg.yCoord.push_back(j * 0.1);
-    for (int k = 0; k < cfg.nz; ++k) cfg.zCoord.push_back(k * 0.1);
+    marv::testing::setGrid(cfg, 11, 6, 5, 1.0, 0.5, 0.4);  // spacing 0.1
     cfg.shiftDown = 1;
     scene.is3d = 1;
   }
