@@ -20,16 +20,8 @@ const marvtest::rgb white{}, red{255, 0, 0}, blue{0, 0, 255}, brown{100, 50, 20}
 
 class bitmapStage : public ::testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = marvtest::scratchFolder("stage");
-    previous_ = fs::current_path();
-    fs::current_path(folder_);
-    fs::create_directories("input");
-  }
-  void TearDown() override {
-    fs::current_path(previous_);
-    fs::remove_all(folder_);
-  }
+  void SetUp() override { fs::create_directories("input"); }
+  marvtest::inFolder here{marvtest::scratchFolder("stage")};
   // A case of 21 x 21 (x nz) nodes, 25 pixels per cell.
   void makeCase(int nz) {
     constructAppConfig(cfg, false, false);
@@ -63,9 +55,6 @@ class bitmapStage : public ::testing::Test {
   }
 
   appConfig cfg;
-
- private:
-  fs::path folder_, previous_;
 };
 
 TEST_F(bitmapStage, ChoicesOnTheListReachTheTables) {
