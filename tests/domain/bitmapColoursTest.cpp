@@ -99,14 +99,13 @@ TEST(bitmapColours, fullListPurgesBeforeTakingANewColour) {
 class bitmapFiles : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(startLayer(), 0); }
+  marvtest::inFolder here{marvtest::scratchFolder("bitmaps")};
   std::vector<std::string> said;
   std::function<void(const std::string&)> say = [this](const std::string& s) { said.push_back(s); };
 };
 
 TEST_F(bitmapFiles, anyPictureSizeFillsTheMeshOnePixelPerNode) {
   for (int nx : {2, 3, 7, 17}) {
-    auto folder = marvtest::scratchFolder("bitmaps");
-    marvtest::inFolder here(folder);
     appConfig cfg;
     marvtest::setBitmapCase(cfg, nx, 5, 1, 1.0, 1.0, 1.0, 6);
     // Left half black, a blue top row, of a size unrelated to the mesh.
@@ -131,8 +130,6 @@ TEST_F(bitmapFiles, anyPictureSizeFillsTheMeshOnePixelPerNode) {
 }
 
 TEST_F(bitmapFiles, threePlanesAndSlicesWithGapsAndAntiAliasedEdges) {
-  auto folder = marvtest::scratchFolder("bitmaps");
-  marvtest::inFolder here(folder);
   appConfig cfg;
   marvtest::setBitmapCase(cfg, 9, 5, 7, 2.0, 1.0, 1.5, 4);
   // XY slice 2 only; YZ slice 0 with a one-pixel grey seam (rare colour);
@@ -160,8 +157,6 @@ TEST_F(bitmapFiles, threePlanesAndSlicesWithGapsAndAntiAliasedEdges) {
 }
 
 TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
-  auto folder = marvtest::scratchFolder("bitmaps");
-  marvtest::inFolder here(folder);
   appConfig cfg;
   marvtest::setBitmapCase(cfg, 5, 5, 3);
   // Nothing at all: the presets alone, no message.
