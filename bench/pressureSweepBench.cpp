@@ -30,6 +30,7 @@
 #include <memory>
 #include <vector>
 
+#include "bench/benchGrid.h"
 #include "domain/bcDomain.h"
 #include "solver/solverCommon.h"
 #include "solver/sweepRows.h"
@@ -147,22 +148,8 @@ struct sweepCase {
   bcDomain domain;
   std::unique_ptr<sweepOnly> solver;
   sweepCase(int n, int nz, int threads) {
-    cfg.nx = cfg.ny = n;
-    cfg.nz = nz;
-    cfg.dx = cfg.dy = 1.0 / (n - 1);
-    cfg.dz = nz > 1 ? 1.0 / (nz - 1) : 1.0;
+    marvbench::setBenchGrid(cfg, n, nz, threads);
     cfg.omega = 1.8;
-    // Tiles as the default layout makes them: y halves in 2D, z halves in 3D.
-    const int npy = nz == 1 ? threads : 1, npz = nz == 1 ? 1 : threads;
-    cfg.numThreads = threads;
-    cfg.npx = 1, cfg.npy = npy, cfg.npz = npz;
-    for (int t = 0; t < threads; ++t) {
-      const int py = nz == 1 ? t : 0, pz = nz == 1 ? 0 : t;
-      cfg.threadX.push_back(0), cfg.threadY.push_back(py), cfg.threadZ.push_back(pz);
-      cfg.tileI0.push_back(0), cfg.tileI1.push_back(n);
-      cfg.tileJ0.push_back(py * (n / npy)), cfg.tileJ1.push_back(py == npy - 1 ? n : (py + 1) * (n / npy));
-      cfg.tileK0.push_back(pz * (nz / npz)), cfg.tileK1.push_back(pz == npz - 1 ? nz : (pz + 1) * (nz / npz));
-    }
     solver = std::make_unique<sweepOnly>(cfg, domain);
     for (int c = 0; c < solver->tau11.count(); ++c) solver->tau11[c] = 1.0;
   }

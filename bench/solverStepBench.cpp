@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "bench/benchGrid.h"
 #include "domain/bcDomain.h"
 #include "domain/nodeLists.h"
 #include "project/applyParameters.h"
@@ -23,14 +24,7 @@ struct benchCase {
   std::unique_ptr<incompSolver> solver;
 
   benchCase(int n, int nz, int threads) {
-    cfg.nx = cfg.ny = n;
-    cfg.nz = nz;
-    cfg.dx = cfg.dy = 1.0 / (n - 1);
-    cfg.dz = nz > 1 ? 1.0 / (nz - 1) : 1.0;
-    cfg.lz = nz > 1 ? 1.0 : 0.0;
-    cfg.xCoord.resize(n), cfg.yCoord.resize(n), cfg.zCoord.resize(nz);
-    for (int i = 0; i < n; ++i) cfg.xCoord[i] = cfg.yCoord[i] = i * cfg.dx;
-    for (int k = 0; k < nz; ++k) cfg.zCoord[k] = k * cfg.dz;
+    marvbench::setBenchGrid(cfg, n, nz, threads);
     cfg.ibm = 0;
     cfg.mu = 1e-3;
     cfg.uinb = 1.0;
@@ -40,16 +34,6 @@ struct benchCase {
     cfg.deltat = 0.2 * cfg.dx;
     setColourTables(cfg);
     cfg.bcTypePresent = {0, 1, 1, 0, 0, 0, 0, 0, 0, 0};
-    // Tiles along the slowest axis.
-    cfg.numThreads = threads;
-    cfg.npx = 1;
-    cfg.npy = nz > 1 ? 1 : threads;
-    cfg.npz = nz > 1 ? threads : 1;
-    cfg.threadX.assign(threads, 0), cfg.threadY.assign(threads, 0), cfg.threadZ.assign(threads, 0);
-    for (int t = 0; t < threads; ++t) (nz > 1 ? cfg.threadZ : cfg.threadY)[t] = t;
-    splitAxis(n, cfg.npx, cfg.threadX, threads, cfg.tileI0, cfg.tileI1);
-    splitAxis(n, cfg.npy, cfg.threadY, threads, cfg.tileJ0, cfg.tileJ1);
-    splitAxis(nz, cfg.npz, cfg.threadZ, threads, cfg.tileK0, cfg.tileK1);
     constructDomain(domain, cfg);
     for (int k = 0; k < nz; ++k)
       for (int j = 0; j < n; ++j)

@@ -7,43 +7,11 @@
 #include <cmath>
 
 #include "domain/stlScan.h"
+#include "tests/domain/sphereModel.h"
 
 namespace {
 
 using namespace marv;
-
-bcSurface sphere(double c, double r, int rings, int segments) {
-  constexpr double pi = 3.14159265358979323846;
-  bcSurface s;
-  auto at = [&](int ring, int seg, float out[3]) {
-    const double theta = pi * ring / rings, phi = 2.0 * pi * seg / segments;
-    out[0] = static_cast<float>(c + r * std::sin(theta) * std::cos(phi));
-    out[1] = static_cast<float>(c + r * std::sin(theta) * std::sin(phi));
-    out[2] = static_cast<float>(c + r * std::cos(theta));
-  };
-  for (int ring = 0; ring < rings; ++ring)
-    for (int seg = 0; seg < segments; ++seg) {
-      for (int half = 0; half < 2; ++half) {
-        if ((half == 0 && ring == 0) || (half == 1 && ring == rings - 1)) continue;
-        bcTriangle t;
-        if (half == 0) {
-          at(ring, seg, t.vertex[0]), at(ring + 1, seg, t.vertex[1]), at(ring, seg + 1, t.vertex[2]);
-        } else {
-          at(ring + 1, seg, t.vertex[0]), at(ring + 1, seg + 1, t.vertex[1]), at(ring, seg + 1, t.vertex[2]);
-        }
-        double len = 0.0;
-        for (int a = 0; a < 3; ++a) {
-          t.centroid[a] = (t.vertex[0][a] + t.vertex[1][a] + t.vertex[2][a]) / 3.0f;
-          t.normal[a] = static_cast<float>(t.centroid[a] - c);
-          len += t.normal[a] * t.normal[a];
-        }
-        for (float& n : t.normal) n = static_cast<float>(n / std::sqrt(len));
-        s.triangles.push_back(t);
-      }
-    }
-  s.numTriangles = static_cast<int>(s.triangles.size());
-  return s;
-}
 
 void stlScan(benchmark::State& state) {
   appConfig cfg;
@@ -56,7 +24,7 @@ void stlScan(benchmark::State& state) {
   cfg.stlPresent = 1;
   bcDomain domain;
   constructDomain(domain, cfg);
-  domain.surfaces[7] = sphere(0.5, 0.3, 224, 224);  // 99,904 triangles
+  domain.surfaces[7] = sphereModel(0.5, 0.5, 0.5, 0.3, 224, 224);  // 99,904 triangles
   for (auto _ : state) {
     fill<int>(domain.bcFlag, 0);
     fill<int>(domain.nearestTriangle, noTriangle);

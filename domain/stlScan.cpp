@@ -137,6 +137,17 @@ void clipToExtents(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
     to = std::min(n - 1, nodeIndex(hi, first, h));
     return from <= n - 1;
   };
+  // Widens the extent along one axis over the lines (outer, middle) across
+  // it that a triangle covers.
+  auto widen = [](std::vector<float>& low, std::vector<float>& high, float from, float to, int o0, int o1, int m0,
+                  int m1, int middle) {
+    for (int o = o0; o <= o1; ++o)
+      for (int m = m0; m <= m1; ++m) {
+        const std::size_t at = static_cast<std::size_t>(o) * middle + m;
+        low[at] = std::min(low[at], from);
+        high[at] = std::max(high[at], to);
+      }
+  };
   for (std::size_t n = 0; n < model.triangles.size(); ++n) {
     if (static_cast<int>(n % static_cast<std::size_t>(domain.scanStepExtents)) == 0) showProgress(cfg, 1);
     const bcTriangle& t = model.triangles[n];
@@ -153,60 +164,31 @@ void clipToExtents(bcDomain& domain, appConfig& cfg, const bcSurface& model) {
     const bool xs = range(lo[0], hi[0], cfg.xCoord[0], cfg.dx, nx, i0, i1);
     const bool ys = range(lo[1], hi[1], cfg.yCoord[0], cfg.dy, ny, j0, j1);
     const bool zs = range(lo[2], hi[2], cfg.zCoord[0], cfg.dz, nz, k0, k1);
-    if (ys && zs)
-      for (int k = k0; k <= k1; ++k)
-        for (int j = j0; j <= j1; ++j) {
-          const std::size_t at = static_cast<std::size_t>(k) * ny + j;
-          xLow[at] = std::min(xLow[at], lo[0]);
-          xHigh[at] = std::max(xHigh[at], hi[0]);
-        }
-    if (xs && zs)
-      for (int k = k0; k <= k1; ++k)
-        for (int i = i0; i <= i1; ++i) {
-          const std::size_t at = static_cast<std::size_t>(k) * nx + i;
-          yLow[at] = std::min(yLow[at], lo[1]);
-          yHigh[at] = std::max(yHigh[at], hi[1]);
-        }
-    if (xs && ys)
-      for (int j = j0; j <= j1; ++j)
-        for (int i = i0; i <= i1; ++i) {
-          const std::size_t at = static_cast<std::size_t>(j) * nx + i;
-          zLow[at] = std::min(zLow[at], lo[2]);
-          zHigh[at] = std::max(zHigh[at], hi[2]);
-        }
+    if (ys && zs) widen(xLow, xHigh, lo[0], hi[0], k0, k1, j0, j1, ny);
+    if (xs && zs) widen(yLow, yHigh, lo[1], hi[1], k0, k1, i0, i1, nx);
+    if (xs && ys) widen(zLow, zHigh, lo[2], hi[2], j0, j1, i0, i1, nx);
   }
   auto clear = [&](int i, int j, int k) {
     int& flag = domain.bcFlag(i, j, k);
     if (flag == stlType || flag == stlSolidType) flag = fluidType;
   };
-  // Nodes below the low end or from the high end on are beyond the model.
-  for (int k = 0; k < nz; ++k) {
-    showProgress(cfg, 1);
-    for (int j = 0; j < ny; ++j) {
-      const std::size_t at = static_cast<std::size_t>(k) * ny + j;
-      const int lo = nodeIndex(xLow[at], cfg.xCoord[0], cfg.dx), hi = nodeIndex(xHigh[at], cfg.xCoord[0], cfg.dx);
-      for (int i = 0; i < nx; ++i)
-        if (i < lo || i >= hi) clear(i, j, k);
+  // Nodes below the low end or from the high end on are beyond the model:
+  // along each axis in turn, lines numbered (outer, middle) across it.
+  auto clipAlong = [&](int outer, int middle, int along, const auto& low, const auto& high, double first, double h,
+                       auto node) {
+    for (int o = 0; o < outer; ++o) {
+      showProgress(cfg, 1);
+      for (int m = 0; m < middle; ++m) {
+        const std::size_t at = static_cast<std::size_t>(o) * middle + m;
+        const int lo = nodeIndex(low[at], first, h), hi = nodeIndex(high[at], first, h);
+        for (int a = 0; a < along; ++a)
+          if (a < lo || a >= hi) node(o, m, a);
+      }
     }
-  }
-  for (int k = 0; k < nz; ++k) {
-    showProgress(cfg, 1);
-    for (int i = 0; i < nx; ++i) {
-      const std::size_t at = static_cast<std::size_t>(k) * nx + i;
-      const int lo = nodeIndex(yLow[at], cfg.yCoord[0], cfg.dy), hi = nodeIndex(yHigh[at], cfg.yCoord[0], cfg.dy);
-      for (int j = 0; j < ny; ++j)
-        if (j < lo || j >= hi) clear(i, j, k);
-    }
-  }
-  for (int j = 0; j < ny; ++j) {
-    showProgress(cfg, 1);
-    for (int i = 0; i < nx; ++i) {
-      const std::size_t at = static_cast<std::size_t>(j) * nx + i;
-      const int lo = nodeIndex(zLow[at], cfg.zCoord[0], cfg.dz), hi = nodeIndex(zHigh[at], cfg.zCoord[0], cfg.dz);
-      for (int k = 0; k < nz; ++k)
-        if (k < lo || k >= hi) clear(i, j, k);
-    }
-  }
+  };
+  clipAlong(nz, ny, nx, xLow, xHigh, cfg.xCoord[0], cfg.dx, [&](int k, int j, int i) { clear(i, j, k); });
+  clipAlong(nz, nx, ny, yLow, yHigh, cfg.yCoord[0], cfg.dy, [&](int k, int i, int j) { clear(i, j, k); });
+  clipAlong(ny, nx, nz, zLow, zHigh, cfg.zCoord[0], cfg.dz, [&](int j, int i, int k) { clear(i, j, k); });
 }
 
 int stlScanRefreshes(bcDomain& domain, const appConfig& cfg) {

@@ -5,13 +5,11 @@
 #include <cmath>
 
 #include "domain/gridSampling.h"
+#include "result/colourRecordFile.h"
 
 namespace marv {
 
 namespace {
-
-constexpr int firstRecorded = 1;  // colour 0, free fluid, is never recorded
-constexpr int lastRecorded = 8;
 
 // Physical height of a surface point held in the world's mirrored z.
 double physicalZ(const appConfig& cfg, float worldZ) {
@@ -64,50 +62,26 @@ forceVector surfaceForce(const appConfig& cfg, const array3d<double>& p, const b
 }
 
 const recordLayout& forceLayout(const appConfig& cfg) {
-  static const recordLayout layout = [&cfg] {
-    recordLayout made;
-    made.headWords = {"ts", "time(s)"};
-    for (int c = firstRecorded; c <= lastRecorded; ++c)
-      made.headWords.push_back(formatText("%s_flag", cfg.bcTypeNames[c]));
-    for (int c = firstRecorded; c <= lastRecorded; ++c)
-      for (const char* axis : {"Fx", "Fy", "Fz"})
-        made.headWords.push_back(formatText("%s_%s(N)", cfg.bcTypeNames[c], axis));
-    made.columns = static_cast<int>(made.headWords.size());
-    return made;
-  }();
+  static const recordLayout layout = colourRecordLayout(cfg, {"Fx(N)", "Fy(N)", "Fz(N)"});
   return layout;
 }
 
-std::string forceHeadLine(const appConfig& cfg) {
-  std::string line = formatText("%12s %12s ", "ts", "time(s)");
-  for (int c = firstRecorded; c <= lastRecorded; ++c) line += formatText("%12s_flag ", cfg.bcTypeNames[c]);
-  for (int c = firstRecorded; c <= lastRecorded; ++c) {
-    line += formatText("%12s_Fx(N) ", cfg.bcTypeNames[c]);
-    line += formatText("%12s_Fy(N) ", cfg.bcTypeNames[c]);
-    line += formatText("%12s_Fz(N) ", cfg.bcTypeNames[c]);
-  }
-  return line + "\n";
-}
+std::string forceHeadLine(const appConfig& cfg) { return colourHeadLine(cfg, {"Fx(N)", "Fy(N)", "Fz(N)"}); }
 
 std::string forceDataLine(const appConfig& cfg) {
-  std::string line = formatText("%12d %12.5e ", cfg.ts, cfg.time);
-  for (int c = firstRecorded; c <= lastRecorded; ++c) line += formatText("%17d ", cfg.forceRecordOn[c]);
-  for (int c = firstRecorded; c <= lastRecorded; ++c)
-    for (float value : cfg.forceValues[c]) line += formatText("%18.5e ", static_cast<double>(value));
-  return line + "\n";
+  double values[3 * (lastRecordedColour - firstRecordedColour + 1)];
+  for (int c = firstRecordedColour; c <= lastRecordedColour; ++c)
+    for (int a = 0; a < 3; ++a) values[3 * (c - firstRecordedColour) + a] = cfg.forceValues[c][a];
+  return colourDataLine(cfg, cfg.forceRecordOn, values, 3);
 }
 
 void readForceSetup(appConfig& cfg) {
-  cfg.forceHeaderDone = 0;
-  cfg.forceFileRefused = 0;
-  if (cfg.numRecForce == 0 || cfg.showForce == 0) return;
-  readColourFlags(cfg, forceFilePath, forceLayout(cfg), cfg.forceRecordOn, cfg.numRecForce, cfg.forceFileRefused);
+  readColourSetup(cfg, forceFilePath, forceLayout(cfg), cfg.showForce, cfg.forceRecordOn, cfg.numRecForce,
+                  cfg.forceHeaderDone, cfg.forceFileRefused);
 }
 
 bool writeForce(appConfig& cfg) {
-  if (cfg.sts >= 1 && cfg.ts == cfg.sts) return false;
-  if (cfg.forceRecInterval <= 0 || cfg.ts % cfg.forceRecInterval != 0) return false;
-  if (cfg.showForce == 0 || cfg.numRecForce == 0) return false;
+  if (!colourRecordStep(cfg, cfg.forceRecInterval, cfg.showForce, cfg.numRecForce)) return false;
   std::FILE* f = openRecordForLine(cfg, forceFilePath, forceLayout(cfg), forceHeadLine(cfg), cfg.forceHeaderDone,
                                    cfg.forceFileRefused);
   if (f == nullptr) return false;

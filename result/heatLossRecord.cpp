@@ -7,13 +7,11 @@
 #include "common/gradOperator.h"
 #include "domain/bcDomain.h"
 #include "domain/gridSampling.h"
+#include "result/colourRecordFile.h"
 
 namespace marv {
 
 namespace {
-
-constexpr int firstRecorded = 1;
-constexpr int lastRecorded = 8;
 
 void addSquare(const array3d<double>& sum, const array3d<double>& term) {
   const int n = sum.count();
@@ -111,45 +109,23 @@ double surfaceHeatLoss(const appConfig& cfg, const array3d<double>& temperature,
 }
 
 const recordLayout& heatLossLayout(const appConfig& cfg) {
-  static const recordLayout layout = [&cfg] {
-    recordLayout made;
-    made.headWords = {"ts", "time(s)"};
-    for (int c = firstRecorded; c <= lastRecorded; ++c)
-      made.headWords.push_back(formatText("%s_flag", cfg.bcTypeNames[c]));
-    for (int c = firstRecorded; c <= lastRecorded; ++c)
-      made.headWords.push_back(formatText("%s_heatLoss(W/m^2)", cfg.bcTypeNames[c]));
-    made.columns = static_cast<int>(made.headWords.size());
-    return made;
-  }();
+  static const recordLayout layout = colourRecordLayout(cfg, {"heatLoss(W/m^2)"});
   return layout;
 }
 
-std::string heatLossHeadLine(const appConfig& cfg) {
-  std::string line = formatText("%12s %12s ", "ts", "time(s)");
-  for (int c = firstRecorded; c <= lastRecorded; ++c) line += formatText("%12s_flag ", cfg.bcTypeNames[c]);
-  for (int c = firstRecorded; c <= lastRecorded; ++c) line += formatText("%12s_heatLoss(W/m^2) ", cfg.bcTypeNames[c]);
-  return line + "\n";
-}
+std::string heatLossHeadLine(const appConfig& cfg) { return colourHeadLine(cfg, {"heatLoss(W/m^2)"}); }
 
 std::string heatLossDataLine(const appConfig& cfg) {
-  std::string line = formatText("%12d %12.5e ", cfg.ts, cfg.time);
-  for (int c = firstRecorded; c <= lastRecorded; ++c) line += formatText("%17d ", cfg.heatRecordOn[c]);
-  for (int c = firstRecorded; c <= lastRecorded; ++c) line += formatText("%18.5e ", cfg.heatValues[c]);
-  return line + "\n";
+  return colourDataLine(cfg, cfg.heatRecordOn, &cfg.heatValues[firstRecordedColour], 1);
 }
 
 void readHeatLossSetup(appConfig& cfg) {
-  cfg.heatHeaderDone = 0;
-  cfg.heatFileRefused = 0;
-  if (cfg.numRecHeatLoss == 0 || cfg.showHeatLoss == 0) return;
-  readColourFlags(cfg, heatLossFilePath, heatLossLayout(cfg), cfg.heatRecordOn, cfg.numRecHeatLoss,
-                  cfg.heatFileRefused);
+  readColourSetup(cfg, heatLossFilePath, heatLossLayout(cfg), cfg.showHeatLoss, cfg.heatRecordOn, cfg.numRecHeatLoss,
+                  cfg.heatHeaderDone, cfg.heatFileRefused);
 }
 
 bool writeHeatLoss(appConfig& cfg) {
-  if (cfg.sts >= 1 && cfg.ts == cfg.sts) return false;
-  if (cfg.heatLossRecInterval <= 0 || cfg.ts % cfg.heatLossRecInterval != 0) return false;
-  if (cfg.showHeatLoss == 0 || cfg.numRecHeatLoss == 0) return false;
+  if (!colourRecordStep(cfg, cfg.heatLossRecInterval, cfg.showHeatLoss, cfg.numRecHeatLoss)) return false;
   std::FILE* f = openRecordForLine(cfg, heatLossFilePath, heatLossLayout(cfg), heatLossHeadLine(cfg),
                                    cfg.heatHeaderDone, cfg.heatFileRefused);
   if (f == nullptr) return false;

@@ -35,4 +35,16 @@ inline latticeAxis makeLatticeAxis(int n, int step, double h) {
   return a;
 }
 
+// The lattice's three axes over a 3D mesh; false when the node coordinates
+// do not cover the mesh.
+inline bool latticeAxes(const appConfig& cfg, latticeAxis& ax, latticeAxis& ay, latticeAxis& az) {
+  if (static_cast<int>(cfg.xCoord.size()) < cfg.nx || static_cast<int>(cfg.yCoord.size()) < cfg.ny ||
+      static_cast<int>(cfg.zCoord.size()) < cfg.nz)
+    return false;
+  const std::array<int, 3> steps = latticeSteps(cfg);
+  ax = makeLatticeAxis(cfg.nx, steps[0], cfg.dx), ay = makeLatticeAxis(cfg.ny, steps[1], cfg.dy);
+  az = makeLatticeAxis(cfg.nz, steps[2], cfg.dz);
+  return true;
+}
+
 }  // namespace marv

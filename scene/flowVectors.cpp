@@ -95,12 +95,8 @@ void drawVectors3d(const sceneView& scene, const appConfig& cfg, const fieldView
   if (!fits(views[fieldU], count) || !fits(views[fieldV], count) || !fits(views[fieldW], count) ||
       !fits(display, count) || bcFlag.data == nullptr || bcFlag.count() != count)
     return;
-  if (static_cast<int>(cfg.xCoord.size()) < cfg.nx || static_cast<int>(cfg.yCoord.size()) < cfg.ny ||
-      static_cast<int>(cfg.zCoord.size()) < cfg.nz)
-    return;
-  const std::array<int, 3> steps = latticeSteps(cfg);
-  const latticeAxis ax = makeLatticeAxis(cfg.nx, steps[0], cfg.dx), ay = makeLatticeAxis(cfg.ny, steps[1], cfg.dy);
-  const latticeAxis az = makeLatticeAxis(cfg.nz, steps[2], cfg.dz);
+  latticeAxis ax, ay, az;
+  if (!latticeAxes(cfg, ax, ay, az)) return;
   const double h = std::sqrt(cfg.dx * cfg.dx + cfg.dy * cfg.dy + cfg.dz * cfg.dz);
   const double maxSpeed = scene.stats.maxSpeed, minSpeed = scene.stats.minSpeed, s = cfg.miniVecSizeScaling;
   const double spread = maxSpeed - minSpeed;

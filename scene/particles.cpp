@@ -172,12 +172,8 @@ void drawTracers(const sceneView& scene, const appConfig& cfg, const fieldViews&
 void drawContourSpheres(const sceneView& scene, const appConfig& cfg, const fieldViews& views) {
   const array3d<double>& display = views[viewDisplay];
   if (!scene.is3d || display.data == nullptr || display.count() != cfg.nx * cfg.ny * cfg.nz) return;
-  if (static_cast<int>(cfg.xCoord.size()) < cfg.nx || static_cast<int>(cfg.yCoord.size()) < cfg.ny ||
-      static_cast<int>(cfg.zCoord.size()) < cfg.nz)
-    return;
-  const std::array<int, 3> steps = latticeSteps(cfg);
-  const latticeAxis ax = makeLatticeAxis(cfg.nx, steps[0], cfg.dx), ay = makeLatticeAxis(cfg.ny, steps[1], cfg.dy);
-  const latticeAxis az = makeLatticeAxis(cfg.nz, steps[2], cfg.dz);
+  latticeAxis ax, ay, az;
+  if (!latticeAxes(cfg, ax, ay, az)) return;
   const double lo = rangeLow(scene, cfg), hi = rangeHigh(scene, cfg);
   const double size = std::max(cfg.ndiv, 1) * cfg.particleSize * scene.cellScale;
   const std::uint32_t plain = colour(scene.objectColourR, scene.objectColourG, scene.objectColourB);

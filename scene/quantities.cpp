@@ -28,21 +28,29 @@ void product(const array3d<double>& out, const array3d<double>& a, const array3d
   for (int m = 0; m < n; ++m) out.data[m] = a.data[m] * b.data[m];
 }
 
+// du/dx, dv/dy and dw/dz into a, b and c; a derivative across a grid of one
+// layer is 0.
+void diagonalGradients(const sceneView& scene, const appConfig& cfg, const array3d<double>& u, const array3d<double>& v,
+                       const array3d<double>& w, const array3d<double>& a, const array3d<double>& b,
+                       const array3d<double>& c) {
+  gradX(scene.grad, cfg, u, a);
+  if (cfg.ny > 1)
+    gradY(scene.grad, cfg, v, b);
+  else
+    fill(b, 0.0);
+  if (cfg.nz > 1)
+    gradZ(scene.grad, cfg, w, c);
+  else
+    fill(c, 0.0);
+}
+
 // Second invariant of the velocity gradient, negative values cut to 0.
 void secondInvariant(const sceneView& scene, const appConfig& cfg, const array3d<double>& out, const array3d<double>& u,
                      const array3d<double>& v, const array3d<double>& w, const array3d<double>& a,
                      const array3d<double>& b, const array3d<double>& c) {
   const int n = out.count();
   const bool hasY = cfg.ny > 1, hasZ = cfg.nz > 1;
-  gradX(scene.grad, cfg, u, a);
-  if (hasY)
-    gradY(scene.grad, cfg, v, b);
-  else
-    fill(b, 0.0);
-  if (hasZ)
-    gradZ(scene.grad, cfg, w, c);
-  else
-    fill(c, 0.0);
+  diagonalGradients(scene, cfg, u, v, w, a, b, c);
   for (int m = 0; m < n; ++m) {
     const double ux = a.data[m], vy = b.data[m], wz = c.data[m];
     c.data[m] = ux * vy + vy * wz + wz * ux;
@@ -89,19 +97,29 @@ void divergence(const sceneView& scene, const appConfig& cfg, const array3d<doub
       fill(c, 0.0);
     f = 1.0 / cfg.rhow;
   } else {
-    gradX(scene.grad, cfg, u, a);
-    if (hasY)
-      gradY(scene.grad, cfg, v, b);
-    else
-      fill(b, 0.0);
-    if (hasZ)
-      gradZ(scene.grad, cfg, w, c);
-    else
-      fill(c, 0.0);
+    diagonalGradients(scene, cfg, u, v, w, a, b, c);
   }
   const double factor = cfg.deltat * f;
   const int n = out.count();
   for (int m = 0; m < n; ++m) out.data[m] = (a.data[m] + b.data[m] + c.data[m]) * factor;
+}
+
+// The range of valueAt(m) over n nodes, leaving out values that are not
+// finite and, unless countSolid, solid nodes; a flat range is widened.
+template <class valueFunction>
+void rangeOf(int n, const array3d<int>& solidMask, bool countSolid, valueFunction valueAt, double& lo, double& hi) {
+  const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
+  double top = -1e10, bottom = 1e10;
+#pragma omp simd reduction(max : top) reduction(min : bottom)
+  for (int m = 0; m < n; ++m) {
+    const double value = valueAt(m);
+    const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
+    top = std::max(top, counts ? value : -1e300);
+    bottom = std::min(bottom, counts ? value : 1e300);
+  }
+  widenFlatRange(bottom, top);
+  lo = bottom;
+  hi = top;
 }
 
 // Speed, the default quantity, in one pass with its range: the fields are
@@ -109,22 +127,16 @@ void divergence(const sceneView& scene, const appConfig& cfg, const array3d<doub
 // written once and never read back.
 void speedWithRange(const array3d<double>& out, const array3d<double>& u, const array3d<double>& v,
                     const array3d<double>& w, const array3d<int>& solidMask, bool countSolid, double& lo, double& hi) {
-  const int n = out.count();
-  const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
   const bool hasW = !empty(w);
-  double top = -1e10, bottom = 1e10;
-#pragma omp simd reduction(max : top) reduction(min : bottom)
-  for (int m = 0; m < n; ++m) {
-    const double wm = hasW ? w.data[m] : 0.0;
-    const double value = std::sqrt(u.data[m] * u.data[m] + v.data[m] * v.data[m] + wm * wm);
-    out.data[m] = value;
-    const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
-    top = std::max(top, counts ? value : -1e300);
-    bottom = std::min(bottom, counts ? value : 1e300);
-  }
-  widenFlatRange(bottom, top);
-  lo = bottom;
-  hi = top;
+  rangeOf(
+      out.count(), solidMask, countSolid,
+      [&](int m) {
+        const double wm = hasW ? w.data[m] : 0.0;
+        const double value = std::sqrt(u.data[m] * u.data[m] + v.data[m] * v.data[m] + wm * wm);
+        out.data[m] = value;
+        return value;
+      },
+      lo, hi);
 }
 
 }  // namespace
@@ -132,19 +144,8 @@ void speedWithRange(const array3d<double>& out, const array3d<double>& u, const 
 const char* quantityLabelOf(int q) { return q >= 0 && q <= 11 ? labels[q] : labels[0]; }
 
 void scanRange(const array3d<double>& field, const array3d<int>& solidMask, bool countSolid, double& lo, double& hi) {
-  double top = -1e10, bottom = 1e10;
-  const int n = field.count();
-  const bool masked = !countSolid && solidMask.data != nullptr && solidMask.count() >= n;
-#pragma omp simd reduction(max : top) reduction(min : bottom)
-  for (int m = 0; m < n; ++m) {
-    const double value = field.data[m];
-    const bool counts = std::isfinite(value) && (!masked || solidMask.data[m] == 0);
-    top = std::max(top, counts ? value : -1e300);
-    bottom = std::min(bottom, counts ? value : 1e300);
-  }
-  widenFlatRange(bottom, top);
-  lo = bottom;
-  hi = top;
+  rangeOf(
+      field.count(), solidMask, countSolid, [&](int m) { return field.data[m]; }, lo, hi);
 }
 
 void extractQuantity(sceneView& scene, appConfig& cfg, fieldViews& views) {

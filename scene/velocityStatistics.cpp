@@ -24,35 +24,6 @@ struct extremes {
   int finite = 0;  // nodes that took part
 };
 
-// Every node, in a loop the compiler can vectorise; reports whether some
-// node was not finite, in which case its results are not used.
-template <bool hasW>
-bool scanAllOf(const double* u, const double* v, const double* w, int count, extremes& e) {
-  int bad = 0;
-  float maxS = e.maxSpeed2, minS = e.minSpeed2, maxU = e.maxU, minU = e.minU;
-  float maxV = e.maxV, minV = e.minV, maxW = e.maxW, minW = e.minW;
-  // A non-finite node spoils these extremes, but then they are not used.
-#pragma omp simd reduction(| : bad) reduction(max : maxS, maxU, maxV, maxW) reduction(min : minS, minU, minV, minW)
-  for (int n = 0; n < count; ++n) {
-    const float un = rounded(u[n]), vn = rounded(v[n]);
-    const float wn = hasW ? rounded(w[n]) : 0.0f;
-    const float s = un * un + vn * vn + wn * wn;
-    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f);  // NaN and infinities
-    maxS = std::max(maxS, s), minS = std::min(minS, s);
-    maxU = std::max(maxU, un), minU = std::min(minU, un);
-    maxV = std::max(maxV, vn), minV = std::min(minV, vn);
-    maxW = std::max(maxW, wn), minW = std::min(minW, wn);
-  }
-  e.maxSpeed2 = maxS, e.minSpeed2 = minS, e.maxU = maxU, e.minU = minU;
-  e.maxV = maxV, e.minV = minV, e.maxW = maxW, e.minW = minW;
-  e.finite = count;
-  return bad == 0;
-}
-
-bool scanAll(const double* u, const double* v, const double* w, int count, extremes& e) {
-  return w ? scanAllOf<true>(u, v, w, count, e) : scanAllOf<false>(u, v, w, count, e);
-}
-
 // The same, leaving out every node with a non-finite component.
 void scanFinite(const double* u, const double* v, const double* w, int count, extremes& e) {
   e = extremes{};
@@ -83,9 +54,13 @@ velocityStatistics fromExtremes(const extremes& e) {
   return s;
 }
 
-template <bool hasW, bool masked>
-bool scanWithSpeed(const double* u, const double* v, const double* w, double* out, const int* solid, int count,
-                   extremes& e, double& lo, double& hi) {
+// Every node, in a loop the compiler can vectorise; reports whether some
+// node was not finite, in which case its results are not used. withSpeed
+// also writes each node's speed to out and its range (solid nodes left out
+// when masked) to lo..hi.
+template <bool hasW, bool masked, bool withSpeed>
+bool scanNodes(const double* u, const double* v, const double* w, double* out, const int* solid, int count, extremes& e,
+               double& lo, double& hi) {
   int bad = 0;
   float maxS = e.maxSpeed2, minS = e.minSpeed2, maxU = e.maxU, minU = e.minU;
   float maxV = e.maxV, minV = e.minV, maxW = e.maxW, minW = e.minW;
@@ -96,15 +71,18 @@ bool scanWithSpeed(const double* u, const double* v, const double* w, double* ou
                                                                                      : minS, minU, minV, minW, bottom)
   for (int n = 0; n < count; ++n) {
     const double wd = hasW ? w[n] : 0.0;
-    const double speed = std::sqrt(u[n] * u[n] + v[n] * v[n] + wd * wd);
-    out[n] = speed;
-    const bool counts = !masked || solid[n] == 0;
-    top = std::max(top, counts ? speed : -1e300);
-    bottom = std::min(bottom, counts ? speed : 1e300);
+    if constexpr (withSpeed) {
+      const double speed = std::sqrt(u[n] * u[n] + v[n] * v[n] + wd * wd);
+      out[n] = speed;
+      const bool counts = !masked || solid[n] == 0;
+      top = std::max(top, counts ? speed : -1e300);
+      bottom = std::min(bottom, counts ? speed : 1e300);
+      bad |= !(speed - speed == 0.0);
+    }
     const float un = rounded(u[n]), vn = rounded(v[n]);
     const float wn = hasW ? rounded(wd) : 0.0f;
     const float s = un * un + vn * vn + wn * wn;
-    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f) | !(speed - speed == 0.0);
+    bad |= !(un - un == 0.0f) | !(vn - vn == 0.0f) | !(wn - wn == 0.0f);
     maxS = std::max(maxS, s), minS = std::min(minS, s);
     maxU = std::max(maxU, un), minU = std::min(minU, un);
     maxV = std::max(maxV, vn), minV = std::min(minV, vn);
@@ -113,8 +91,14 @@ bool scanWithSpeed(const double* u, const double* v, const double* w, double* ou
   e.maxSpeed2 = maxS, e.minSpeed2 = minS, e.maxU = maxU, e.minU = minU;
   e.maxV = maxV, e.minV = minV, e.maxW = maxW, e.minW = minW;
   e.finite = count;
-  lo = bottom, hi = top;
+  if constexpr (withSpeed) lo = bottom, hi = top;
   return bad == 0;
+}
+
+bool scanAll(const double* u, const double* v, const double* w, int count, extremes& e) {
+  double lo = 0.0, hi = 0.0;
+  return w ? scanNodes<true, false, false>(u, v, w, nullptr, nullptr, count, e, lo, hi)
+           : scanNodes<false, false, false>(u, v, w, nullptr, nullptr, count, e, lo, hi);
 }
 
 }  // namespace
@@ -129,11 +113,11 @@ bool scanVelocityWithSpeed(const array3d<double>& u, const array3d<double>& v, c
   extremes e;
   bool ok = false;
   if (wd)
-    ok = solid ? scanWithSpeed<true, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
-               : scanWithSpeed<true, false>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
+    ok = solid ? scanNodes<true, true, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
+               : scanNodes<true, false, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
   else
-    ok = solid ? scanWithSpeed<false, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
-               : scanWithSpeed<false, false>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
+    ok = solid ? scanNodes<false, true, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi)
+               : scanNodes<false, false, true>(u.data, v.data, wd, out.data, solid, count, e, lo, hi);
   if (!ok) return false;
   stats = fromExtremes(e);
   if (lo == hi) lo = hi != 0.0 ? 0.0 : hi - 1.0;  // a flat range: 0..v, or -1..0

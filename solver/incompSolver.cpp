@@ -35,11 +35,7 @@ void incompSolver::step() {
     solvePressure(t);
     pressureGradient(t);
     teamBarrier();
-    integrate(ufld, uRhs, t);
-    integrate(vfld, vRhs, t);
-    integrate(wfld, wRhs, t);
-    integrate(yfld, yRhs, t);
-    if (c.ageFlag) integrate(afld, aRhs, t);
+    integrateTransported(t);
     teamBarrier();
     boundaryStage(t);
   });

@@ -49,12 +49,8 @@ void incompSolverThermo::step() {
     solvePressure(t);
     stepTerms::pressureGradient(f, pfld.data, inner, k, true);
     teamBarrier();
-    integrate(ufld, uRhs, t);
-    integrate(vfld, vRhs, t);
-    integrate(wfld, wRhs, t);
+    integrateTransported(t);
     integrate(tfld, tRhs, t);
-    integrate(yfld, yRhs, t);
-    if (c.ageFlag) integrate(afld, aRhs, t);
     teamBarrier();
     thermoBoundaryStage(t);
   });

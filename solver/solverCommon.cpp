@@ -71,6 +71,14 @@ void solverCommon::integrate(const array3d<double>& q, const array3d<double>& r,
     }
 }
 
+void solverCommon::integrateTransported(int t) const {
+  integrate(ufld, uRhs, t);
+  integrate(vfld, vRhs, t);
+  integrate(wfld, wRhs, t);
+  integrate(yfld, yRhs, t);
+  if (cfg->ageFlag) integrate(afld, aRhs, t);
+}
+
 // rho = (presw*molarMass/gasConstant)/T over the tile; the factor first, the
 // division by T last.
 void solverCommon::densityFromTemperature(const array3d<double>& rho, const array3d<double>& T, int t) const {

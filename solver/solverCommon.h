@@ -66,6 +66,8 @@ class solverCommon {
   void copyTile(const array3d<double>& source, const array3d<double>& destination, int t) const;
   // q += deltat*r over the tile: the forward Euler step of every field.
   void integrate(const array3d<double>& q, const array3d<double>& r, int t) const;
+  // integrate for the velocity, the mass fraction and (with ageFlag) the age.
+  void integrateTransported(int t) const;
   // rho = (presw*molarMass/gasConstant)/T over the tile, or the whole grid.
   void densityFromTemperature(const array3d<double>& rho, const array3d<double>& T, int t) const;
   void densityFromTemperatureAll(const array3d<double>& rho, const array3d<double>& T) const;

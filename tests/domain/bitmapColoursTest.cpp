@@ -1,7 +1,7 @@
 // The colour list of the bitmap stage: counting, the purge threshold and its
-// strict test, the removed-colour list across passes, a full list, slices and
-// their conversion; then whole bitmaps read at the mesh
-// through the headless layer, including files that are not pictures.
+// strict test, the removed-colour list across passes, a full list; then whole
+// bitmaps read at the mesh through the headless layer, including files that
+// are not pictures.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -50,9 +50,6 @@ TEST(bitmapColours, purgeDropsColoursBelowTheThresholdAndKeepsThoseAtIt) {
   countColours(big, nodes(200000, {{olive, 200}, {pink, 199}}), 400, 500);
   ASSERT_EQ(big.iNumBcColor, 9);
   EXPECT_EQ(big.ColorsCodes[8], olive);
-  big.inumColorsThresMax = 1;  // 20 points now suffice, but pink is gone already
-  purgeColors(big, 200000);
-  EXPECT_EQ(big.iNumBcColor, 9);
 }
 
 TEST(bitmapColours, removedColourIsRememberedOnceAndDroppedInTheNextPass) {
@@ -96,54 +93,19 @@ TEST(bitmapColours, fullListPurgesBeforeTakingANewColour) {
   EXPECT_EQ(cfg.iNumBcColor, 9) << "the rare colours went, olive came in after the purge";
   EXPECT_EQ(cfg.ColorsCodes[8], olive);
   EXPECT_EQ(cfg.colorPoints[8], 20);
-
-  // Frequent colours, ten nodes each: once the list is full, every further
-  // node purges first, so a colour still being counted (one node so far)
-  // keeps being dropped and taken again; the colours already at 10 stay.
-  appConfig full = freshList();
-  std::vector<std::uint32_t> many;
-  for (int c = 0; c < 44; ++c)
-    for (int n = 0; n < 10; ++n) many.push_back(colorCode(30, 40, c));
-  countColours(full, many, static_cast<int>(many.size()), 1);
-  EXPECT_EQ(full.iNumBcColor, maxColourSlots - 1);
-  for (int c = 0; c < 42; ++c) EXPECT_EQ(findColour(full, colorCode(30, 40, c)), 8 + c) << "colour " << c;
-  EXPECT_EQ(findColour(full, colorCode(30, 40, 43)), -1) << "no room for the 44th colour";
-}
-
-TEST(bitmapColours, slicesConvertCodesToListIndices) {
-  appConfig cfg = freshList();
-  marvtest::setBitmapCase(cfg, 3, 2, 1);
-  const std::vector<std::uint32_t> codes = {white, black, olive, pink, colorCode(1, 2, 3), olive};
-  cfg.ColorsCodes[8] = olive;
-  cfg.ColorsCodes[9] = pink;
-  cfg.iNumBcColor = 10;
-  writeSlice(cfg, planeXY, 4, codes);
-  EXPECT_EQ(cfg.bitmapXY[sliceIndex(3, 2, 4, 1, 0)], static_cast<std::int32_t>(black));
-  EXPECT_EQ(cfg.bitmapXY[sliceIndex(3, 2, 4, 1, 1)], 0) << "a colour not in the list leaves 0";
-  cfg.RemovedColorCodes[0] = pink;
-  cfg.numRemovedColors = 1;
-  convertSlices(cfg);
-  const std::vector<int> want = {0, 1, 8, 0, 0, 8};
-  for (int n = 0; n < 6; ++n) EXPECT_EQ(cfg.bitmapXY[sliceIndex(3, 2, 4, n % 3, n / 3)], want[n]) << "at node " << n;
-  EXPECT_EQ(inBitmap(cfg, 8, 4, planeXY), 1);
-  EXPECT_EQ(inBitmap(cfg, 1, 4, planeXY), 1);
-  EXPECT_EQ(inBitmap(cfg, 9, 4, planeXY), 0) << "removed pink is not in the slice";
-  EXPECT_EQ(inBitmap(cfg, 8, 3, planeXY), 0) << "slice 3 was never loaded: only index 0";
-  EXPECT_EQ(inBitmap(cfg, 0, 3, planeXY), 1);
 }
 
 // ---------------------------------------------------------------- bitmaps read at the mesh
 class bitmapFiles : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(startLayer(), 0); }
+  marvtest::inFolder here{marvtest::scratchFolder("bitmaps")};
   std::vector<std::string> said;
   std::function<void(const std::string&)> say = [this](const std::string& s) { said.push_back(s); };
 };
 
 TEST_F(bitmapFiles, anyPictureSizeFillsTheMeshOnePixelPerNode) {
   for (int nx : {2, 3, 7, 17}) {
-    auto folder = marvtest::scratchFolder("bitmaps");
-    marvtest::inFolder here(folder);
     appConfig cfg;
     marvtest::setBitmapCase(cfg, nx, 5, 1, 1.0, 1.0, 1.0, 6);
     // Left half black, a blue top row, of a size unrelated to the mesh.
@@ -168,8 +130,6 @@ TEST_F(bitmapFiles, anyPictureSizeFillsTheMeshOnePixelPerNode) {
 }
 
 TEST_F(bitmapFiles, threePlanesAndSlicesWithGapsAndAntiAliasedEdges) {
-  auto folder = marvtest::scratchFolder("bitmaps");
-  marvtest::inFolder here(folder);
   appConfig cfg;
   marvtest::setBitmapCase(cfg, 9, 5, 7, 2.0, 1.0, 1.5, 4);
   // XY slice 2 only; YZ slice 0 with a one-pixel grey seam (rare colour);
@@ -197,8 +157,6 @@ TEST_F(bitmapFiles, threePlanesAndSlicesWithGapsAndAntiAliasedEdges) {
 }
 
 TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
-  auto folder = marvtest::scratchFolder("bitmaps");
-  marvtest::inFolder here(folder);
   appConfig cfg;
   marvtest::setBitmapCase(cfg, 5, 5, 3);
   // Nothing at all: the presets alone, no message.

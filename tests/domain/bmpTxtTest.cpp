@@ -1,15 +1,13 @@
 // bmp.txt: the written layout, the round trip, and files that are missing,
 // short, damaged or binary.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 
 #include "domain/bmpTxt.h"
+#include "testSupport.h"
 
 namespace marv {
 namespace {
@@ -38,16 +36,11 @@ appConfig marked() {
 }
 
 struct BmpTxt : ::testing::Test {
-  std::filesystem::path dir = std::filesystem::temp_directory_path() / ("marv_bmp_" + std::to_string(::getpid()));
+  std::filesystem::path dir = marvtest::scratchFolder("bmp");
   std::string path = (dir / "bmp.txt").string();
-  void SetUp() override { std::filesystem::create_directories(dir); }
   void TearDown() override { std::filesystem::remove_all(dir); }
-  std::string slurp() const {
-    std::stringstream s;
-    s << std::ifstream(path, std::ios::binary).rdbuf();
-    return s.str();
-  }
-  void spit(const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
+  std::string slurp() const { return marvtest::readText(path); }
+  void spit(const std::string& text) const { marvtest::writeText(path, text); }
 };
 
 TEST_F(BmpTxt, WritesTheExactLayoutAndReadsBackTheSavedColumns) {

@@ -111,25 +111,6 @@ bcSurface triangleModel() {
   return s;
 }
 
-TEST(ModelPlacement, ElementaryOperations) {
-  bcSurface m = triangleModel();
-  translateModel(m, 1, 2, 3);
-  EXPECT_EQ(m.triangles[0].vertex[0][2], 0.0f) << "z is subtracted";
-  EXPECT_FLOAT_EQ(m.triangles[0].centroid[0], 3.0f);
-
-  bcSurface mirrored = triangleModel();
-  mirrorModel(mirrored);  // zmin 3, zmax 5, mid 4: z -> 3 - (z - 4)
-  EXPECT_EQ(mirrored.triangles[0].vertex[2][2], 2.0f);
-  EXPECT_EQ(mirrored.triangles[0].vertex[0][2], 4.0f);
-  EXPECT_EQ(mirrored.triangles[0].normal[2], -1.0f);
-
-  bcSurface turned = triangleModel();
-  rotateModelZ(turned, 90.0f);
-  EXPECT_NEAR(turned.triangles[0].vertex[1][0], -2.0f, 1e-5);
-  EXPECT_NEAR(turned.triangles[0].vertex[1][1], 4.0f, 1e-5);
-  EXPECT_EQ(turned.triangles[0].vertex[1][2], -3.0f) << "each rotation also mirrors z";
-}
-
 TEST(ModelPlacement, LoadOrderMirrorsScalesTurnsThenMoves) {
   appConfig cfg;
   cfg.coordSTL = 0;

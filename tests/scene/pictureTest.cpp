@@ -8,14 +8,11 @@
 
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
 #include "layer/layer.h"
 #include "scene/colourScale.h"
 #include "scene/savedPicture.h"
@@ -47,15 +44,7 @@ std::vector<double> readRaw(const std::filesystem::path& path, std::size_t count
   return in.gcount() == static_cast<std::streamsize>(count * sizeof(double)) ? values : std::vector<double>();
 }
 
-class pictureRender : public ::testing::Test {
- protected:
-  void SetUp() override {
-    setGraphicsMode(400, 200, 32, 60);
-    ASSERT_EQ(startLayer(), 0);
-    ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
-  }
-  void TearDown() override { stopLayer(); }
-};
+using pictureRender = marvtest::offscreenPicture;
 
 TEST_F(pictureRender, ColourBarRunsFromBlueToRedBetweenWhiteMarks) {
   sceneView scene;
@@ -88,31 +77,17 @@ TEST_F(pictureRender, ColourBarRunsFromBlueToRedBetweenWhiteMarks) {
 }
 
 TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
-  const auto folder = marvtest::scratchFolder("picture");
-  std::filesystem::copy(std::filesystem::path(MARV_EXAMPLES_DIR) / "cylinder2d" / "input", folder / "input");
-  std::filesystem::create_directories(folder / "figs");
-  std::filesystem::create_directories(folder / "dump");
   // A short run that ends with an image and a dump of the same step, shown
-  // on a fixed range so that the mapping needs no knowledge of solid nodes.
+  // on a fixed range so that the mapping needs no knowledge of solid nodes;
+  // domx fixes the layout below, whatever the example shows.
   const int last = 30;
   const double lo = 0.0, hi = 1.6;
-  std::istringstream lines(marvtest::readText(folder / "input" / "param.txt"));
-  std::string param, line;
-  while (std::getline(lines, line)) {
-    for (const char* key : {"013:latts", "022:nfig", "023:nfile"})
-      if (line.rfind(key, 0) == 0) line = std::string(key) + " " + std::to_string(last);
-    if (line.rfind("004:domx", 0) == 0) line = "004:domx 720";  // the layout below, whatever the example shows
-    param += line + "\n";
-  }
-  marvtest::writeText(folder / "input" / "param.txt", param);
-  std::ofstream(folder / "input" / "viz.txt", std::ios::app)
-      << "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue " << lo << "\nmanualMaxFlag 1\nmanualMaxValue " << hi
+  std::ostringstream viz;
+  viz << "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue " << lo << "\nmanualMaxFlag 1\nmanualMaxValue " << hi
       << "\n";
-  batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
-  driverState state;
-  ASSERT_EQ(runDriver(batchStages(options), state), 0);
+  const std::string n = std::to_string(last);
+  const auto folder =
+      marvtest::runExample("cylinder2d", {{"latts", n}, {"nfig", n}, {"nfile", n}, {"domx", "720"}}, viz.str());
 
   picture shot;
   char name[64];

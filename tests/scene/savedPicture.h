@@ -1,12 +1,23 @@
-// A saved JPEG image read back with libjpeg, for the picture tests of the
-// scene: its size and its RGB pixels, rows top-down.
+// The picture tests of the scene: the off-screen layer they draw on, a short
+// batch run of a bundled example that saves its image, and that JPEG image
+// read back with libjpeg (its size and RGB pixels, rows top-down).
 #pragma once
 
+#include <gtest/gtest.h>
 #include <jpeglib.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
+
+#include "app/batchStages.h"
+#include "app/driver.h"
+#include "layer/layer.h"
+#include "testSupport.h"
 
 namespace marvtest {
 
@@ -37,5 +48,43 @@ struct picture {
   }
   const unsigned char* at(int x, int y) const { return &rgb[(static_cast<std::size_t>(y) * width + x) * 3]; }
 };
+
+class offscreenPicture : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    marv::setGraphicsMode(400, 200, 32, 60);
+    ASSERT_EQ(marv::startLayer(), 0);
+    ASSERT_EQ(marv::layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
+  }
+  void TearDown() override { marv::stopLayer(); }
+};
+
+// Copies the example into a scratch project, sets the parameters named in
+// values (latts, nfig, ...), appends vizLines to viz.txt (later keys win)
+// and runs the batch driver. Returns the project folder.
+inline std::filesystem::path runExample(const char* example, const std::map<std::string, std::string>& values,
+                                        const std::string& vizLines) {
+  namespace fs = std::filesystem;
+  const fs::path folder = scratchFolder(example);
+  fs::copy(fs::path(MARV_EXAMPLES_DIR) / example / "input", folder / "input");
+  fs::create_directories(folder / "figs");
+  fs::create_directories(folder / "dump");
+  std::istringstream lines(readText(folder / "input" / "param.txt"));
+  std::string param, line;
+  while (std::getline(lines, line)) {
+    const std::size_t colon = line.find(':'), end = line.find(' ', colon);
+    const auto value = colon == std::string::npos ? values.end() : values.find(line.substr(colon + 1, end - colon - 1));
+    if (value != values.end()) line = line.substr(0, colon + 1) + value->first + " " + value->second;
+    param += line + "\n";
+  }
+  writeText(folder / "input" / "param.txt", param);
+  std::ofstream(folder / "input" / "viz.txt", std::ios::app) << vizLines;
+  marv::batchOptions options;
+  options.projectDir = folder.string();
+  options.quiet = true;
+  marv::driverState state;
+  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 0);
+  return folder;
+}
 
 }  // namespace marvtest

@@ -5,10 +5,9 @@
 #pragma once
 
 #include <cmath>
-#include <cstdlib>
+#include <cstdio>
 #include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -96,16 +95,10 @@ inline std::vector<ghiaPoint> readGhia(const std::string& csv, int re) {
   std::vector<ghiaPoint> points;
   std::string line;
   while (std::getline(in, line)) {
-    if (line.empty() || line[0] == '#' || line[0] == 'R') continue;
-    std::stringstream fields(line);
-    std::string reText, quantity, x, y, value;
-    std::getline(fields, reText, ',');
-    std::getline(fields, quantity, ',');
-    std::getline(fields, x, ',');
-    std::getline(fields, y, ',');
-    std::getline(fields, value, ',');
-    if (quantity.empty() || std::atoi(reText.c_str()) != re) continue;
-    points.push_back({quantity[0], std::atof(x.c_str()), std::atof(y.c_str()), std::atof(value.c_str())});
+    ghiaPoint p;
+    int r = 0;
+    if (std::sscanf(line.c_str(), "%d,%c,%lf,%lf,%lf", &r, &p.quantity, &p.x, &p.y, &p.value) == 5 && r == re)
+      points.push_back(p);
   }
   return points;
 }

@@ -10,30 +10,13 @@
 #include <vector>
 
 #include "domain/bcDomain.h"
-#include "solver/solverCommon.h"
+#include "tests/solver/pressureOnly.h"
 #include "tests/testGrid.h"
 
 namespace marv {
 namespace {
 
-// A solver whose step is the pressure iteration alone.
-class pressureOnly : public solverCommon {
- public:
-  using solverCommon::solverCommon;
-  void step() override {
-    runStep([&](int t) { solvePressure(t); });
-  }
-  // One collective mean removal on all threads; returns the mean found.
-  double removeMeanOnTeam() {
-    double found = 0.0;
-    runStep([&](int t) {
-      const double mean = meanPressure(t, cfg->numThreads);
-      removeMean(pfld, mean, t);
-      if (t == 0) found = mean;
-    });
-    return found;
-  }
-};
+using testing::pressureOnly;
 
 // p = x^2 + y^2 (+ z^2): the seven-point Laplacian of a quadratic is exact,
 // so the discrete solution is this field itself.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "solver/timeStepTerms.h"
+#include "tests/testGrid.h"
 
 namespace marv {
 namespace {
@@ -16,15 +17,9 @@ struct grid3x3 {
   std::vector<double> u, v, w, rho, convX, convY, convZ, divU, ppe;
   stepTerms::fields f;
   grid3x3() : u(9), v(9), w(9), rho(9, 2.0), convX(9), convY(9), convZ(9), divU(9), ppe(9) {
-    cfg.nx = cfg.ny = 3;
-    cfg.nz = 1;
-    cfg.dx = 0.5;
-    cfg.dy = 0.25;
-    cfg.dz = 1.0;
-    cfg.mu = 0.1;
-    cfg.rhow = 2.0;
-    cfg.deltat = 0.1;
-    cfg.tileI0 = {0}, cfg.tileI1 = {3}, cfg.tileJ0 = {0}, cfg.tileJ1 = {3}, cfg.tileK0 = {0}, cfg.tileK1 = {1};
+    testing::setGrid(cfg, 3, 3, 1, 1.0, 0.5);  // dx = 0.5, dy = 0.25
+    testing::setTiles(cfg, 1, 1, 1);
+    cfg.mu = 0.1, cfg.rhow = 2.0, cfg.deltat = 0.1;
     f.u = u.data(), f.v = v.data(), f.w = w.data(), f.rho = rho.data();
     f.convX = convX.data(), f.convY = convY.data(), f.convZ = convZ.data(), f.divU = divU.data();
   }

@@ -1,7 +1,7 @@
 // The row kernels of the pressure sweep against a plain lexicographic sweep
 // written out here, for every kernel the processor runs, over rows of every
-// length modulo the kernels' blocks and tiles split along i; and the team
-// barrier that separates the sweeps.
+// length modulo the kernels' blocks; and the team barrier that separates the
+// sweeps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,21 +11,14 @@
 #include <vector>
 
 #include "domain/bcDomain.h"
-#include "solver/solverCommon.h"
 #include "solver/sweepRows.h"
+#include "tests/solver/pressureOnly.h"
 #include "tests/testGrid.h"
 
 namespace marv {
 namespace {
 
-// A solver whose step is the pressure iteration alone.
-class pressureOnly : public solverCommon {
- public:
-  using solverCommon::solverCommon;
-  void step() override {
-    runStep([&](int t) { solvePressure(t); });
-  }
-};
+using testing::pressureOnly;
 
 // Restores the kernel a run would choose, whatever a test selected.
 struct kernelGuard {
@@ -109,40 +102,6 @@ TEST(SweepRows, EveryKernelFollowsTheLexicographicSweepOnRowsOfEveryLength) {
               << name(set) << " nx=" << nx << " nz=" << nz << " node " << n;
       }
   }
-}
-
-// Two tiles side by side in i, swept one after the other on this thread:
-// each row splits into the shared first or last node and a kernel stretch
-// of any length, and the result must be the sweep of tile 0, then of tile 1.
-TEST(SweepRows, TilesSideBySideInIFollowTheSweepTileByTile) {
-  kernelGuard guard;
-  for (sweepInstructions set : kernelsOnHost()) {
-    useSweepInstructions(set);
-    for (int nz : {1, 5})
-      for (int nx : {8, 11, 14, 17}) {
-        sweepCase c(nx, 7, nz, 2);
-        const int count = c.solver->pfld.count();
-        std::vector<double> expected(c.solver->pfld.data, c.solver->pfld.data + count);
-        const std::vector<double> rhs(c.solver->tau11.data, c.solver->tau11.data + count);
-        for (int sweep = 1; sweep <= 3; ++sweep)
-          for (int t = 0; t < 2; ++t) {
-            c.solver->sorSweep(c.solver->pfld, c.solver->tau11, c.solver->divU, t, sweep);
-            expected = referenceSweeps(c.cfg, expected, rhs, 1, c.cfg.tileI0[t], c.cfg.tileI1[t]);
-          }
-        for (int n = 0; n < count; ++n)
-          ASSERT_NEAR(c.solver->pfld[n], expected[n], 1e-12 * (1.0 + std::fabs(expected[n])))
-              << name(set) << " nx=" << nx << " nz=" << nz << " node " << n;
-      }
-  }
-}
-
-// A kernel the processor lacks is never chosen.
-TEST(SweepRows, AnUnsupportedKernelFallsBackToTheBaseline) {
-  kernelGuard guard;
-  EXPECT_TRUE(hostSupports(sweepInstructions::baseline));
-  const sweepInstructions got = useSweepInstructions(sweepInstructions::avx2Fma);
-  EXPECT_EQ(got, hostSupports(sweepInstructions::avx2Fma) ? sweepInstructions::avx2Fma : sweepInstructions::baseline);
-  EXPECT_EQ(sweepInstructionsInUse(), got);
 }
 
 // Every thread writes its slot of round r, meets the others, and must then
