@@ -2,13 +2,11 @@
 // frame.
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "app/fontSet.h"
 #include "app/screenFrame.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
-#include "testSupport.h"
+#include "screenScript.h"
 
 namespace {
 
@@ -31,17 +29,11 @@ class screenFrame : public ::testing::Test {
   appConfig cfg;
 };
 
-inputFrame mouse(int x, int y, bool down) {
-  inputFrame f;
-  f.mouseX = x;
-  f.mouseY = y;
-  f.buttons = down ? mouseLeft : 0;
-  return f;
-}
-
 TEST_F(screenFrame, proceedClicksOnItsReleaseAndIsPressedWhileHeld) {
   const int x = 900, y = 440, cx = x + 32, cy = y + 32;
-  setInputScript({mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx, cy, false), mouse(cx, cy, false)}, false);
+  std::vector<inputFrame> frames = marvtest::click(cx, cy);
+  frames.push_back(marvtest::pointer(cx, cy));
+  setInputScript(frames, false);
   std::vector<int> results, pressed;
   while (inputScriptFramesLeft() > 0) {
     processMessages();

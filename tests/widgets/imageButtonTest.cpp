@@ -7,6 +7,7 @@
 
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "screenScript.h"
 #include "widgets/imageButton.h"
 
 namespace {
@@ -15,19 +16,8 @@ using namespace marv;
 
 constexpr int bx = 100, by = 50;  // where the 64-pixel button stands
 
-inputFrame mouse(int x, int y, bool down) {
-  inputFrame f;
-  f.mouseX = x;
-  f.mouseY = y;
-  f.buttons = down ? mouseLeft : 0;
-  return f;
-}
-
-inputFrame key(int code) {
-  inputFrame f = mouse(0, 0, false);
-  f.keysHeld = {code};
-  return f;
-}
+inputFrame mouse(int x, int y, bool down) { return marvtest::pointer(x, y, down); }
+inputFrame key(int code) { return marvtest::holding(code); }
 
 // Plays the frames; each frame the caller asks for a one-shot (state 0) and
 // the results are collected.
