@@ -3,6 +3,7 @@
 // image and read back by the pixel. The same test body is built against both
 // backends, so that the headless CPU path and OpenGL agree pixel for pixel.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -23,9 +24,11 @@ using namespace marv;
 
 using marvtest::rgb;
 
-// A 24-bit BMP of the pixels, rows listed top-down, in the temporary folder.
+// A 24-bit BMP of the pixels, rows listed top-down, in the temporary folder;
+// the name carries the process, since both backends' builds of this file
+// may run at once.
 std::string writeBmp(const std::string& name, int width, int height, const std::vector<rgb>& pixels) {
-  const std::string path = ::testing::TempDir() + name;
+  const std::string path = ::testing::TempDir() + std::to_string(getpid()) + name;
   marvtest::writeBmp(path, width, height, [&](int x, int y) { return pixels[y * width + x]; });
   return path;
 }
