@@ -3,6 +3,7 @@
 // the disabled button and the shortcut key.
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 #include "layer/inputScript.h"
@@ -67,32 +68,22 @@ TEST_F(imageButtonScript, aReleaseAtThePixelOfThePressClicksOnceAndSinksTheButto
 
 TEST_F(imageButtonScript, dragsThatLeaveStartElsewhereOrMoveDoNotClick) {
   const int cx = bx + 32, cy = by + 32;
-  {
+  const std::pair<const char*, std::vector<inputFrame>> drags[] = {
+      {"press inside, release outside, then back over the press pixel",
+       {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 200, cy, true), mouse(cx + 200, cy, false),
+        mouse(cx, cy, false)}},
+      {"press, a move of one pixel, release",
+       {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 1, cy, true), mouse(cx + 1, cy, false)}},
+      {"press beside the button, move onto it, release",
+       {mouse(bx - 20, cy, false), mouse(bx - 20, cy, true), mouse(cx, cy, true), mouse(cx, cy, false)}},
+      {"hovered once, pressed elsewhere, dragged back on",
+       {mouse(cx, cy, false), mouse(cx + 200, cy, false), mouse(cx + 200, cy, true), mouse(cx, cy, true),
+        mouse(cx, cy, false)}},
+  };
+  for (const auto& [what, frames] : drags) {
     imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 200, cy, true), mouse(cx + 200, cy, false),
-                       mouse(cx, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0, 0}))
-        << "press inside, release outside, then back over the press pixel";
-    EXPECT_EQ(b.pressed, 0);
-  }
-  {
-    imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 1, cy, true), mouse(cx + 1, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0}))
-        << "press, a move of one pixel, release";
-  }
-  {
-    imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(bx - 20, cy, false), mouse(bx - 20, cy, true), mouse(cx, cy, true), mouse(cx, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0}))
-        << "press beside the button, move onto it, release";
-  }
-  {
-    imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(cx, cy, false), mouse(cx + 200, cy, false), mouse(cx + 200, cy, true), mouse(cx, cy, true),
-                       mouse(cx, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0, 0}))
-        << "hovered once, pressed elsewhere, dragged back on";
+    EXPECT_EQ(play(b, frames), std::vector<int>(frames.size(), 0)) << what;
+    EXPECT_EQ(b.pressed, 0) << what;
   }
 }
 
