@@ -1,8 +1,8 @@
 // The screens' pieces drawn off-screen by the OpenGL backend: the fifteen
 // fonts at the smallest, usual and largest text heights, Japanese glyphs
 // that are real characters and not the empty box of a missing one, the
-// pressed tile of a held button, the control panel at rest and its snapshot,
-// and the list of shortcuts that the key H shows. Screenshots of the widgets
+// pressed tile and the click of a held button, the control panel at rest
+// and its snapshot, and the list of shortcuts that the key H shows. Screenshots of the widgets
 // in each language, of the panel and of the list are written as PNG under
 // the build folder for a person to look at.
 #include <gtest/gtest.h>
@@ -121,29 +121,34 @@ TEST_F(widgetRender, japaneseGlyphsAreRealCharactersNotTheBoxOfAMissingOne) {
   deleteFonts(cfg);
 }
 
-TEST_F(widgetRender, aHeldButtonShowsThePressedTile) {
+// A shared button of the screens: the pressed tile while held, one click in
+// the frame of the release.
+TEST_F(widgetRender, aHeldButtonShowsThePressedTileAndClicksOnItsRelease) {
   appConfig cfg;
   computeLayout(cfg);
   buildFonts(cfg);
   setUpButtons(cfg);
   const int x = 900, y = 440, cx = x + 32, cy = y + 32;
-  inputFrame hover, held;
-  hover.mouseX = held.mouseX = cx;
-  hover.mouseY = held.mouseY = cy;
-  held.buttons = mouseLeft;
-  setInputScript({hover, held}, false);
+  std::vector<inputFrame> frames = marvtest::click(cx, cy);
+  frames.push_back(marvtest::pointer(cx, cy));
+  setInputScript(frames, false);
   std::vector<std::array<int, 3>> looks;
+  std::vector<int> results, pressed;
   while (inputScriptFramesLeft() > 0) {
     processMessages();
     clearDrawTarget();
-    runAppButton(cfg, buttonProceed, x, y, 0);
+    results.push_back(runAppButton(cfg, buttonProceed, x, y, 0));
+    pressed.push_back(cfg.buttons[buttonProceed].pressed);
     const std::vector<std::uint8_t> p = grab(cx + 10, cy - 20, cx + 11, cy - 19);  // on the tile, off the arrow
     looks.push_back({p[0], p[1], p[2]});
   }
+  EXPECT_EQ(results, (std::vector<int>{0, 0, 1, 0}));
+  EXPECT_EQ(pressed, (std::vector<int>{0, 1, 0, 0}));
   EXPECT_GT(looks[0][2], 200) << "hovered: the sky-blue Proceed tile";
   EXPECT_GT(looks[0][1], 150);
   EXPECT_LT(looks[1][1], 120) << "held: the dark pressed tile";
   EXPECT_LT(looks[1][0], 120);
+  EXPECT_EQ(runAppButton(cfg, 13, x, y, 1), 1) << "no such button: the state stays";
   freeButtonTiles(cfg);
   deleteFonts(cfg);
 }
