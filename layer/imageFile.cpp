@@ -40,7 +40,7 @@ namespace {
 constexpr std::size_t maxImageFileBytes = 256u << 20;
 
 // libjpeg reports fatal errors through error_exit, which must not return:
-// jump back to writeJpegFile, which then fails cleanly.
+// it jumps back to the reader or the writer, which then fails cleanly.
 void jpegErrorExit(j_common_ptr info);
 void jpegSilence(j_common_ptr, int) {}
 
