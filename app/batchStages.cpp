@@ -131,21 +131,19 @@ int acceptPlacement(appConfig&, passObjects&) { return 1; }
 
 passStages batchStages(const batchOptions& given) {
   options = given;
-  passStages stages;
-  stages.startScreen = startScreen;
-  stages.askExistingProjectPath = askExistingProjectPath;
-  stages.sourceScreen = sourceScreen;
-  stages.confirmScreen = confirmScreen;
-  stages.parameterEditorScreen = parameterEditorScreen;
-  stages.bitmapStage = bitmapStage;
-  stages.placementStage = acceptPlacement;
-  stages.showMessage = batchMessage;
-  stages.runStep = runStep;
-  stages.onePass = true;
-  stages.writeHistory = false;
-  stages.splash = false;
-  stages.stopOnFault = true;
-  return stages;
+  return {.startScreen = startScreen,
+          .askExistingProjectPath = askExistingProjectPath,
+          .sourceScreen = sourceScreen,
+          .confirmScreen = confirmScreen,
+          .parameterEditorScreen = parameterEditorScreen,
+          .bitmapStage = bitmapStage,
+          .placementStage = acceptPlacement,
+          .showMessage = batchMessage,
+          .runStep = runStep,
+          .onePass = true,
+          .writeHistory = false,
+          .splash = false,
+          .stopOnFault = true};
 }
 
 int batchMessageCount() { return messagesShown; }

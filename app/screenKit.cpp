@@ -133,16 +133,6 @@ void ensureScreenFonts(appConfig& cfg) {
 
 std::string screenText(const appConfig& cfg, int number) { return catalogueText(number, cfg.uiJapanese != 0); }
 
-void endScreenFrame() {
-  present();
-  clearDrawTarget();
-  waitMs(1);
-  if (processMessages() == -1) {
-    stopLayer();
-    std::exit(0);
-  }
-}
-
 void showScreenMessage(appConfig& cfg, const std::string& text) {
   ensureScreenFonts(cfg);
   textBox box = makeTextBox(cfg.textHeight, cfg.fontBody);

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "app/appConfig.h"
+#include "widgets/textBox.h"
 
 namespace marv {
 
@@ -84,9 +85,8 @@ void ensureScreenFonts(appConfig& cfg);
 // A text of the catalogue in the language of the screens.
 std::string screenText(const appConfig& cfg, int number);
 
-// present, clear, a short wait and the window's messages; a closed window
-// ends the process at once.
-void endScreenFrame();
+// endScreenFrame, which ends each frame of a screen, is the text box's: a
+// blocking box runs its frames the same way.
 
 // A modal message with one OK button, drawn over the current screen until
 // OK, Enter or Esc.

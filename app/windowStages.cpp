@@ -69,18 +69,16 @@ int menuFileDialog(const fileDialogRequest& request, std::string& path) {
 }
 
 passStages windowStages() {
-  passStages stages;
-  stages.startScreen = startScreen;
-  stages.askNewProjectPath = askNewProjectPath;
-  stages.askExistingProjectPath = askExistingProjectPath;
-  stages.sourceScreen = sourceScreen;
-  stages.confirmScreen = confirmScreen;
-  stages.parameterEditorScreen = runParameterEditor;
-  stages.bitmapStage = runBitmapStage;
-  stages.bitmapPreview = preview;
-  stages.placementStage = placement;
-  stages.showMessage = showMessage;
-  return stages;
+  return {.startScreen = startScreen,
+          .askNewProjectPath = askNewProjectPath,
+          .askExistingProjectPath = askExistingProjectPath,
+          .sourceScreen = sourceScreen,
+          .confirmScreen = confirmScreen,
+          .parameterEditorScreen = runParameterEditor,
+          .bitmapStage = runBitmapStage,
+          .bitmapPreview = preview,
+          .placementStage = placement,
+          .showMessage = showMessage};
 }
 
 }  // namespace marv

@@ -10,8 +10,9 @@ namespace marv {
 namespace {
 
 struct viewBasis {
-  vec3 x, y, z;        // right, up and forward unit vectors [-]
-  bool valid = false;  // false when the view is singular
+  vec3 x, y, z;                // right, up and forward unit vectors [-]
+  float xs = 1.0f, ys = 1.0f;  // focal factors (viewOf only) [-]
+  bool valid = false;          // false when the view is singular
 };
 
 vec3 sub(vec3 a, vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
@@ -46,6 +47,16 @@ bool focalFactors(const cameraState& camera, float& xs, float& ys) {
   xs = ys * static_cast<float>(camera.height) / static_cast<float>(camera.width);
   return true;
 }
+
+// The basis and the focal factors together: what a point needs to go to the
+// screen and back; not valid when either is degenerate.
+viewBasis viewOf(const cameraState& camera) {
+  viewBasis b = basisOf(camera);
+  b.valid = b.valid && focalFactors(camera, b.xs, b.ys);
+  return b;
+}
+
+const vec3 failedPoint{-1.0f, -1.0f, -1.0f};
 
 }  // namespace
 
@@ -90,17 +101,15 @@ matrix4 multiply(const matrix4& a, const matrix4& b) {
 
 // Depth d = f/(f-n) (1 - n/zv): 0 on the near plane, 1 on the far plane.
 vec3 projectPoint(const cameraState& camera, vec3 world) {
-  const vec3 failed{-1.0f, -1.0f, -1.0f};
-  const viewBasis b = basisOf(camera);
-  float xs = 1.0f, ys = 1.0f;
-  if (!b.valid || !focalFactors(camera, xs, ys)) return failed;
+  const viewBasis b = viewOf(camera);
+  if (!b.valid) return failedPoint;
   const vec3 d = sub(world, camera.position);
   const float xv = dot(d, b.x), yv = dot(d, b.y), zv = dot(d, b.z);
-  if (zv == 0.0f) return failed;
+  if (zv == 0.0f) return failedPoint;
   const float n = cameraNear, f = cameraFar;
   vec3 s;
-  s.x = (1.0f + xv * xs / zv) * 0.5f * static_cast<float>(camera.width);
-  s.y = (1.0f - yv * ys / zv) * 0.5f * static_cast<float>(camera.height);
+  s.x = (1.0f + xv * b.xs / zv) * 0.5f * static_cast<float>(camera.width);
+  s.y = (1.0f - yv * b.ys / zv) * 0.5f * static_cast<float>(camera.height);
   s.z = f / (f - n) * (1.0f - n / zv);
   return s;
 }
@@ -108,17 +117,15 @@ vec3 projectPoint(const cameraState& camera, vec3 world) {
 // The inverse of projectPoint: zv = n / (1 - d (f-n)/f), then the pixel
 // offsets from the centre scale with zv.
 vec3 unprojectPoint(const cameraState& camera, vec3 screen) {
-  const vec3 failed{-1.0f, -1.0f, -1.0f};
-  const viewBasis b = basisOf(camera);
-  float xs = 1.0f, ys = 1.0f;
-  if (!b.valid || !focalFactors(camera, xs, ys)) return failed;
+  const viewBasis b = viewOf(camera);
+  if (!b.valid) return failedPoint;
   const float n = cameraNear, f = cameraFar;
   const float denom = 1.0f - screen.z * (f - n) / f;
-  if (!(std::fabs(denom) > 1e-12f)) return failed;
+  if (!(std::fabs(denom) > 1e-12f)) return failedPoint;
   const float zv = n / denom;
   const float ndcX = 2.0f * screen.x / static_cast<float>(camera.width) - 1.0f;
   const float ndcY = 1.0f - 2.0f * screen.y / static_cast<float>(camera.height);
-  const float xv = ndcX * zv / xs, yv = ndcY * zv / ys;
+  const float xv = ndcX * zv / b.xs, yv = ndcY * zv / b.ys;
   const vec3 p = camera.position;
   return {p.x + xv * b.x.x + yv * b.y.x + zv * b.z.x, p.y + xv * b.x.y + yv * b.y.y + zv * b.z.y,
           p.z + xv * b.x.z + yv * b.y.z + zv * b.z.z};

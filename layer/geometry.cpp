@@ -96,34 +96,18 @@ float vecLength(vec3 v) {
   return sum < 1e-7f ? 0.0f : std::sqrt(sum);
 }
 
-matrix4 rotationMatrixX(float angle) {
+// A turn by angle in the plane of axes a and b, from a toward b.
+static matrix4 planeRotation(float angle, int a, int b) {
   matrix4 r;
   const float c = std::cos(angle), s = std::sin(angle);
-  r.m[1][1] = c;
-  r.m[1][2] = -s;
-  r.m[2][1] = s;
-  r.m[2][2] = c;
+  r.m[a][a] = r.m[b][b] = c;
+  r.m[a][b] = -s;
+  r.m[b][a] = s;
   return r;
 }
 
-matrix4 rotationMatrixY(float angle) {
-  matrix4 r;
-  const float c = std::cos(angle), s = std::sin(angle);
-  r.m[0][0] = c;
-  r.m[0][2] = s;
-  r.m[2][0] = -s;
-  r.m[2][2] = c;
-  return r;
-}
-
-matrix4 rotationMatrixZ(float angle) {
-  matrix4 r;
-  const float c = std::cos(angle), s = std::sin(angle);
-  r.m[0][0] = c;
-  r.m[0][1] = -s;
-  r.m[1][0] = s;
-  r.m[1][1] = c;
-  return r;
-}
+matrix4 rotationMatrixX(float angle) { return planeRotation(angle, 1, 2); }
+matrix4 rotationMatrixY(float angle) { return planeRotation(angle, 2, 0); }
+matrix4 rotationMatrixZ(float angle) { return planeRotation(angle, 0, 1); }
 
 }  // namespace marv

@@ -40,18 +40,28 @@ namespace {
 constexpr std::size_t maxImageFileBytes = 256u << 20;
 
 // libjpeg reports fatal errors through error_exit, which must not return:
-// jump back to writeJpegFile, which then fails cleanly.
+// it jumps back to the reader or the writer, which then fails cleanly.
+void jpegErrorExit(j_common_ptr info);
+void jpegSilence(j_common_ptr, int) {}
+
+// libjpeg's error manager for one image: an error jumps back to the setjmp
+// on jump in the caller, warnings stay unsaid. ok is set once the work is
+// done; it is volatile so that it survives the jump.
 struct jpegErrorTrap {
   jpeg_error_mgr base;
   std::jmp_buf jump;
+  volatile bool ok = false;
+  jpegErrorTrap() {
+    jpeg_std_error(&base);
+    base.error_exit = jpegErrorExit;
+    base.emit_message = jpegSilence;
+  }
 };
 
 void jpegErrorExit(j_common_ptr info) {
   jpegErrorTrap* trap = reinterpret_cast<jpegErrorTrap*>(info->err);
   std::longjmp(trap->jump, 1);
 }
-
-void jpegSilence(j_common_ptr, int) {}
 
 std::string executableDirectory() {
   char buffer[4096];
@@ -131,11 +141,8 @@ bool pngChunksFit(const std::uint8_t* data, std::size_t size) {
 static bool decodeJpeg(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   jpeg_decompress_struct info;
   jpegErrorTrap trap;
-  info.err = jpeg_std_error(&trap.base);
-  trap.base.error_exit = jpegErrorExit;
-  trap.base.emit_message = jpegSilence;
+  info.err = &trap.base;
   jpeg_create_decompress(&info);
-  volatile bool ok = false;  // survives a jump out of libjpeg
   if (setjmp(trap.jump) == 0) {
     jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
     if (jpeg_read_header(&info, TRUE) == JPEG_HEADER_OK && info.image_width > 0 && info.image_height > 0 &&
@@ -152,12 +159,12 @@ static bool decodeJpeg(const std::uint8_t* data, std::size_t size, rgbaImage& im
       jpeg_finish_decompress(&info);
       image.width = static_cast<int>(info.output_width);
       image.height = static_cast<int>(info.output_height);
-      ok = true;
+      trap.ok = true;
     }
   }
   jpeg_destroy_decompress(&info);
-  if (!ok) image = rgbaImage{};
-  return ok;
+  if (!trap.ok) image = rgbaImage{};
+  return trap.ok;
 }
 
 bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
@@ -208,11 +215,8 @@ bool writeJpegFile(const std::string& path, const std::uint8_t* rgba, int width,
   std::vector<std::uint8_t> row(static_cast<std::size_t>(width) * 3);
   jpeg_compress_struct info;
   jpegErrorTrap trap;
-  info.err = jpeg_std_error(&trap.base);
-  trap.base.error_exit = jpegErrorExit;
-  trap.base.emit_message = jpegSilence;
+  info.err = &trap.base;
   jpeg_create_compress(&info);
-  volatile bool ok = false;  // survives a jump out of libjpeg
   if (setjmp(trap.jump) == 0) {
     jpeg_stdio_dest(&info, file);
     info.image_width = static_cast<JDIMENSION>(width);
@@ -230,10 +234,10 @@ bool writeJpegFile(const std::string& path, const std::uint8_t* rgba, int width,
     jpeg_start_compress(&info, TRUE);
     compressRows(&info, rgba, width, height, row.data());
     jpeg_finish_compress(&info);
-    ok = true;
+    trap.ok = true;
   }
   jpeg_destroy_compress(&info);
-  const bool written = std::fclose(file) == 0 && ok;
+  const bool written = std::fclose(file) == 0 && trap.ok;
   if (!written) std::remove(path.c_str());
   return written;
 }

@@ -23,11 +23,8 @@ const char* historyKeyName(int number) { return number >= 0 && number < numHisto
 parameterEntry lookupHistoryKey(const std::string& name) {
   parameterEntry e;
   e.name = name;
-  e.index = numHistoryKeys;
+  e.index = findName(name, historyKeys, numHistoryKeys, [](const char* key) { return key; });
   e.valueType = 0;
-  for (int i = 0; i < numHistoryKeys; ++i) {
-    if (sameName(name, historyKeys[i])) e.index = i;
-  }
   return e;
 }
 

@@ -182,4 +182,13 @@ const char* parameterName(int index);
 // Case-insensitive comparison of names and keywords.
 bool sameName(const std::string& a, const char* b);
 
+// The place of name among the count rows of a key table, compared as
+// sameName does; count when no row holds it. nameOf gives a row's name.
+template <typename Row, typename NameOf>
+int findName(const std::string& name, const Row* rows, int count, NameOf nameOf) {
+  for (int i = 0; i < count; ++i)
+    if (sameName(name, nameOf(rows[i]))) return i;
+  return count;
+}
+
 }  // namespace marv

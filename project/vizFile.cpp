@@ -127,18 +127,14 @@ void setField(appConfig& cfg, const vizKey& key, double value) {
 
 const char* vizKeyName(int number) { return number >= 0 && number < numVizKeys ? vizKeys[number].name : "NA"; }
 
+// An unknown key is the table's end.
+static_assert(unknownVizKey == numVizKeys);
+
 parameterEntry lookupVizKey(const std::string& name) {
   parameterEntry e;
   e.name = name;
-  e.index = unknownVizKey;
-  e.valueType = 0;
-  for (int i = 0; i < numVizKeys; ++i) {
-    if (sameName(name, vizKeys[i].name)) {
-      e.index = i;
-      e.valueType = vizKeys[i].kind == vizReal || vizKeys[i].kind == vizFloat ? 1 : 0;
-      break;
-    }
-  }
+  e.index = findName(name, vizKeys, numVizKeys, [](const vizKey& key) { return key.name; });
+  e.valueType = e.index < numVizKeys && (vizKeys[e.index].kind == vizReal || vizKeys[e.index].kind == vizFloat) ? 1 : 0;
   return e;
 }
 

@@ -15,7 +15,7 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 share="$prefix/share/marvanesse"
 for f in bin/marvanesse bin/marvanesse-batch share/applications/marvanesse.desktop \
          share/icons/hicolor/64x64/apps/marvanesse.png share/marvanesse/picture444.png \
-         share/marvanesse/help/param_en.html share/marvanesse/help/param.html \
+         share/marvanesse/help/param_en.html share/marvanesse/help/param.html share/marvanesse/help/help.css \
          share/marvanesse/examples/cavity2d/input/param.txt; do
   [ -e "$prefix/$f" ] || { echo "check-install: $f was not installed"; exit 1; }
 done

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,20 @@ inline std::vector<marv::inputFrame> press(int key) { return {holding(key), hold
 
 inline void append(std::vector<marv::inputFrame>& to, const std::vector<marv::inputFrame>& more) {
   to.insert(to.end(), more.begin(), more.end());
+}
+
+// The pieces of a script one after another.
+inline std::vector<marv::inputFrame> join(std::initializer_list<std::vector<marv::inputFrame>> parts) {
+  std::vector<marv::inputFrame> all;
+  for (const auto& part : parts) append(all, part);
+  return all;
+}
+
+inline marv::inputFrame typing(const std::string& text, std::vector<int> taps = {}) {
+  marv::inputFrame f;
+  f.typed = text;
+  f.keysTapped = std::move(taps);
+  return f;
 }
 
 // Idle frames, so that the screen's debounce of Enter passes (the clock is

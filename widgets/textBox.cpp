@@ -113,6 +113,16 @@ void setTextBoxButtons(textBox& box, int kind) {
   }
 }
 
+void endScreenFrame() {
+  present();
+  clearDrawTarget();
+  waitMs(1);
+  if (processMessages() == -1) {
+    stopLayer();
+    std::exit(0);
+  }
+}
+
 void destroyTextBox(textBox& box) {
   for (int& icon : box.icons) {
     deleteImage(icon);
@@ -341,13 +351,7 @@ int showTextBox(textBox& box, const char* text, int nonBlocking, int restoreInpu
     if (result != 0) break;
     if (nonBlocking) return 0;
 
-    present();
-    clearDrawTarget();
-    waitMs(1);
-    if (processMessages() == -1) {
-      stopLayer();
-      std::exit(0);
-    }
+    endScreenFrame();
   }
 
   box.hover = 0;

@@ -87,4 +87,8 @@ int breakLine(const char* text, int start, int charsPerLine, bool doubleByte);
 // Frees the icons and the text input.
 void destroyTextBox(textBox& box);
 
+// present, clear, a short wait and the window's messages; a closed window
+// ends the process at once. The end of every frame of a screen.
+void endScreenFrame();
+
 }  // namespace marv

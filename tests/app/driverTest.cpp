@@ -65,9 +65,6 @@ TEST(Driver, AnalysisModeShowsTheNewestDumpAndWritesNothing) {
   options.quiet = true;
   marv::driverState simulation;
   ASSERT_EQ(marv::runDriver(marv::batchStages(options), simulation), 0);
-  for (const char* step : {"00000000", "00000010", "00000020", "00000025"})
-    EXPECT_TRUE(std::filesystem::exists(folder / "dump" / step / "info.txt")) << step;
-  const std::string written = marvtest::readText(folder / "input" / "param.txt");
   const auto stamp = std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw");
 
   // Lower latts: the newest dump at or below latts + 99 is still found.
@@ -79,7 +76,6 @@ TEST(Driver, AnalysisModeShowsTheNewestDumpAndWritesNothing) {
   EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt"), "1:nx 5\n2:ny 5\n3:latts 0\n")
       << "Analysis mode does not rewrite param.txt";
   EXPECT_EQ(std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw"), stamp);
-  EXPECT_FALSE(written.empty());
 
   std::filesystem::remove_all(folder / "dump");
   marv::driverState empty;
@@ -89,8 +85,6 @@ TEST(Driver, AnalysisModeShowsTheNewestDumpAndWritesNothing) {
 
 TEST(Driver, EarlyEndsGiveNonZeroStatus) {
   EXPECT_NE(runProject("", false, false).status, 0) << "no param.txt";
-  EXPECT_NE(runProject("1:nx 1\n2:ny 5\n").status, 0) << "mesh refused";
-  EXPECT_NE(runProject("1:nx 5\n2:ny 5\n3:cfl -1\n").status, 0) << "cfl refused";
   EXPECT_NE(runProject("1:nx 5\n2:ny 5\n3:sts 10\n").status, 0) << "no restart dump";
   marv::driverState state;
   marv::batchOptions options;

@@ -80,15 +80,6 @@ TEST(Divergence, EndsBeforeTheLastStepAndKeepsOnlyFiniteDumps) {
   fs::remove_all(folder);
 }
 
-TEST(Divergence, AStableRunEndsNormally) {
-  const fs::path folder = cavityProject("stable", std::string(cavityLines) + "9:latts 20\n10:nfile 10\n");
-  marv::driverState state;
-  EXPECT_EQ(runBatch(folder, state), 0);
-  EXPECT_EQ(state.stepsTaken, 21);
-  EXPECT_TRUE(fs::exists(folder / "dump" / "00000020" / "ufld.raw"));
-  fs::remove_all(folder);
-}
-
 TEST(LongParameterFile, TheBatchRunnerKeepsTheOriginalByteForByte) {
   std::string text = "// my case\n" + std::string(cavityLines) + "9:latts 2\n10:nfile 0\n";
   for (int i = 11; i <= 150; ++i) text += std::to_string(i) + ":nfig 0   // spare line " + std::to_string(i) + "\r\n";
@@ -134,35 +125,6 @@ TEST(Bitmaps, AnUnreadableBitmapRefusesTheProject) {
   EXPECT_NE(said.find("bcXY0.bmp"), std::string::npos) << said;
   EXPECT_EQ(state.stepsTaken, 0) << "no run without the walls";
   fs::remove_all(folder);
-}
-
-TEST(Bitmaps, ATopDownBitmapGivesTheSameDomainAsItsBottomUpTwin) {
-  std::string boundary[2];
-  for (int topDown = 0; topDown < 2; ++topDown) {
-    const fs::path folder = cavityProject("topdown", std::string(cavityLines) + "9:latts 0\n");
-    const fs::path bitmap = folder / "input" / "bcXY0.bmp";
-    if (topDown) {
-      std::string bytes = marvtest::readText(bitmap);
-      auto u32 = [&bytes](std::size_t at) {
-        std::uint32_t v = 0;
-        for (int i = 3; i >= 0; --i) v = v << 8 | static_cast<std::uint8_t>(bytes[at + i]);
-        return v;
-      };
-      const std::uint32_t offset = u32(10), width = u32(18), height = u32(22), bits = bytes[28];
-      const std::size_t row = (width * bits + 31) / 32 * 4;
-      std::string flipped = bytes.substr(0, offset);
-      for (std::uint32_t r = height; r-- > 0;) flipped += bytes.substr(offset + r * row, row);
-      const std::uint32_t negative = static_cast<std::uint32_t>(-static_cast<std::int32_t>(height));
-      for (int i = 0; i < 4; ++i) flipped[22 + i] = static_cast<char>(negative >> (8 * i));
-      marvtest::writeText(bitmap, flipped);
-    }
-    marv::driverState state;
-    EXPECT_EQ(runBatch(folder, state), 0) << (topDown ? "top-down" : "bottom-up");
-    boundary[topDown] = marvtest::readText(folder / "dump" / "00000000" / "bc.raw");
-    fs::remove_all(folder);
-  }
-  EXPECT_EQ(boundary[0].size(), 33u * 33u * 8u);
-  EXPECT_TRUE(boundary[0] == boundary[1]) << "the boundary types differ";
 }
 
 // Runs marvanesse-batch on folder in a child process; before the program

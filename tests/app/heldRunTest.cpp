@@ -13,6 +13,7 @@
 #include "app/driver.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "screenScript.h"
 #include "testSupport.h"
 
 namespace {
@@ -65,26 +66,20 @@ int runWithPlan(const std::filesystem::path& folder, bool analysis, std::vector<
   return status;
 }
 
-std::vector<inputFrame> join(std::initializer_list<std::vector<inputFrame>> parts) {
-  std::vector<inputFrame> all;
-  for (const auto& p : parts) all.insert(all.end(), p.begin(), p.end());
-  return all;
-}
-
 TEST(heldRun, theQuitPromptHoldsStepAndTimeUntilCancelledAndQEndsTheRun) {
   const auto folder = marvtest::scratchFolder("held");
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 100000\n4:deltat 0.5\n");
   driverState state;
   runWithPlan(folder, false,
-              join({idle(3),
-                    {holding({keyEsc})},
-                    idle(8),
-                    {holding({keyEnter})},
-                    idle(3),
-                    {holding({keyEsc})},
-                    idle(1),
-                    {holding({keyQ})},
-                    idle(5)}),
+              marvtest::join({idle(3),
+                              {holding({keyEsc})},
+                              idle(8),
+                              {holding({keyEnter})},
+                              idle(3),
+                              {holding({keyEsc})},
+                              idle(1),
+                              {holding({keyQ})},
+                              idle(5)}),
               state);
   // The frame of plan[i] is read in cycle i + 1: cycles 0..3 step, 4 raises
   // the prompt, 4..12 are held, 13 cancels it with Enter and steps.
@@ -117,25 +112,11 @@ TEST(heldRun, analysisArrowsStepThroughTheDumpsWithoutWrappingAround) {
     ASSERT_EQ(runDriver(batchStages(options), simulation), 0);
   }
   driverState analysis;
-  runWithPlan(folder, true,
-              join({idle(2),
-                    {holding({keyLeft})},
-                    idle(2),
-                    {holding({keyLeft})},
-                    idle(2),
-                    {holding({keyLeft})},
-                    idle(2),
-                    {holding({keyLeft})},
-                    idle(2),
-                    {holding({keyRight})},
-                    idle(2),
-                    {holding({keyRight})},
-                    idle(2),
-                    {holding({keyRight})},
-                    idle(2),
-                    {holding({keyRight})},
-                    idle(2)}),
-              analysis);
+  // Left four times, then right four times, two idle frames between.
+  std::vector<inputFrame> frames = idle(2);
+  for (int key : {keyLeft, keyLeft, keyLeft, keyLeft, keyRight, keyRight, keyRight, keyRight})
+    marvtest::append(frames, marvtest::join({{holding({key})}, idle(2)}));
+  runWithPlan(folder, true, frames, analysis);
   std::vector<int> shown;
   for (const cycleSeen& c : seen)
     if (shown.empty() || shown.back() != c.sts) shown.push_back(c.sts);

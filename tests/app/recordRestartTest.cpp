@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <regex>
 #include <string>
 
 #include "app/batchStages.h"
@@ -24,33 +25,12 @@ const fs::path example = fs::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "
 
 // Each line whose first word is key (in param.txt after its "NNN:") gets
 // value as its second word; the rest of the line goes. The example holds
-// nfile twice. A key that no line holds is added before "#End of file".
-std::string setKey(const std::string& text, const std::string& key, const std::string& value, bool numbered) {
-  std::string out;
-  bool found = false;
-  std::size_t at = 0;
-  while (at < text.size()) {
-    std::size_t end = text.find('\n', at);
-    if (end == std::string::npos) end = text.size();
-    std::string line = text.substr(at, end - at);
-    const std::size_t colon = numbered ? line.find(':') : std::string::npos;
-    const std::size_t start = colon == std::string::npos ? 0 : colon + 1;
-    const bool digits =
-        !numbered || (colon != std::string::npos && colon > 0 && line.find_first_not_of("0123456789") == colon);
-    if (digits && line.compare(start, key.size(), key) == 0 &&
-        (line.size() == start + key.size() || line[start + key.size()] == ' ')) {
-      line = line.substr(0, start) + key + " " + value;
-      found = true;
-    }
-    if (!found && numbered && line.rfind("#End of file", 0) == 0) {
-      line = "099:" + key + " " + value + "\n" + line;
-      found = true;
-    }
-    out += line;
-    if (end < text.size()) out += '\n';
-    at = end + 1;
-  }
-  return out;
+// nfile twice. A parameter that no line holds is added before "#End of file".
+std::string setKey(std::string text, const std::string& key, const std::string& value, bool numbered) {
+  const std::regex line("(^|\n)(" + std::string(numbered ? "[0-9]+:" : "") + ")" + key + "( [^\n]*)?(?=\n|$)");
+  if (std::regex_search(text, line)) return std::regex_replace(text, line, "$1$2" + key + " " + value);
+  const std::size_t end = text.find("#End of file");
+  return numbered && end != std::string::npos ? text.insert(end, "099:" + key + " " + value + "\n") : text;
 }
 
 std::string setParameter(const std::string& text, const std::string& key, const std::string& value) {

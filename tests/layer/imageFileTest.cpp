@@ -136,10 +136,7 @@ TEST(pictureFiles, randomAndFlippedBytesNeverCrash) {
 TEST(pictureFiles, loadImageOfTheHeadlessBackendKnowsSizesAndRefusesJunk) {
   const std::string dir = ::testing::TempDir();
   const std::string junk = dir + "marv_junk.bmp";
-  {
-    std::ofstream out(junk, std::ios::binary);
-    out << "BM this is not a bitmap";
-  }
+  std::ofstream(junk, std::ios::binary) << "BM this is not a bitmap";
   EXPECT_LT(loadImage(junk.c_str(), 0), 0);
   EXPECT_LT(loadImage(dir.c_str(), 0), 0) << "a folder";
   EXPECT_LT(loadImage("/no/such/file.png", 0), 0);
@@ -150,26 +147,11 @@ TEST(pictureFiles, loadImageOfTheHeadlessBackendKnowsSizesAndRefusesJunk) {
   ASSERT_GE(tile, 0);
   int w = 0, h = 0;
   EXPECT_EQ(imageSize(tile, &w, &h), 0);
-  EXPECT_EQ(w, 640);
-  EXPECT_EQ(h, 128);
-  int cells[3] = {-9, -9, -9};
-  EXPECT_EQ(loadImageSetResource(550, 3, 3, 1, 64, 192, cells), 0);
-  EXPECT_EQ(imageSize(cells[2], &w, &h), 0);
-  EXPECT_EQ(h, 192);
+  EXPECT_EQ(w * 1000 + h, 640128) << "640 x 128";
   deleteImage(tile);
 }
 
-TEST(jpegFiles, unwritablePathsAndEmptyPicturesFail) {
-  std::vector<std::uint8_t> rgba(16 * 8 * 4, 200);
-  EXPECT_FALSE(writeJpegFile("/no/such/folder/x.jpg", rgba.data(), 16, 8, 80, 1));
-  EXPECT_FALSE(writeJpegFile(::testing::TempDir() + "x.jpg", rgba.data(), 0, 8, 80, 1));
-  EXPECT_FALSE(writeJpegFile(::testing::TempDir() + "x.jpg", nullptr, 16, 8, 80, 1));
-  const std::string path = ::testing::TempDir() + "marv_odd.jpg";
-  EXPECT_TRUE(writeJpegFile(path, rgba.data(), 15, 7, 200, 1)) << "odd sizes with halved chroma, quality clamped";
-  std::remove(path.c_str());
-}
-
-TEST(jpegFiles, writtenImagesReadBackAndDamagedOnesAreRefused) {
+TEST(jpegFiles, writtenImagesReadBackAndBadOnesFail) {
   std::vector<std::uint8_t> rgba(24 * 10 * 4);
   for (std::size_t n = 0; n < rgba.size(); n += 4)
     rgba[n] = 30, rgba[n + 1] = 120, rgba[n + 2] = 220, rgba[n + 3] = 255;
@@ -181,11 +163,16 @@ TEST(jpegFiles, writtenImagesReadBackAndDamagedOnesAreRefused) {
   EXPECT_EQ(picture.height, 10);
   EXPECT_NEAR(picture.pixels[4 * 25 + 2], 220, 8) << "blue of a pixel inside";
   EXPECT_EQ(picture.pixels[4 * 25 + 3], 255) << "opaque";
-  std::remove(path.c_str());
   // A Huffman table whose code counts run past the table (found by fuzzing).
   std::vector<std::uint8_t> damaged = {0xff, 0xd8, 0xff, 0xc4, 0x23, 0x00, 0x00};
   damaged.resize(100, 0xff);
   EXPECT_FALSE(decodeImage(damaged.data(), damaged.size(), picture));
+
+  EXPECT_FALSE(writeJpegFile("/no/such/folder/x.jpg", rgba.data(), 16, 8, 80, 1));
+  EXPECT_FALSE(writeJpegFile(path, rgba.data(), 0, 8, 80, 1));
+  EXPECT_FALSE(writeJpegFile(path, nullptr, 16, 8, 80, 1));
+  EXPECT_TRUE(writeJpegFile(path, rgba.data(), 15, 7, 200, 1)) << "odd sizes with halved chroma, quality clamped";
+  std::remove(path.c_str());
 }
 
 }  // namespace

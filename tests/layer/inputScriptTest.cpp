@@ -7,6 +7,7 @@
 
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "screenScript.h"
 
 namespace {
 
@@ -35,12 +36,7 @@ std::string edit(std::vector<inputFrame> frames, int maxLength = 0, int singleBy
   return text;
 }
 
-inputFrame typing(const char* text, std::vector<int> taps = {}) {
-  inputFrame f;
-  f.typed = text;
-  f.keysTapped = std::move(taps);
-  return f;
-}
+using marvtest::typing;
 
 TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
   inputFrame press;

@@ -54,23 +54,14 @@ class menuBarTest : public ::testing::Test {
   }
 };
 
-TEST_F(menuBarTest, clickOpensHoverMovesAndAClickChooses) {
-  EXPECT_FALSE(isOpen(m));
-  clickHead(0);
-  EXPECT_EQ(m.openHead, 0);
-  // Hovering the other bar item moves there while a menu is open.
-  const point help = centre(headRect(m, 1));
-  EXPECT_TRUE(pointerMoved(m, help.x, help.y));
-  EXPECT_EQ(m.openHead, 1);
-  click(itemCentre(commandHelpExamples));
-  EXPECT_FALSE(isOpen(m));
-  EXPECT_EQ(taken(), std::vector<int>{commandHelpExamples});
-  // Without an open menu, hovering the bar opens nothing.
+// Click, hover to the other head and a click on an item are played through
+// the window's input script by the menu script tests.
+TEST_F(menuBarTest, hoveringOpensNothingAndASecondClickOnTheHeadCloses) {
   const point file = centre(headRect(m, 0));
   pointerMoved(m, file.x, file.y);
   EXPECT_FALSE(isOpen(m));
-  // A second click on the open menu's own head closes it.
   clickHead(0);
+  EXPECT_EQ(m.openHead, 0);
   clickHead(0);
   EXPECT_FALSE(isOpen(m));
   EXPECT_TRUE(taken().empty());

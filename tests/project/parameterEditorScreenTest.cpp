@@ -6,6 +6,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "project/parameterEditorScreen.h"
@@ -16,7 +17,8 @@
 namespace {
 
 using namespace marv;
-namespace fs = std::filesystem;
+using marvtest::press;
+using marvtest::typing;
 
 std::string lastMessage;
 void keepMessage(appConfig&, const char* text) { lastMessage = text; }
@@ -34,10 +36,8 @@ bool sayYes(editorScreen&, appConfig&) { return true; }
 class editorCase : public ::testing::Test {
  protected:
   void SetUp() override {
-    folder_ = marvtest::scratchFolder("editor");
-    previous_ = fs::current_path();
-    fs::create_directories(folder_ / "input");
-    fs::current_path(folder_);
+    inside_ = std::make_unique<marvtest::inFolder>(marvtest::scratchFolder("editor"));
+    std::filesystem::create_directories("input");
     constructAppConfig(cfg, false, false);
     cfg.showMessage = keepMessage;
     lastMessage.clear();
@@ -45,55 +45,37 @@ class editorCase : public ::testing::Test {
     screen.askNewName = nextName;
     screen.confirmRemove = sayYes;
   }
-  void TearDown() override {
-    fs::current_path(previous_);
-    fs::remove_all(folder_);
-  }
-  void writeParams(const std::string& text) { marvtest::writeText(folder_ / "input" / "param.txt", text); }
-  std::string params() const { return marvtest::readText(folder_ / "input" / "param.txt"); }
+  void TearDown() override { inside_.reset(); }
+  void writeParams(const std::string& text) { marvtest::writeText("input/param.txt", text); }
+  std::string params() const { return marvtest::readText("input/param.txt"); }
 
   // Runs the editor under a script; returns its result.
-  int run(std::vector<inputFrame> frames) {
-    marvtest::scriptedRun script(std::move(frames));
+  int run(std::initializer_list<std::vector<inputFrame>> parts) {
+    marvtest::scriptedRun script(marvtest::join(parts));
     return runEditorScreen(screen, editor, cfg);
   }
 
-  // Places of the screen's buttons.
-  int h() const { return cfg.textHeight; }
-  int g() const { return cfg.textGap; }
-  int s() const { return cfg.buttonSize + g() / 2; }
-  std::vector<inputFrame> clickProceed() const { return marvtest::click(cfg.proceedX + 10, cfg.proceedY + 10); }
-  std::vector<inputFrame> clickSwapUp() const {
-    return marvtest::click(cfg.proceedX + 10, cfg.cancelY - 4 * g() - 3 * s() + 10);
-  }
-  std::vector<inputFrame> clickSwapDown() const {
-    return marvtest::click(cfg.proceedX + 10, cfg.cancelY - 2 * (2 * g() + s()) + 10);
-  }
-  std::vector<inputFrame> clickAdd() const {
-    return marvtest::click(cfg.cancelX + 10, cfg.cancelY - s() - 2 * g() + 10);
-  }
-  std::vector<inputFrame> clickRemove() const {
-    return marvtest::click(cfg.proceedX + 10, cfg.cancelY - s() - 2 * g() + 10);
-  }
+  // Clicks on the screen's buttons.
+  std::vector<inputFrame> clickAt(int x, int rise) const { return marvtest::click(x + 10, cfg.cancelY - rise + 10); }
+  int s() const { return cfg.buttonSize + cfg.textGap / 2; }
+  std::vector<inputFrame> proceed() const { return clickAt(cfg.proceedX, cfg.cancelY - cfg.proceedY); }
+  std::vector<inputFrame> swapUp() const { return clickAt(cfg.proceedX, 4 * cfg.textGap + 3 * s()); }
+  std::vector<inputFrame> swapDown() const { return clickAt(cfg.proceedX, 2 * (2 * cfg.textGap + s())); }
+  std::vector<inputFrame> add() const { return clickAt(cfg.cancelX, s() + 2 * cfg.textGap); }
+  std::vector<inputFrame> remove() const { return clickAt(cfg.proceedX, s() + 2 * cfg.textGap); }
 
   appConfig cfg;
   parameterEditor editor;
   editorScreen screen;
 
  private:
-  fs::path folder_, previous_;
+  std::unique_ptr<marvtest::inFolder> inside_;
 };
 
-inputFrame typing(const std::string& text) {
-  inputFrame f;
-  f.typed = text;
-  return f;
-}
+const char* const threeRows = "1:nx 5\n2:latts 10\n3:ny 6\n";
 
 TEST(ValueFilter, NumbersPassAndEverythingElseIsRefused) {
   const parameterEntry latts = lookupParameter("latts");
-  const parameterEntry uinb = lookupParameter("uinb");
-  std::string out = "unchanged";
   struct row {
     const char* text;
     bool ok;
@@ -102,43 +84,35 @@ TEST(ValueFilter, NumbersPassAndEverythingElseIsRefused) {
   for (const row& r : {row{"1,000", true, "1000"}, row{" 2.5e-3 ", true, "2.5e-3"}, row{"-7", true, "-7"},
                        row{"abc", false, ""}, row{"", false, ""}, row{"10abc", false, ""}, row{"1e999", false, ""},
                        row{"0x10", false, ""}, row{"inf", false, ""}, row{"-", false, ""}}) {
-    out = "unchanged";
+    std::string out = "unchanged";
     EXPECT_EQ(filterValue(latts, r.text, out), r.ok) << r.text;
     EXPECT_EQ(out, r.ok ? std::string(r.kept) : std::string("unchanged")) << r.text;
   }
-  EXPECT_TRUE(filterValue(uinb, "-", out)) << "an inflow value may be the dash";
+  std::string out;
+  EXPECT_TRUE(filterValue(lookupParameter("uinb"), "-", out)) << "an inflow value may be the dash";
   EXPECT_EQ(out, "-");
 }
 
 TEST_F(editorCase, TypedValueIsCommittedWhenTheSelectionMovesAndWrittenOnAccept) {
-  writeParams("1:nx 5\n2:latts 10\n3:ny 6\n");
-  std::vector<inputFrame> frames = {typing(",000")};
-  marvtest::append(frames, marvtest::press(keyArrowDown));
-  marvtest::append(frames, clickProceed());
-  ASSERT_EQ(run(frames), 1);
+  writeParams(threeRows);
+  ASSERT_EQ(run({{typing(",000")}, press(keyArrowDown), proceed()}), 1);
   EXPECT_EQ(cfg.latts, 10000);
   EXPECT_NE(params().find("002:latts                               10000  // End time step."), std::string::npos)
       << params();
 }
 
 TEST_F(editorCase, AValueThatIsNoNumberIsRefusedAndNeverBecomesZero) {
-  writeParams("1:nx 5\n2:latts 10\n3:ny 6\n");
+  writeParams(threeRows);
   const std::string before = params();
   // Moving away from "10abc" keeps 10 and says why.
-  std::vector<inputFrame> frames = {typing("abc")};
-  marvtest::append(frames, marvtest::press(keyArrowDown));
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
+  ASSERT_EQ(run({{typing("abc")}, press(keyArrowDown), press(keyEsc)}), -1);
   EXPECT_EQ(editor.entries[1].value, "10");
   EXPECT_NE(screen.message.find("\"10abc\" is not a number"), std::string::npos) << screen.message;
   EXPECT_EQ(params(), before);
 
   // Accepting with a bad value in the field is refused with a message: the
   // screen stays until the user cancels, and the file is left as it was.
-  frames = {typing("abc")};
-  marvtest::append(frames, clickProceed());
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
+  ASSERT_EQ(run({{typing("abc")}, proceed(), press(keyEsc)}), -1);
   EXPECT_NE(lastMessage.find("is not a number"), std::string::npos) << lastMessage;
   EXPECT_EQ(params(), before);
 }
@@ -146,86 +120,56 @@ TEST_F(editorCase, AValueThatIsNoNumberIsRefusedAndNeverBecomesZero) {
 TEST_F(editorCase, CancelLeavesTheFileByteForByte) {
   const std::string odd = "// my notes\r\n1:nx 5 // first\r\n\r\n2:latts 1,5\n# mark\nfree text\n3:ny 6";
   writeParams(odd);
-  std::vector<inputFrame> frames = {typing("99")};
-  marvtest::append(frames, marvtest::press(keyArrowDown));
-  marvtest::append(frames, clickSwapUp());
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
+  ASSERT_EQ(run({{typing("99")}, press(keyArrowDown), swapUp(), press(keyEsc)}), -1);
   EXPECT_EQ(params(), odd);
 }
 
 TEST_F(editorCase, SwapButtonsReorderTheRowsInTheFile) {
-  writeParams("1:nx 5\n2:latts 10\n3:ny 6\n");
-  std::vector<inputFrame> frames = clickSwapUp();  // latts above nx
-  marvtest::append(frames, marvtest::press(keyArrowDown));
-  marvtest::append(frames, marvtest::press(keyArrowDown));
-  marvtest::append(frames, clickSwapDown());  // the last row cannot go further down
-  marvtest::append(frames, clickProceed());
-  ASSERT_EQ(run(frames), 1);
+  writeParams(threeRows);
+  // latts above nx; then the last row cannot go further down.
+  ASSERT_EQ(run({swapUp(), press(keyArrowDown), press(keyArrowDown), swapDown(), proceed()}), 1);
   const std::string text = params();
-  const auto at = [&](const char* name) { return text.find(name); };
-  EXPECT_LT(at(":latts"), at(":nx"));
-  EXPECT_LT(at(":nx"), at(":ny"));
+  EXPECT_LT(text.find(":latts"), text.find(":nx"));
+  EXPECT_LT(text.find(":nx"), text.find(":ny"));
   EXPECT_NE(text.find("001:latts"), std::string::npos) << "the leading number is the new position";
 }
 
-TEST_F(editorCase, AddedRowsTakeTheSelectedPlace) {
-  writeParams("1:nx 5\n2:ny 6\n");
+TEST_F(editorCase, AddedRowsTakeTheSelectedPlaceAndDeltatGreysCfl) {
+  writeParams("1:cfl 0.3\n2:ny 6\n");
   namesToAdd = {"la tts", "---- Notes ----", "frobnicate", "deltat"};
-  std::vector<inputFrame> frames;
-  for (int i = 0; i < 4; ++i) marvtest::append(frames, clickAdd());
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
+  ASSERT_EQ(run({add(), add(), add(), add(), press(keyEsc)}), -1);
   ASSERT_EQ(editor.count, 6);
   // Each new row went in at the selected row, which then selects it.
-  EXPECT_EQ(editor.entries[1].name, "deltat");
-  EXPECT_EQ(editor.entries[2].name, "frobnicate");
-  EXPECT_EQ(editor.entries[3].description, "---- Notes ----");
-  EXPECT_EQ(editor.entries[3].isTextLine, 1);
-  EXPECT_EQ(editor.entries[4].name, "latts");
-  EXPECT_EQ(editor.entries[4].index, 16);
-  EXPECT_EQ(editor.entries[4].description, "End time step.");
-  EXPECT_EQ(editor.entries[4].value, "0");
-  EXPECT_EQ(editor.entries[2].index, unknownParameter);
-  EXPECT_EQ(editor.entries[2].listNumber, -1) << "an unknown name shows no number";
-  EXPECT_EQ(editor.entries[5].name, "ny");
-}
-
-TEST_F(editorCase, AddingDeltatGreysCfl) {
-  writeParams("1:cfl 0.3\n2:nx 5\n");
-  namesToAdd = {"deltat"};
-  std::vector<inputFrame> frames = clickAdd();
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
-  EXPECT_EQ(editor.entries[0].name, "cfl");
-  EXPECT_EQ(editor.entries[0].enabled, 0);
+  const auto& e = editor.entries;
+  EXPECT_EQ(e[0].enabled, 0) << "cfl is greyed by deltat";
+  EXPECT_EQ(e[1].name, "deltat");
+  EXPECT_EQ(e[2].name, "frobnicate");
+  EXPECT_EQ(e[2].index, unknownParameter);
+  EXPECT_EQ(e[2].listNumber, -1) << "an unknown name shows no number";
+  EXPECT_EQ(e[3].description, "---- Notes ----");
+  EXPECT_EQ(e[3].isTextLine, 1);
+  EXPECT_EQ(e[4].name + " " + std::to_string(e[4].index) + " " + e[4].description + " " + e[4].value,
+            "latts 16 End time step. 0");
+  EXPECT_EQ(e[5].name, "ny");
 }
 
 TEST_F(editorCase, AnUnpickedChoiceIsRefusedUntilAnOptionIsChosen) {
   writeParams("1:nx 5\n2:ny 5\n");
   namesToAdd = {"openPresFlag"};
-  std::vector<inputFrame> frames = clickAdd();
-  marvtest::append(frames, clickProceed());
-  marvtest::append(frames, marvtest::press(keyRight));
-  marvtest::append(frames, clickProceed());
-  ASSERT_EQ(run(frames), 1);
+  ASSERT_EQ(run({add(), proceed(), press(keyRight), proceed()}), 1);
   EXPECT_NE(lastMessage.find("openPresFlag"), std::string::npos) << lastMessage;
   EXPECT_EQ(cfg.openPresFlag, 0);
   EXPECT_NE(params().find(":openPresFlag                            0"), std::string::npos);
 }
 
 TEST_F(editorCase, RemoveTakesTheSelectedRowButNeverTheLast) {
-  writeParams("1:nx 5\n2:latts 10\n3:ny 6\n");
-  std::vector<inputFrame> frames = clickRemove();
-  marvtest::append(frames, clickProceed());
-  ASSERT_EQ(run(frames), 1);
+  writeParams(threeRows);
+  ASSERT_EQ(run({remove(), proceed()}), 1);
   EXPECT_EQ(params().find(":latts"), std::string::npos);
   EXPECT_EQ(editor.count, 2);
 
   writeParams("1:nx 5\n");
-  frames = clickRemove();
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
+  ASSERT_EQ(run({remove(), press(keyEsc)}), -1);
   EXPECT_EQ(editor.count, 1) << "the only row stays";
 }
 
@@ -236,35 +180,25 @@ TEST_F(editorCase, ScrollStopsAtTheEndAndEndShowsTheLastRow) {
   writeParams(text);
   inputFrame wheel;
   wheel.wheel = -500;
-  std::vector<inputFrame> frames = {wheel, wheel};
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
-  const int pitch = h() + g();
-  const int total = pitch * (60 + 2);
-  EXPECT_EQ(screen.scrollY, total - screen.listHeight) << "the wheel runs into the end of the list";
+  ASSERT_EQ(run({{wheel, wheel}, press(keyEsc)}), -1);
+  const int pitch = cfg.textHeight + cfg.textGap;
+  EXPECT_EQ(screen.scrollY, pitch * (60 + 2) - screen.listHeight) << "the wheel runs into the end of the list";
 
-  frames = marvtest::press(keyEnd);
-  marvtest::append(frames, marvtest::idle(2));
-  marvtest::append(frames, marvtest::press(keyEsc));
-  ASSERT_EQ(run(frames), -1);
+  ASSERT_EQ(run({press(keyEnd), marvtest::idle(2), press(keyEsc)}), -1);
   EXPECT_EQ(screen.selected, 59);
-  const int rowY = pitch * 59 + g();
+  const int rowY = pitch * 59 + cfg.textGap;
   EXPECT_GE(rowY, screen.scrollY);
-  EXPECT_LE(rowY + h(), screen.scrollY + screen.listHeight) << "the selected row is in view";
+  EXPECT_LE(rowY + cfg.textHeight, screen.scrollY + screen.listHeight) << "the selected row is in view";
 }
 
-TEST_F(editorCase, MissingFileGivesMessage45) {
+TEST_F(editorCase, AMissingFileIsToldAndAnalysisModeAppliesButDoesNotSave) {
   EXPECT_EQ(runEditorScreen(screen, editor, cfg), -1);
   EXPECT_EQ(lastMessage, screenText(cfg, 45));
-}
 
-TEST_F(editorCase, AnalysisModeAppliesButDoesNotSave) {
-  writeParams("1:nx 5\n2:latts 10\n3:ny 6\n");
+  writeParams(threeRows);
   const std::string before = params();
   cfg.analysisMode = 1;
-  std::vector<inputFrame> frames = {typing("0")};
-  marvtest::append(frames, clickProceed());
-  ASSERT_EQ(run(frames), 1);
+  ASSERT_EQ(run({{typing("0")}, proceed()}), 1);
   EXPECT_EQ(cfg.latts, 100);
   EXPECT_EQ(params(), before);
 }

@@ -37,6 +37,12 @@ struct wizardCase {
   }
 };
 
+// Runs a screen of the wizard under a script; its result.
+int play(int (*screen)(projectWizard&, appConfig&), wizardCase& c, std::vector<inputFrame> frames) {
+  marvtest::scriptedRun run(std::move(frames));
+  return screen(c.wizard, c.cfg);
+}
+
 TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
   projectWizard w;
   EXPECT_EQ(projectFromPath(w, "/data/runs/box/input/param.txt", false), "box");
@@ -112,46 +118,27 @@ TEST(ProjectFolder, ExistingProjectKeepsItsFilesAndGetsMissingFolders) {
 TEST(StartScreen, RowsFireOnlyForAPressThatBeganOnThem) {
   wizardCase c;
   const int x = c.wizard.listLeft + 5, y = c.wizard.listTop + 5;  // on "Create a new project"
-  // A press that begins beside the row and is dragged onto it does nothing.
-  std::vector<inputFrame> dragged = {marvtest::pointer(5, 5, true), marvtest::pointer(x, y, true),
-                                     marvtest::pointer(x, y, true), marvtest::pointer(x, y)};
-  {
-    std::vector<inputFrame> frames = dragged;
-    marvtest::append(frames, marvtest::press(keyEsc));
-    marvtest::scriptedRun run(frames);
-    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), -1);
-  }
-  // A fresh press after the button went up on the row fires it.
-  {
-    std::vector<inputFrame> frames = dragged;
-    marvtest::append(frames, marvtest::click(x, y));
-    marvtest::scriptedRun run(frames);
-    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), 2);
-  }
+  // A press that begins beside the row and is dragged onto it does nothing;
+  // a fresh press after the button went up on the row fires it.
+  const std::vector<inputFrame> dragged = {marvtest::pointer(5, 5, true), marvtest::pointer(x, y, true),
+                                           marvtest::pointer(x, y, true), marvtest::pointer(x, y)};
+  EXPECT_EQ(play(runStartScreen, c, marvtest::join({dragged, marvtest::press(keyEsc)})), -1);
+  EXPECT_EQ(play(runStartScreen, c, marvtest::join({dragged, marvtest::click(x, y)})), 2);
   // The analysis text beside the load row has its own result.
-  {
-    const std::string load = screenText(c.cfg, 17);
-    const int ax = c.wizard.listLeft + textWidthInFont(c.cfg.fontBold, "%s", load.c_str()) + 3 * c.cfg.textHeight + 5;
-    const int ay = c.wizard.listTop + 2 * (2 * c.cfg.textHeight + c.cfg.textGap) - c.cfg.textHeight + 5;
-    marvtest::scriptedRun run(marvtest::click(ax, ay));
-    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), 4);
-  }
+  const std::string load = screenText(c.cfg, 17);
+  const int ax = c.wizard.listLeft + textWidthInFont(c.cfg.fontBold, "%s", load.c_str()) + 3 * c.cfg.textHeight + 5;
+  const int ay = c.wizard.listTop + 2 * (2 * c.cfg.textHeight + c.cfg.textGap) - c.cfg.textHeight + 5;
+  EXPECT_EQ(play(runStartScreen, c, marvtest::click(ax, ay)), 4);
 }
 
 TEST(StartScreen, ProceedOpensTheLastProjectAndEscCancels) {
   wizardCase c;
   c.cfg.absProjPath = "/somewhere/box/";
-  {
-    marvtest::scriptedRun run(marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10));
-    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), 1);
-  }
+  EXPECT_EQ(play(runStartScreen, c, marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10)), 1);
   EXPECT_EQ(c.chosen, "/somewhere/box/input/param.txt");
   EXPECT_EQ(c.wizard.newProject, 0);
   c.chosen.clear();
-  {
-    marvtest::scriptedRun run(marvtest::press(keyEsc));
-    EXPECT_EQ(runStartScreen(c.wizard, c.cfg), -1);
-  }
+  EXPECT_EQ(play(runStartScreen, c, marvtest::press(keyEsc)), -1);
 }
 
 TEST(StartScreen, EnterCountsOnlyAfterTheDebounce) {
@@ -177,10 +164,7 @@ TEST(SourceScreen, ADroppedFileChoosesItsFolderAndAnExistingProjectSkipsTheScree
   c.chosen = "/tmp/marv-never-made";
   inputFrame drop = marvtest::pointer(0, 0);
   drop.dropped = {"/data/source/input/bcXY0.bmp"};
-  {
-    marvtest::scriptedRun run({marvtest::pointer(0, 0), drop, marvtest::pointer(0, 0)});
-    EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), 1);
-  }
+  EXPECT_EQ(play(runSourceScreen, c, {marvtest::pointer(0, 0), drop, marvtest::pointer(0, 0)}), 1);
   EXPECT_EQ(c.wizard.sourceDir, "/data/source/input/");
   EXPECT_EQ(c.wizard.sourceText, "/data/source/input/");
   EXPECT_EQ(c.cfg.projectName, "marv-never-made");
@@ -202,16 +186,10 @@ TEST(SourceScreen, AClickIntoTheBoxAsksForAFileAndEscCancels) {
   c.wizard.newProject = 1;
   c.chosen = "/tmp/marv-never-made";
   c.wizard.askFile = pickSource;
-  {
-    marvtest::scriptedRun run(marvtest::click(c.cfg.startWidth / 2, c.cfg.startHeight / 2));
-    EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), 1);
-  }
+  EXPECT_EQ(play(runSourceScreen, c, marvtest::click(c.cfg.startWidth / 2, c.cfg.startHeight / 2)), 1);
   EXPECT_EQ(askedTitle, screenText(c.cfg, 41));
   EXPECT_EQ(c.wizard.sourceDir, "/data/picked/input/");
-  {
-    marvtest::scriptedRun run(marvtest::press(keyEsc));
-    EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), -1);
-  }
+  EXPECT_EQ(play(runSourceScreen, c, marvtest::press(keyEsc)), -1);
 }
 
 TEST(ConfirmScreen, ProceedCreatesTheProjectAndAnExistingFolderIsReported) {
@@ -220,19 +198,13 @@ TEST(ConfirmScreen, ProceedCreatesTheProjectAndAnExistingFolderIsReported) {
   c.wizard.newProject = 1;
   projectFromPath(c.wizard, (root / "made").string(), true);
   c.wizard.sourceDir = (root / "nothing").string() + "/";
-  {
-    marvtest::scriptedRun run(marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10));
-    EXPECT_EQ(runConfirmScreen(c.wizard, c.cfg), 1);
-  }
+  EXPECT_EQ(play(runConfirmScreen, c, marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10)), 1);
   EXPECT_TRUE(fs::is_directory(root / "made" / "dump"));
   EXPECT_FALSE(fs::exists(root / "made" / "input" / "param.txt")) << "a missing source copies nothing";
   fs::current_path(c.start);
   lastMessage.clear();
   c.cfg.keyDelayMs = 0;
-  {
-    marvtest::scriptedRun run(marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10));
-    EXPECT_EQ(runConfirmScreen(c.wizard, c.cfg), -1);
-  }
+  EXPECT_EQ(play(runConfirmScreen, c, marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10)), -1);
   EXPECT_NE(lastMessage.find("Project directory is not valid."), std::string::npos);
   fs::remove_all(root);
 }

@@ -3,10 +3,12 @@
 // the disabled button and the shortcut key.
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "screenScript.h"
 #include "widgets/imageButton.h"
 
 namespace {
@@ -15,19 +17,8 @@ using namespace marv;
 
 constexpr int bx = 100, by = 50;  // where the 64-pixel button stands
 
-inputFrame mouse(int x, int y, bool down) {
-  inputFrame f;
-  f.mouseX = x;
-  f.mouseY = y;
-  f.buttons = down ? mouseLeft : 0;
-  return f;
-}
-
-inputFrame key(int code) {
-  inputFrame f = mouse(0, 0, false);
-  f.keysHeld = {code};
-  return f;
-}
+inputFrame mouse(int x, int y, bool down) { return marvtest::pointer(x, y, down); }
+inputFrame key(int code) { return marvtest::holding(code); }
 
 // Plays the frames; each frame the caller asks for a one-shot (state 0) and
 // the results are collected.
@@ -77,32 +68,22 @@ TEST_F(imageButtonScript, aReleaseAtThePixelOfThePressClicksOnceAndSinksTheButto
 
 TEST_F(imageButtonScript, dragsThatLeaveStartElsewhereOrMoveDoNotClick) {
   const int cx = bx + 32, cy = by + 32;
-  {
+  const std::pair<const char*, std::vector<inputFrame>> drags[] = {
+      {"press inside, release outside, then back over the press pixel",
+       {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 200, cy, true), mouse(cx + 200, cy, false),
+        mouse(cx, cy, false)}},
+      {"press, a move of one pixel, release",
+       {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 1, cy, true), mouse(cx + 1, cy, false)}},
+      {"press beside the button, move onto it, release",
+       {mouse(bx - 20, cy, false), mouse(bx - 20, cy, true), mouse(cx, cy, true), mouse(cx, cy, false)}},
+      {"hovered once, pressed elsewhere, dragged back on",
+       {mouse(cx, cy, false), mouse(cx + 200, cy, false), mouse(cx + 200, cy, true), mouse(cx, cy, true),
+        mouse(cx, cy, false)}},
+  };
+  for (const auto& [what, frames] : drags) {
     imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 200, cy, true), mouse(cx + 200, cy, false),
-                       mouse(cx, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0, 0}))
-        << "press inside, release outside, then back over the press pixel";
-    EXPECT_EQ(b.pressed, 0);
-  }
-  {
-    imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 1, cy, true), mouse(cx + 1, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0}))
-        << "press, a move of one pixel, release";
-  }
-  {
-    imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(bx - 20, cy, false), mouse(bx - 20, cy, true), mouse(cx, cy, true), mouse(cx, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0}))
-        << "press beside the button, move onto it, release";
-  }
-  {
-    imageButton b = button();
-    EXPECT_EQ(play(b, {mouse(cx, cy, false), mouse(cx + 200, cy, false), mouse(cx + 200, cy, true), mouse(cx, cy, true),
-                       mouse(cx, cy, false)}),
-              (std::vector<int>{0, 0, 0, 0, 0}))
-        << "hovered once, pressed elsewhere, dragged back on";
+    EXPECT_EQ(play(b, frames), std::vector<int>(frames.size(), 0)) << what;
+    EXPECT_EQ(b.pressed, 0) << what;
   }
 }
 

@@ -1,17 +1,11 @@
 // The screens' pieces drawn off-screen by the OpenGL backend: the fifteen
 // fonts at the smallest, usual and largest text heights, Japanese glyphs
 // that are real characters and not the empty box of a missing one, the
-// pressed tile of a held button, and a screenshot of the widgets in each
-// language written as PNG under the build folder for a person to look at.
+// pressed tile and the click of a held button, the control panel at rest
+// and its snapshot, and the list of shortcuts that the key H shows. Screenshots of the widgets
+// in each language, of the panel and of the list are written as PNG under
+// the build folder for a person to look at.
 #include <gtest/gtest.h>
-
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
-#pragma GCC diagnostic ignored "-Wunused-function"
-#pragma GCC diagnostic ignored "-Wsign-compare"
-#define STB_IMAGE_WRITE_IMPLEMENTATION
-#include <stb/stb_image_write.h>
-#pragma GCC diagnostic pop
 
 #include <filesystem>
 #include <string>
@@ -22,6 +16,14 @@
 #include "app/screenFrame.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "renderSupport.h"
+#include "result/stepResults.h"
+#include "scene/inputState.h"
+#include "scene/sceneView.h"
+#include "scene/shortcutList.h"
+#include "screenScript.h"
+#include "testSupport.h"
+#include "widgets/controlPanel.h"
 #include "widgets/textBox.h"
 
 namespace {
@@ -31,23 +33,13 @@ using namespace marv;
 constexpr int width = 1080;
 constexpr int height = 560;
 
-// The back buffer's pixels in a rectangle, r g b a by row, through a pixel
-// image of the window's size.
-std::vector<std::uint8_t> grab(int pixels, int x1 = 0, int y1 = 0, int x2 = width, int y2 = height) {
-  captureToPixelImage(0, 0, width, height, pixels);
-  std::vector<std::uint8_t> out;
-  for (int y = y1; y < y2; ++y)
-    for (int x = x1; x < x2; ++x) {
-      int r = 0, g = 0, b = 0, a = 0;
-      readPixel(pixels, x, y, &r, &g, &b, &a);
-      out.insert(out.end(), {std::uint8_t(r), std::uint8_t(g), std::uint8_t(b), 255});
-    }
-  return out;
+std::vector<std::uint8_t> grab(int x1 = 0, int y1 = 0, int x2 = width, int y2 = height) {
+  return marvtest::grabPixels(x1, y1, x2, y2);
 }
 
 // Pixels of the rectangle darker than mid grey: the ink of black text on white.
-std::vector<bool> ink(int pixels, int x1, int y1, int x2, int y2) {
-  const std::vector<std::uint8_t> p = grab(pixels, x1, y1, x2, y2);
+std::vector<bool> ink(int x1, int y1, int x2, int y2) {
+  const std::vector<std::uint8_t> p = grab(x1, y1, x2, y2);
   std::vector<bool> out(p.size() / 4);
   for (std::size_t i = 0; i < out.size(); ++i) out[i] = p[4 * i] < 128;
   return out;
@@ -60,31 +52,19 @@ int count(const std::vector<bool>& v) {
 }
 
 // The ink of a text drawn alone at the top left.
-std::vector<bool> glyphInk(int pixels, int font, const char* text) {
+std::vector<bool> glyphInk(int font, const char* text) {
   clearDrawTarget();
   drawText(4, 4, text, colour(0, 0, 0), font, 0, 0);
-  return ink(pixels, 0, 0, 48, 48);
+  return ink(0, 0, 48, 48);
 }
 
-class widgetRender : public ::testing::Test {
+class widgetRender : public marvtest::offscreenSuite<width, height> {
  protected:
-  static void SetUpTestSuite() {
-    setGraphicsMode(width, height, 32, 60);
-    ASSERT_EQ(startLayer(), 0);
-  }
-  static void TearDownTestSuite() { stopLayer(); }
-
   void SetUp() override {
-    ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
-    setDrawTarget(backBuffer);
-    setBlend(0, 0);
+    offscreenSuite::SetUp();
     setBackgroundColour(255, 255, 255, 255);
     clearDrawTarget();
-    pixels = makePixelImage(width, height);
   }
-  void TearDown() override { deletePixelImage(pixels); }
-
-  int pixels = -1;
 };
 
 TEST_F(widgetRender, everyFontDrawsAtTextHeightsOneTwentyAndNinetySixInBothLanguages) {
@@ -105,7 +85,7 @@ TEST_F(widgetRender, everyFontDrawsAtTextHeightsOneTwentyAndNinetySixInBothLangu
         const int w = textWidthInFont(f, "%s", sample);
         EXPECT_GT(w, 0) << "h=" << h;
         if (h > 1) {
-          const int inked = count(ink(pixels, 0, 0, std::min(width, w + 8), std::min(height, 3 * h + 8)));
+          const int inked = count(ink(0, 0, std::min(width, w + 8), std::min(height, 3 * h + 8)));
           EXPECT_GT(inked, h / 4) << "font " << f << " at h=" << h << " japanese=" << japanese;
         }
       }
@@ -121,12 +101,12 @@ TEST_F(widgetRender, japaneseGlyphsAreRealCharactersNotTheBoxOfAMissingOne) {
   cfg.uiJapanese = 1;
   cfg.textHeight = 32;
   buildFonts(cfg);
-  const std::vector<bool> missing = glyphInk(pixels, cfg.fontBody, "\xF4\x8F\xBF\xBD");  // U+10FFFD, in no face
+  const std::vector<bool> missing = glyphInk(cfg.fontBody, "\xF4\x8F\xBF\xBD");  // U+10FFFD, in no face
   const char* characters[] = {"\xE6\x97\xA5", "\xE6\x9C\xAC", "\xE8\xAA\x9E", "\xE3\x81\x82",
                               "\xE3\x82\xA2"};  // 日 本 語 あ ア
   std::vector<std::vector<bool>> seen;
   for (const char* c : characters) {
-    const std::vector<bool> g = glyphInk(pixels, cfg.fontBody, c);
+    const std::vector<bool> g = glyphInk(cfg.fontBody, c);
     EXPECT_GT(count(g), 20) << c << " has ink";
     EXPECT_NE(g, missing) << c << " is drawn as the missing-character box";
     for (const std::vector<bool>& other : seen) EXPECT_NE(g, other) << c << " looks like another character";
@@ -136,35 +116,39 @@ TEST_F(widgetRender, japaneseGlyphsAreRealCharactersNotTheBoxOfAMissingOne) {
   appConfig english;
   english.textHeight = 32;
   buildFonts(english);
-  EXPECT_NE(glyphInk(pixels, english.fixedBody, "\xE6\x97\xA5"),
-            glyphInk(pixels, english.fixedBody, "\xF4\x8F\xBF\xBD"));
+  EXPECT_NE(glyphInk(english.fixedBody, "\xE6\x97\xA5"), glyphInk(english.fixedBody, "\xF4\x8F\xBF\xBD"));
   deleteFonts(english);
   deleteFonts(cfg);
 }
 
-TEST_F(widgetRender, aHeldButtonShowsThePressedTile) {
+// A shared button of the screens: the pressed tile while held, one click in
+// the frame of the release.
+TEST_F(widgetRender, aHeldButtonShowsThePressedTileAndClicksOnItsRelease) {
   appConfig cfg;
   computeLayout(cfg);
   buildFonts(cfg);
   setUpButtons(cfg);
   const int x = 900, y = 440, cx = x + 32, cy = y + 32;
-  inputFrame hover, held;
-  hover.mouseX = held.mouseX = cx;
-  hover.mouseY = held.mouseY = cy;
-  held.buttons = mouseLeft;
-  setInputScript({hover, held}, false);
+  std::vector<inputFrame> frames = marvtest::click(cx, cy);
+  frames.push_back(marvtest::pointer(cx, cy));
+  setInputScript(frames, false);
   std::vector<std::array<int, 3>> looks;
+  std::vector<int> results, pressed;
   while (inputScriptFramesLeft() > 0) {
     processMessages();
     clearDrawTarget();
-    runAppButton(cfg, buttonProceed, x, y, 0);
-    const std::vector<std::uint8_t> p = grab(pixels, cx + 10, cy - 20, cx + 11, cy - 19);  // on the tile, off the arrow
+    results.push_back(runAppButton(cfg, buttonProceed, x, y, 0));
+    pressed.push_back(cfg.buttons[buttonProceed].pressed);
+    const std::vector<std::uint8_t> p = grab(cx + 10, cy - 20, cx + 11, cy - 19);  // on the tile, off the arrow
     looks.push_back({p[0], p[1], p[2]});
   }
+  EXPECT_EQ(results, (std::vector<int>{0, 0, 1, 0}));
+  EXPECT_EQ(pressed, (std::vector<int>{0, 1, 0, 0}));
   EXPECT_GT(looks[0][2], 200) << "hovered: the sky-blue Proceed tile";
   EXPECT_GT(looks[0][1], 150);
   EXPECT_LT(looks[1][1], 120) << "held: the dark pressed tile";
   EXPECT_LT(looks[1][0], 120);
+  EXPECT_EQ(runAppButton(cfg, 13, x, y, 1), 1) << "no such button: the state stays";
   freeButtonTiles(cfg);
   deleteFonts(cfg);
 }
@@ -223,18 +207,110 @@ TEST_F(widgetRender, screenshotsOfTheWidgetsInBothLanguages) {
     processMessages();
     drawSampleScreen(cfg, box, ja ? "\xE5\x9C\xA7\xE5\x8A\x9B presw" : "presw");  // 圧力 presw
 
-    const std::vector<std::uint8_t> picture = grab(pixels);
-    const std::string path = (folder / (ja ? "widgets-japanese.png" : "widgets-english.png")).string();
-    ASSERT_NE(stbi_write_png(path.c_str(), width, height, 4, picture.data(), width * 4), 0) << path;
-    EXPECT_GT(std::filesystem::file_size(path), 10000u) << "a picture with content";
+    const char* name = ja ? "widgets-japanese.png" : "widgets-english.png";
+    marvtest::writePng(folder, name, width, height);
+    EXPECT_GT(std::filesystem::file_size(folder / name), 10000u) << "a picture with content";
     // The box's text stands in its body: ink between its padding lines.
-    const int inked = count(ink(pixels, box.boxX + box.padding, box.boxY + box.padding,
-                                box.boxX + box.boxWidth - box.padding, box.boxY + box.padding + box.fontSize));
+    const int inked = count(ink(box.boxX + box.padding, box.boxY + box.padding, box.boxX + box.boxWidth - box.padding,
+                                box.boxY + box.padding + box.fontSize));
     EXPECT_GT(inked, 50) << "the message shows in " << (ja ? "Japanese" : "English");
     destroyTextBox(box);
     freeButtonTiles(cfg);
     deleteFonts(cfg);
   }
+}
+
+// The control panel over a grey picture in a window of 1280 x 720.
+class panelRender : public marvtest::offscreenSuite<1280, 720> {
+ protected:
+  void SetUp() override {
+    offscreenSuite::SetUp();
+    cfg.screenWidth = width;
+    cfg.screenHeight = height;
+    cfg.textHeight = 20;
+    buildFonts(cfg);
+    cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
+    resetInputState(input);
+    constructControlPanel(panel, cfg);
+    panel.slideMs = 1;
+  }
+  void TearDown() override {
+    destroyControlPanel(panel);
+    deleteFonts(cfg);
+  }
+  // One frame as the run draws it: a grey picture, then the panel.
+  void frame(const inputFrame& f) {
+    setInputScript({f}, false);
+    processMessages();
+    handleFrameInput(input, cfg);
+    setDrawTarget(backBuffer);
+    setBackgroundColour(90, 100, 110, 255);
+    clearDrawTarget();
+    runControlPanel(panel, cfg);
+    waitMs(2);
+  }
+
+  appConfig cfg;
+  inputState input;
+  controlPanel panel;
+};
+
+TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
+  for (int i = 0; i < 10; ++i) frame(marvtest::pointer(5, 5));
+  ASSERT_EQ(cfg.panelBusy, 1);
+  ASSERT_EQ(panel.slideY, 0);
+  cfg.showVectorFlag = 1;
+  cfg.dispQuantFlag = 5;
+  // Hover the "Outline" button so that its caption shows.
+  const int x = cfg.mediumSize + 1 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
+  const int y = cfg.mediumSize + 1 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
+  frame(marvtest::pointer(x, y));
+
+  // White body, sky frame, and the icons' blue over it.
+  const auto sum = [](const std::vector<std::uint8_t>& p) { return p[0] + p[1] + p[2]; };
+  EXPECT_GT(sum(marvtest::grabPixels(8, panel.panelHeight - 3, 9, panel.panelHeight - 2)), 600) << "the body is white";
+  EXPECT_LT(sum(marvtest::grabPixels(600, panel.panelHeight + 40, 601, panel.panelHeight + 41)), 400)
+      << "the picture shows beyond the panel";
+  marvtest::writePng(MARV_SCREENSHOT_DIR, "controlPanel.png", width, height);
+
+  // The snapshot button asks, the run loop saves.
+  const auto folder = marvtest::scratchFolder("snapshot");
+  marvtest::inFolder inside(folder);
+  std::filesystem::create_directories("figs");
+  const int sx = cfg.mediumSize + 11 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
+  const int sy = cfg.mediumSize + 2 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
+  frame(marvtest::pointer(sx, sy));
+  frame(marvtest::pointer(sx, sy, true));
+  frame(marvtest::pointer(sx, sy));
+  ASSERT_EQ(cfg.snapshotRequested, 1);
+  saveSnapshot(cfg);
+  int jpegs = 0;
+  for (const auto& entry : std::filesystem::directory_iterator("figs"))
+    jpegs += entry.path().extension() == ".jpg" && entry.file_size() > 1000 ? 1 : 0;
+  EXPECT_EQ(jpegs, 1);
+}
+
+TEST_F(panelRender, theShortcutListIsOneTallImageThatTheOverlayScrolls) {
+  sceneView scene;
+  cfg.domPixH = 600;
+  preRenderHelpList(scene, cfg);
+  // Gaps of 12 and 24 pixels at text gap 6; 2 headings, 31 entries of
+  // which 14 have a second line, each 20 pixels high.
+  const int y0 = 10 + 12;
+  const int below = y0 + 2 * (20 + 24) + 31 * (20 + 12) + 14 * 20;
+  EXPECT_EQ(scene.helpListHeight, below + 20 + 12);
+  EXPECT_EQ(scene.helpViewHeight, 600) << "the domain's height limits the view";
+  int w = 0, h = 0;
+  imageSize(scene.helpImage, &w, &h);
+  EXPECT_EQ(w, scene.helpWidth);
+  EXPECT_EQ(h, scene.helpListHeight + y0);
+  EXPECT_GT(w, 60 * textWidthInFont(cfg.fixedBold, "M")) << "as wide as its longest line";
+  setDrawTarget(backBuffer);
+  setBackgroundColour(90, 100, 110, 255);
+  clearDrawTarget();
+  drawImageRect(0, 0, 0, 0, std::min(w, width), std::min(h, height), scene.helpImage, 0, 0, 0);
+  marvtest::writePng(MARV_SCREENSHOT_DIR, "shortcutList.png", width, height);
+  deleteImage(scene.helpImage);
 }
 
 }  // namespace
