@@ -5,26 +5,13 @@
 #include <cmath>
 
 #include "result/frameRecords.h"
+#include "scene/sceneView.h"
 
 namespace marv {
 
 namespace {
 
 constexpr double noSurfaceHit = 1e10;  // start of the nearest-surface search
-
-int showFlagOfColour(const appConfig& cfg, int id) {
-  switch (id) {
-    case 1: return cfg.showBoundaryFlagBlack;
-    case 2: return cfg.showBoundaryFlagBlue;
-    case 3: return cfg.showBoundaryFlagRed;
-    case 4: return cfg.showBoundaryFlagGreen;
-    case 5: return cfg.showBoundaryFlagMagenta;
-    case 6: return cfg.showBoundaryFlagCyan;
-    case 7: return cfg.showBoundaryFlagSTL;
-    case 8: return cfg.showBoundaryFlagUser;
-    default: return 0;
-  }
-}
 
 bool sameVertex(vec3 a, vec3 b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
 
@@ -70,7 +57,7 @@ int hoveredColour3d(const sceneView& scene, const appConfig& cfg) {
   double nearest = noSurfaceHit;
   int hovered = -1;
   for (int c = std::max(domain.firstType, 0); c < domain.endType && c < numColourTypes; ++c) {
-    if (showFlagOfColour(cfg, c) != 1) continue;
+    if (boundaryShown(cfg, c) != 1) continue;
     const double d = surfaceRayDistance(scene, cfg, domain.surfaces[c]);
     if (d > 0.0 && d < nearest) {
       nearest = d;

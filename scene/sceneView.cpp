@@ -24,20 +24,6 @@ constexpr int quitText = 42;         // catalogue: the quit question
 constexpr int placement3dText = 51;  // catalogue: the band of 3D placement
 constexpr int placement2dText = 52;  // catalogue: the band of 2D placement
 
-int showFlagOf(const appConfig& cfg, int id) {
-  switch (id) {
-    case 1: return cfg.showBoundaryFlagBlack;
-    case 2: return cfg.showBoundaryFlagBlue;
-    case 3: return cfg.showBoundaryFlagRed;
-    case 4: return cfg.showBoundaryFlagGreen;
-    case 5: return cfg.showBoundaryFlagMagenta;
-    case 6: return cfg.showBoundaryFlagCyan;
-    case 7: return cfg.showBoundaryFlagSTL;
-    case 8: return cfg.showBoundaryFlagUser;
-    default: return 0;
-  }
-}
-
 std::uint32_t ownColour(const appConfig& cfg, int id) { return colour(cfg.R[id], cfg.G[id], cfg.B[id]); }
 
 // The boundary cells of a 2D picture: in placement every colour of the
@@ -47,7 +33,7 @@ void drawBoundaries2d(const sceneView& scene, const appConfig& cfg, bool placeme
   if (placement || cfg.showBoundaryFlagUser == 1) drawBoundaryCells(scene, cfg, flags, 8, scene.colours.lightGrey);
   if (placement || cfg.showBoundaryFlagBlack == 1) drawBoundaryCells(scene, cfg, flags, 1, scene.colours.grey);
   for (int id = cfg.firstInletType; id <= cfg.lastInletType; ++id)
-    if (placement || showFlagOf(cfg, id) == 1) drawBoundaryCells(scene, cfg, flags, id, ownColour(cfg, id));
+    if (placement || boundaryShown(cfg, id) == 1) drawBoundaryCells(scene, cfg, flags, id, ownColour(cfg, id));
   if (!placement && !cfg.polygonFrames) return;
   for (int id = scene.domain->firstType; id < scene.domain->endType && id < numColourTypes; ++id)
     if (cfg.bcTypePresent[id]) drawBoundaryOutline(cfg, scene.domain->outlines[id]);
@@ -67,7 +53,7 @@ void drawRun3d(sceneView& scene, appConfig& cfg, fieldViews& views) {
   if (scene.particlesActive == 1 && !cfg.analysisMode) updateParticles(scene, cfg, views);
   if (cfg.showTracerParticleFlag == 1 && !cfg.analysisMode) drawParticles(scene, cfg, views);
   for (int id = 0; id < numColourTypes; ++id)
-    if (showFlagOf(cfg, id) == 1)
+    if (boundaryShown(cfg, id) == 1)
       drawBoundaryPolygons(scene, cfg, views[viewDisplay], cfg.showQColorOnBoundaryFlag, id);
   drawMeshLines(scene, cfg);
   if (scene.resetCameraFlag == 1) resetCamera(scene, cfg);
@@ -109,6 +95,20 @@ sceneColours makeSceneColours() {
   c.red = colour(255, 0, 0), c.softRed = colour(255, 51, 51), c.green = colour(0, 255, 0);
   c.navy = colour(0, 0, 200), c.magenta = colour(255, 0, 255), c.sky = colour(0, 180, 255);
   return c;
+}
+
+int boundaryShown(const appConfig& cfg, int id) {
+  switch (id) {
+    case 1: return cfg.showBoundaryFlagBlack;
+    case 2: return cfg.showBoundaryFlagBlue;
+    case 3: return cfg.showBoundaryFlagRed;
+    case 4: return cfg.showBoundaryFlagGreen;
+    case 5: return cfg.showBoundaryFlagMagenta;
+    case 6: return cfg.showBoundaryFlagCyan;
+    case 7: return cfg.showBoundaryFlagSTL;
+    case 8: return cfg.showBoundaryFlagUser;
+    default: return 0;
+  }
 }
 
 double rangeLow(const sceneView& scene, const appConfig& cfg) {

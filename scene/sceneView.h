@@ -138,4 +138,7 @@ void destroyScene(sceneView& scene);
 double rangeLow(const sceneView& scene, const appConfig& cfg);
 double rangeHigh(const sceneView& scene, const appConfig& cfg);
 
+// The show flag of boundary colour id (1 to 8; 0 for any other id).
+int boundaryShown(const appConfig& cfg, int id);
+
 }  // namespace marv
