@@ -151,6 +151,41 @@ void describeCase(const appConfig& cfg) {
   countLines(cfg, 2);
 }
 
+// With MARV_PLANES_PICTURE set to a folder, the measured frames are kept
+// there as binary PPM pictures (streamlines from inlets, and from
+// everywhere), so that a change to the drawing can be checked byte for
+// byte against the pictures of the code before it. The status band at the
+// bottom is left out: it shows the time a frame took.
+void savePictures(appConfig& cfg) {
+  const char* folder = std::getenv("MARV_PLANES_PICTURE");
+  if (folder == nullptr || folder[0] == '\0') return;
+  const int saved[4] = {cfg.showCrosssectionXYFlag, cfg.showVectorFlag, cfg.showStreamlineFlag,
+                        cfg.showCrosssectionVectorFlag};
+  cfg.showCrosssectionXYFlag = cfg.showCrosssectionYZFlag = cfg.showCrosssectionXZFlag = 1;
+  cfg.showVectorFlag = 1;
+  cfg.showCrosssectionVectorFlag = 0;
+  for (int mode : {1, 2}) {
+    cfg.showStreamlineFlag = mode;
+    drawFrame(*live.objects.scene, cfg, *live.objects.views, 1);
+    const int w = cfg.screenWidth, h = cfg.screenHeight - cfg.marginBottom - cfg.bottomStrip;
+    const int image = makePixelImage(w, h);
+    captureToPixelImage(0, 0, w - 1, h - 1, image);
+    const std::string path = std::string(folder) + "/planes129-streamlines" + std::to_string(mode) + ".ppm";
+    std::ofstream out(path, std::ios::binary);
+    out << "P6\n" << w << " " << h << "\n255\n";
+    for (int y = 0; y < h; ++y)
+      for (int x = 0; x < w; ++x) {
+        int r = 0, g = 0, b = 0, a = 0;
+        readPixel(image, x, y, &r, &g, &b, &a);
+        out.put(static_cast<char>(r)).put(static_cast<char>(g)).put(static_cast<char>(b));
+      }
+    deletePixelImage(image);
+    clearDrawTarget();
+  }
+  cfg.showCrosssectionXYFlag = cfg.showCrosssectionYZFlag = cfg.showCrosssectionXZFlag = saved[0];
+  cfg.showVectorFlag = saved[1], cfg.showStreamlineFlag = saved[2], cfg.showCrosssectionVectorFlag = saved[3];
+}
+
 // After each step of the run: at the end of the warm-up, measure, then end
 // the run.
 void measureAfterWarmUp(appConfig& cfg, bool final) {
@@ -159,7 +194,10 @@ void measureAfterWarmUp(appConfig& cfg, bool final) {
   live.measured = true;
   live.cfg = &cfg;
   if (live.driver->solver && live.objects.scene != nullptr && live.objects.views != nullptr) {
-    if (live.threads == 1) describeCase(cfg);
+    if (live.threads == 1) {
+      describeCase(cfg);
+      savePictures(cfg);
+    }
     registerPass();
     // A reporter of its own for each pass: the library's default one
     // serves a single run only.
