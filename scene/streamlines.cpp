@@ -33,41 +33,6 @@ double sampleAt(const appConfig& cfg, int dims, const double p[3], const array3d
   return dims == 2 ? sampleFieldPlane(cfg, p[0], p[1], field) : sampleField(cfg, p[0], p[1], p[2], field);
 }
 
-// The cell that holds a point along one axis of n >= 2 nodes, from its
-// position in cells: the nodes lo and hi = lo + 1 and the weight of hi. The
-// same cell search and arithmetic as sampleField (sampleFieldPlane with the
-// position rounded), so that a line's steps are those of the sampler to the
-// last bit; a position off the mesh, or not a number, is outside.
-struct axisSpot {
-  int lo = 0, hi = 0;
-  double w = 0.0;
-  bool inside = false;
-};
-
-axisSpot spotOn(double x, double cells, const double* coord, int n) {
-  axisSpot s;
-  const double t = std::trunc(cells);
-  if (!(t >= 0.0 && t <= n - 1)) return s;
-  s.inside = true;
-  s.lo = std::min(static_cast<int>(t), n - 2);
-  s.hi = s.lo + 1;
-  s.w = (x - coord[s.lo]) / (coord[s.hi] - coord[s.lo]);
-  return s;
-}
-
-// Trilinear blend of a field over the cell at[0..2]; a 2D cell has at[2] =
-// plane 0 with weight 0.
-double blend(const array3d<double>& f, const axisSpot at[3]) {
-  const axisSpot &x = at[0], &y = at[1], &z = at[2];
-  auto plane = [&](int k) {
-    const double f00 = f(x.lo, y.lo, k), f10 = f(x.hi, y.lo, k);
-    const double f01 = f(x.lo, y.hi, k), f11 = f(x.hi, y.hi, k);
-    return (1.0 - y.w) * ((1.0 - x.w) * f00 + x.w * f10) + y.w * ((1.0 - x.w) * f01 + x.w * f11);
-  };
-  const double lower = plane(z.lo), upper = plane(z.hi);
-  return (1.0 - z.w) * lower + z.w * upper;
-}
-
 struct seedWalk {
   const appConfig* cfg;
   const array3d<int>* bcFlag;
@@ -226,7 +191,7 @@ int traceStreamline(const appConfig& cfg, const flowSample& flow, std::array<dou
       inMesh = inMesh && at[a].inside;
     }
     if (!inMesh) break;  // reads as still water
-    const double vel[3] = {blend(*flow.u, at), blend(*flow.v, at), dims == 3 ? blend(*flow.w, at) : 0.0};
+    const double vel[3] = {blendAt(*flow.u, at), blendAt(*flow.v, at), dims == 3 ? blendAt(*flow.w, at) : 0.0};
     const double speed = std::sqrt(vel[0] * vel[0] + vel[1] * vel[1] + vel[2] * vel[2]);
     if (!(speed / vmax >= 0.01)) break;  // still water, or a velocity that is not a number
     double q[3] = {p[0], p[1], p[2]};
