@@ -180,14 +180,14 @@ int traceStreamline(const appConfig& cfg, const flowSample& flow, std::array<dou
   double cells[3] = {0, 0, 0};
   for (int a = 0; a < dims; ++a) cells[a] = (p[a] - lo[a]) / h[a];
   // 2D fields are read with the cell index rounded to the nearest node.
-  const double round = dims == 2 ? 0.5 : 0.0;
+  const double rounding = dims == 2 ? 0.5 : 0.0;
   const double scale = stepLength / vmax;
   int steps = 0;
   while (steps < maxSteps) {
     axisSpot at[3] = {{}, {}, {0, 0, 0.0, true}};
     bool inMesh = true;
     for (int a = 0; a < dims; ++a) {
-      at[a] = spotOn(p[a], cells[a] + round, coord[a], n[a]);
+      at[a] = spotOn(p[a], cells[a] + rounding, coord[a], n[a]);
       inMesh = inMesh && at[a].inside;
     }
     if (!inMesh) break;  // reads as still water
