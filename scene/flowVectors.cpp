@@ -106,14 +106,24 @@ void drawVectors3d(const sceneView& scene, const appConfig& cfg, const fieldView
   const int inflowType = std::clamp(cfg.firstInletType, 0, numColourTypes - 1);
   const double inflow[3] = {cfg.bcU[inflowType], cfg.bcV[inflowType], cfg.bcW[inflowType]};
   const std::uint32_t plain = colour(scene.objectColourR, scene.objectColourG, scene.objectColourB);
-  for (int k = az.first; k < cfg.nz - az.first - 1; k += az.step)
-    for (int j = ay.first; j < cfg.ny - ay.first - 1; j += ay.step)
+  // The cell of a lattice place along z is found once per layer, along y
+  // once per row; a place off the mesh reads 0, as in sampleField.
+  const double x0 = cfg.xCoord[0], y0 = cfg.yCoord[0], z0 = cfg.zCoord[0];
+  axisSpot at[3];
+  for (int k = az.first; k < cfg.nz - az.first - 1; k += az.step) {
+    const double z = cfg.zCoord[k] + az.shift;
+    at[2] = spotOn(z, (z - z0) / cfg.dz, cfg.zCoord.data(), cfg.nz);
+    for (int j = ay.first; j < cfg.ny - ay.first - 1; j += ay.step) {
+      const double y = cfg.yCoord[j] + ay.shift;
+      at[1] = spotOn(y, (y - y0) / cfg.dy, cfg.yCoord.data(), cfg.ny);
       for (int i = ax.first; i < cfg.nx - ax.first - 1; i += ax.step) {
         const int flag = bcFlag(i, j, k);
         if (flag == 1 || flag == 9) continue;
-        const double x = cfg.xCoord[i] + ax.shift, y = cfg.yCoord[j] + ay.shift, z = cfg.zCoord[k] + az.shift;
-        const double vel[3] = {sampleField(cfg, x, y, z, views[fieldU]), sampleField(cfg, x, y, z, views[fieldV]),
-                               sampleField(cfg, x, y, z, views[fieldW])};
+        const double x = cfg.xCoord[i] + ax.shift;
+        at[0] = spotOn(x, (x - x0) / cfg.dx, cfg.xCoord.data(), cfg.nx);
+        const bool inMesh = at[0].inside && at[1].inside && at[2].inside;
+        const double vel[3] = {inMesh ? blendAt(views[fieldU], at) : 0.0, inMesh ? blendAt(views[fieldV], at) : 0.0,
+                               inMesh ? blendAt(views[fieldW], at) : 0.0};
         const double m = std::sqrt(vel[0] * vel[0] + vel[1] * vel[1] + vel[2] * vel[2]);
         if (!(m / maxSpeed >= 1e-5f)) continue;
         // An undefined correlation (inflow with no spread) draws the vector.
@@ -125,6 +135,8 @@ void drawVectors3d(const sceneView& scene, const appConfig& cfg, const fieldView
         drawCone3d(worldPoint(scene, cfg, x + ex, y + ey, z + ez), worldPoint(scene, cfg, x - ex, y - ey, z - ez),
                    radius, divisions, c, c, 1);
       }
+    }
+  }
 }
 
 }  // namespace marv

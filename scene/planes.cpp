@@ -200,22 +200,24 @@ void drawPlane(sceneView& scene, const appConfig& cfg, const fieldViews& views, 
   const std::vector<double>& cb = *mesh.coord[p.b];
   double m[3];
   m[p.n] = (*mesh.coord[p.n])[p.layer];
-  for (int b = 0; b + 1 < nb; ++b)
+  for (int b = 0; b + 1 < nb; ++b) {
+    // Along a row the cell's right edge is the next cell's left edge: its
+    // two corners and their values are found once.
+    m[p.a] = ca[0], m[p.b] = cb[b];
+    vec3 p00 = worldOf(scene, cfg, m);
+    m[p.b] = cb[b + 1];
+    vec3 p01 = worldOf(scene, cfg, m);
+    std::array<int, 3> n00 = nodeOf(p, 0, b), n01 = nodeOf(p, 0, b + 1);
+    double f00 = field(n00[0], n00[1], n00[2]), f01 = field(n01[0], n01[1], n01[2]);
     for (int a = 0; a + 1 < na; ++a) {
-      const std::array<int, 3> n00 = nodeOf(p, a, b), n10 = nodeOf(p, a + 1, b);
-      const std::array<int, 3> n11 = nodeOf(p, a + 1, b + 1), n01 = nodeOf(p, a, b + 1);
-      const double mean = (field(n00[0], n00[1], n00[2]) + field(n10[0], n10[1], n10[2]) +
-                           field(n11[0], n11[1], n11[2]) + field(n01[0], n01[1], n01[2])) /
-                          4.0;
+      const std::array<int, 3> n10 = nodeOf(p, a + 1, b), n11 = nodeOf(p, a + 1, b + 1);
+      const double f10 = field(n10[0], n10[1], n10[2]), f11 = field(n11[0], n11[1], n11[2]);
+      const double mean = (f00 + f10 + f11 + f01) / 4.0;
       const std::uint32_t c = scene.colourTable[colourSlot(mean, lo, hi)];
-      m[p.a] = ca[a], m[p.b] = cb[b];
-      const vec3 p00 = worldOf(scene, cfg, m);
-      m[p.a] = ca[a + 1];
+      m[p.a] = ca[a + 1], m[p.b] = cb[b];
       const vec3 p10 = worldOf(scene, cfg, m);
       m[p.b] = cb[b + 1];
       const vec3 p11 = worldOf(scene, cfg, m);
-      m[p.a] = ca[a];
-      const vec3 p01 = worldOf(scene, cfg, m);
       if (picking) {
         // The triangles share the diagonal (a, b)-(a+1, b+1); a later hit
         // overrides an earlier one.
@@ -229,7 +231,9 @@ void drawPlane(sceneView& scene, const appConfig& cfg, const fieldViews& views, 
       }
       drawTriangle3d(p00, p10, p11, c, 1);
       drawTriangle3d(p00, p11, p01, c, 1);
+      p00 = p10, p01 = p11, f00 = f10, f01 = f11;
     }
+  }
   if (cfg.showGhostSolidFlag == 1) drawGhostSolids(scene, cfg, p, mesh, bcFlag);
   if (cfg.showCrosssectionVectorFlag == 1) drawPlaneVectors(scene, cfg, views, p, mesh, bcFlag);
 }

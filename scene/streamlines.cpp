@@ -33,14 +33,6 @@ double sampleAt(const appConfig& cfg, int dims, const double p[3], const array3d
   return dims == 2 ? sampleFieldPlane(cfg, p[0], p[1], field) : sampleField(cfg, p[0], p[1], p[2], field);
 }
 
-// Index of the node nearest to x along an axis, within the mesh.
-int nearestNode(const appConfig& cfg, int axis, double x) {
-  const double h = spacingOf(cfg, axis);
-  const int n = pointsOf(cfg, axis);
-  if (!(h > 0.0) || n < 1) return 0;
-  return std::clamp(static_cast<int>(std::floor((x - coordOf(cfg, axis).front()) / h + 0.5)), 0, n - 1);
-}
-
 struct seedWalk {
   const appConfig* cfg;
   const array3d<int>* bcFlag;
@@ -68,6 +60,10 @@ struct lineDraw {
   double lo, hi;
   int thickness2d;
   float radius3d;
+  // The end of the last step, whose start is the end of the one before:
+  // its world point is found once.
+  double lastEnd[3] = {NAN, NAN, NAN};  // none yet: not a number equals nothing
+  vec3 lastEndWorld{};
 };
 
 std::uint32_t objectColour(const sceneView& scene, const appConfig& cfg, const lineDraw& d, const double p[3]) {
@@ -77,7 +73,7 @@ std::uint32_t objectColour(const sceneView& scene, const appConfig& cfg, const l
 }
 
 void drawStep(void* user, const double p[3], const double q[3]) {
-  const lineDraw& d = *static_cast<const lineDraw*>(user);
+  lineDraw& d = *static_cast<lineDraw*>(user);
   const sceneView& scene = *d.scene;
   const appConfig& cfg = *d.cfg;
   const std::uint32_t c = objectColour(scene, cfg, d, p);
@@ -88,7 +84,11 @@ void drawStep(void* user, const double p[3], const double q[3]) {
     drawLine(px(p[0]), py(p[1]), px(q[0]), py(q[1]), c, d.thickness2d);
     return;
   }
-  const vec3 a = worldPoint(scene, cfg, p[0], p[1], p[2]), b = worldPoint(scene, cfg, q[0], q[1], q[2]);
+  const bool follows = p[0] == d.lastEnd[0] && p[1] == d.lastEnd[1] && p[2] == d.lastEnd[2];
+  const vec3 a = follows ? d.lastEndWorld : worldPoint(scene, cfg, p[0], p[1], p[2]);
+  const vec3 b = worldPoint(scene, cfg, q[0], q[1], q[2]);
+  d.lastEnd[0] = q[0], d.lastEnd[1] = q[1], d.lastEnd[2] = q[2];
+  d.lastEndWorld = b;
   if (cfg.streamLineThickness > 0.0f)
     drawCapsule3d(a, b, d.radius3d, 4, c, c, 1);
   else
@@ -164,16 +164,34 @@ void drawLines(sceneView& scene, const appConfig& cfg, const fieldViews& views, 
 int traceStreamline(const appConfig& cfg, const flowSample& flow, std::array<double, 3> seed, int dims,
                     double stepLength, double vmax, int maxSteps, streamlineStep onStep, void* user) {
   if (flow.u == nullptr || flow.v == nullptr || (dims == 3 && flow.w == nullptr) || !meshReady(cfg, dims)) return 0;
-  double lo[3] = {0, 0, 0}, hi[3] = {0, 0, 0};
-  for (int a = 0; a < dims; ++a) lo[a] = coordOf(cfg, a).front(), hi[a] = coordOf(cfg, a)[pointsOf(cfg, a) - 1];
+  const double* coord[3] = {cfg.xCoord.data(), cfg.yCoord.data(), cfg.zCoord.data()};
+  double lo[3] = {0, 0, 0}, hi[3] = {0, 0, 0}, h[3] = {1, 1, 1};
+  int n[3] = {1, 1, 1};
+  for (int a = 0; a < dims; ++a) {
+    n[a] = pointsOf(cfg, a);
+    lo[a] = coord[a][0], hi[a] = coord[a][n[a] - 1], h[a] = spacingOf(cfg, a);
+  }
   double p[3] = {seed[0], seed[1], dims == 3 ? seed[2] : 0.0};
   for (int a = 0; a < dims; ++a)
     if (!(p[a] >= lo[a] && p[a] <= hi[a])) return 0;
+  // The position of p in cells along each axis, (p - first node) / spacing:
+  // one division an axis and step, shared by the cell search of the three
+  // components and by the solid test of the step's end.
+  double cells[3] = {0, 0, 0};
+  for (int a = 0; a < dims; ++a) cells[a] = (p[a] - lo[a]) / h[a];
+  // 2D fields are read with the cell index rounded to the nearest node.
+  const double rounding = dims == 2 ? 0.5 : 0.0;
   const double scale = stepLength / vmax;
   int steps = 0;
   while (steps < maxSteps) {
-    const double vel[3] = {sampleAt(cfg, dims, p, *flow.u), sampleAt(cfg, dims, p, *flow.v),
-                           dims == 3 ? sampleAt(cfg, dims, p, *flow.w) : 0.0};
+    axisSpot at[3] = {{}, {}, {0, 0, 0.0, true}};
+    bool inMesh = true;
+    for (int a = 0; a < dims; ++a) {
+      at[a] = spotOn(p[a], cells[a] + rounding, coord[a], n[a]);
+      inMesh = inMesh && at[a].inside;
+    }
+    if (!inMesh) break;  // reads as still water
+    const double vel[3] = {blendAt(*flow.u, at), blendAt(*flow.v, at), dims == 3 ? blendAt(*flow.w, at) : 0.0};
     const double speed = std::sqrt(vel[0] * vel[0] + vel[1] * vel[1] + vel[2] * vel[2]);
     if (!(speed / vmax >= 0.01)) break;  // still water, or a velocity that is not a number
     double q[3] = {p[0], p[1], p[2]};
@@ -183,10 +201,12 @@ int traceStreamline(const appConfig& cfg, const flowSample& flow, std::array<dou
       inside = inside && q[a] >= lo[a] && q[a] <= hi[a];
     }
     if (!inside) break;
+    for (int a = 0; a < dims; ++a) cells[a] = (q[a] - lo[a]) / h[a];
     if (flow.solid != nullptr) {
-      const int i = nearestNode(cfg, 0, q[0]), j = nearestNode(cfg, 1, q[1]);
-      const int k = dims == 3 ? nearestNode(cfg, 2, q[2]) : 0;
-      if ((*flow.solid)(i, j, k) != 0) break;
+      int node[3] = {0, 0, 0};
+      for (int a = 0; a < dims; ++a)
+        node[a] = h[a] > 0.0 ? std::clamp(static_cast<int>(std::floor(cells[a] + 0.5)), 0, n[a] - 1) : 0;
+      if ((*flow.solid)(node[0], node[1], node[2]) != 0) break;
     }
     if (onStep != nullptr) onStep(user, p, q);
     p[0] = q[0], p[1] = q[1], p[2] = q[2];

@@ -1,0 +1,164 @@
+// The streamline tracer finds each step's cell once and shares it between
+// the three velocity components and the solid test. Its steps must stay
+// those of a plain integration that reads every component through the
+// grid sampler (sampleField in 3D, sampleFieldPlane in 2D) and tests the
+// nearest node for solid: the same points to the last bit, the same
+// number of steps, the same stops. The reference below is written from the
+// sampler's interface, not from the tracer.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "domain/gridSampling.h"
+#include "scene/streamlines.h"
+
+namespace {
+
+using namespace marv;
+
+using point = std::array<double, 3>;
+
+// A mesh of nx x ny x nz nodes (nz = 1: 2D) with a swirling, uneven flow, a
+// solid block and spacings that are not powers of two.
+struct swirl {
+  appConfig cfg;
+  ownedArray3d<double> u, v, w;
+  ownedArray3d<int> solid;
+  int dims;
+  swirl(int nx, int ny, int nz) : u(nx, ny, nz), v(nx, ny, nz), w(nx, ny, nz), solid(nx, ny, nz) {
+    dims = nz > 1 ? 3 : 2;
+    cfg.nx = nx, cfg.ny = ny, cfg.nz = nz;
+    cfg.lx = 0.7, cfg.ly = 0.3, cfg.lz = nz > 1 ? 0.45 : 0.0;
+    cfg.dx = cfg.lx / (nx - 1), cfg.dy = cfg.ly / (ny - 1), cfg.dz = nz > 1 ? cfg.lz / (nz - 1) : 1.0;
+    for (int i = 0; i < nx; ++i) cfg.xCoord.push_back(0.1 + i * cfg.dx);
+    for (int j = 0; j < ny; ++j) cfg.yCoord.push_back(-0.2 + j * cfg.dy);
+    for (int k = 0; k < nz; ++k) cfg.zCoord.push_back(k * cfg.dz);
+    for (int k = 0; k < nz; ++k)
+      for (int j = 0; j < ny; ++j)
+        for (int i = 0; i < nx; ++i) {
+          const double x = cfg.xCoord[i], y = cfg.yCoord[j], z = cfg.zCoord[k];
+          u(i, j, k) = 1.0 + 0.8 * std::sin(7.0 * y + 3.0 * z);
+          v(i, j, k) = 0.6 * std::cos(9.0 * x) - 0.3 * z;
+          w(i, j, k) = nz > 1 ? 0.4 * std::sin(5.0 * x + 11.0 * y) : 0.0;
+          solid(i, j, k) = (i > nx / 2 && i < nx / 2 + 3 && j > ny / 3 && j < ny / 2) ? 1 : 0;
+        }
+  }
+  flowSample sample() const { return {&u, &v, dims == 3 ? &w : nullptr, &solid}; }
+  double stepLength() const {
+    return std::sqrt(cfg.dx * cfg.dx + cfg.dy * cfg.dy + (dims == 3 ? cfg.dz * cfg.dz : 0.0)) * 0.4;
+  }
+};
+
+struct steps {
+  std::vector<std::array<point, 2>> taken;
+  static void record(void* user, const double p[3], const double q[3]) {
+    static_cast<steps*>(user)->taken.push_back({point{p[0], p[1], p[2]}, point{q[0], q[1], q[2]}});
+  }
+};
+
+// The plain integration: every component through the sampler, the nearest
+// node of the step's end for the solid test.
+steps reference(const swirl& s, point seed, double vmax, int maxSteps) {
+  const appConfig& cfg = s.cfg;
+  const std::vector<double>* coord[3] = {&cfg.xCoord, &cfg.yCoord, &cfg.zCoord};
+  const double h[3] = {cfg.dx, cfg.dy, cfg.dz};
+  const int n[3] = {cfg.nx, cfg.ny, cfg.nz};
+  steps out;
+  point p = seed;
+  for (int a = 0; a < s.dims; ++a)
+    if (!(p[a] >= coord[a]->front() && p[a] <= coord[a]->back())) return out;
+  auto read = [&](const point& at, const array3d<double>& f) {
+    return s.dims == 3 ? sampleField(cfg, at[0], at[1], at[2], f) : sampleFieldPlane(cfg, at[0], at[1], f);
+  };
+  const double scale = s.stepLength() / vmax;
+  for (int step = 0; step < maxSteps; ++step) {
+    const double vel[3] = {read(p, s.u), read(p, s.v), s.dims == 3 ? read(p, s.w) : 0.0};
+    const double speed = std::sqrt(vel[0] * vel[0] + vel[1] * vel[1] + vel[2] * vel[2]);
+    if (!(speed / vmax >= 0.01)) break;
+    point q = p;
+    bool inside = true;
+    for (int a = 0; a < s.dims; ++a) {
+      q[a] = p[a] + vel[a] * scale;
+      inside = inside && q[a] >= coord[a]->front() && q[a] <= coord[a]->back();
+    }
+    if (!inside) break;
+    int node[3] = {0, 0, 0};
+    for (int a = 0; a < s.dims; ++a) {
+      const int nearest = static_cast<int>(std::floor((q[a] - coord[a]->front()) / h[a] + 0.5));
+      node[a] = nearest < 0 ? 0 : (nearest > n[a] - 1 ? n[a] - 1 : nearest);
+    }
+    if (s.solid(node[0], node[1], node[2]) != 0) break;
+    out.taken.push_back({p, q});
+    p = q;
+  }
+  return out;
+}
+
+void expectSameSteps(const swirl& s, point seed, double vmax, int maxSteps) {
+  steps traced;
+  const int count =
+      traceStreamline(s.cfg, s.sample(), seed, s.dims, s.stepLength(), vmax, maxSteps, steps::record, &traced);
+  const steps expected = reference(s, seed, vmax, maxSteps);
+  ASSERT_EQ(count, static_cast<int>(expected.taken.size()));
+  ASSERT_EQ(traced.taken.size(), expected.taken.size());
+  for (std::size_t n = 0; n < expected.taken.size(); ++n)
+    for (int e = 0; e < 2; ++e)
+      for (int a = 0; a < 3; ++a)
+        ASSERT_EQ(traced.taken[n][e][a], expected.taken[n][e][a]) << "step " << n << " end " << e << " axis " << a;
+}
+
+TEST(streamlineSteps, ThreeDimensionalLinesFollowTheSamplerToTheLastBit) {
+  swirl s(23, 17, 12);
+  const appConfig& c = s.cfg;
+  // Seeds inside, on the low and high faces, on nodes, and one beside the
+  // solid block; long enough to leave the mesh or reach the block.
+  const point seeds[] = {{c.xCoord[0], c.yCoord[3], c.zCoord[2]},
+                         {c.xCoord[4] + 0.3 * c.dx, c.yCoord[8] + 0.5 * c.dy, c.zCoord[6] + 0.25 * c.dz},
+                         {c.xCoord[22], c.yCoord[16], c.zCoord[11]},
+                         {c.xCoord[11], c.yCoord[0], c.zCoord[11]},
+                         {c.xCoord[9] + 0.5 * c.dx, c.yCoord[6] + 0.5 * c.dy, c.zCoord[5]}};
+  int stepsSeen = 0;
+  for (const point& seed : seeds) {
+    expectSameSteps(s, seed, 1.9, 400);
+    stepsSeen += traceStreamline(c, s.sample(), seed, 3, s.stepLength(), 1.9, 400, nullptr, nullptr);
+  }
+  EXPECT_GT(stepsSeen, 50) << "the lines move";
+  // A short limit, and a slow reference speed that stops nothing.
+  expectSameSteps(s, seeds[1], 1.9, 7);
+  expectSameSteps(s, seeds[1], 0.5, 400);
+}
+
+TEST(streamlineSteps, TwoDimensionalLinesFollowThePlaneSampler) {
+  swirl s(31, 19, 1);
+  const appConfig& c = s.cfg;
+  for (const point& seed :
+       {point{c.xCoord[0], c.yCoord[9] + 0.5 * c.dy, 0.0}, point{c.xCoord[5] + 0.49 * c.dx, c.yCoord[18], 0.0},
+        point{c.xCoord[14] + 0.51 * c.dx, c.yCoord[4] + 0.5 * c.dy, 0.0}})
+    expectSameSteps(s, seed, 1.9, 2000);
+}
+
+TEST(streamlineSteps, StillWaterBadValuesAndSeedsOffTheMeshStopAtOnce) {
+  swirl s(9, 8, 7);
+  const point mid{s.cfg.xCoord[4], s.cfg.yCoord[4], s.cfg.zCoord[3]};
+  // Off the mesh: no line, whatever the flow.
+  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), {s.cfg.xCoord[0] - 1e-9, mid[1], mid[2]}, 3, s.stepLength(), 1.9, 50,
+                            nullptr, nullptr),
+            0);
+  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), {mid[0], mid[1], std::numeric_limits<double>::quiet_NaN()}, 3,
+                            s.stepLength(), 1.9, 50, nullptr, nullptr),
+            0);
+  // A velocity that is not a number where the line stands ends it.
+  for (int k = 0; k < 7; ++k)
+    for (int j = 0; j < 8; ++j)
+      for (int i = 0; i < 9; ++i) s.v(i, j, k) = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), mid, 3, s.stepLength(), 1.9, 50, nullptr, nullptr), 0);
+  // Water at rest.
+  for (auto* f : {&s.u, &s.v, &s.w})
+    for (int n = 0; n < f->count(); ++n) (*f)[n] = 0.0;
+  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), mid, 3, s.stepLength(), 1.9, 50, nullptr, nullptr), 0);
+}
+
+}  // namespace
