@@ -1,6 +1,4 @@
-// Helpers of the screen tests: frames of the input script for pointing,
-// clicking and keys, and a guard that turns an unexpected end of the
-// process (a screen that ran out of script) into a failure.
+// Screen test helpers: input frames for pointing, clicking and keys, and a guard that fails a screen out of script.
 #pragma once
 
 #include <unistd.h>

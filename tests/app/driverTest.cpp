@@ -1,6 +1,4 @@
-// The driver's pass on a project without a screen: the run loop's count from
-// sts to latts, param.txt rewritten in its own format, and the passes that
-// end early with their exit status.
+// The driver's pass without a screen: the step count, param.txt rewritten, passes that end early and their status.
 #include <gtest/gtest.h>
 
 #include <filesystem>

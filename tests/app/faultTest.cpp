@@ -1,6 +1,4 @@
-// Faults a user meets under the batch runner, each of which must end with a
-// non-zero status and leave nothing wrong behind: a flow that diverges, a
-// dump write that fails or is killed part-way.
+// Faults under the batch runner (a diverging flow, a failed or killed dump write): non-zero status, nothing wrong left.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mount.h>

@@ -1,8 +1,4 @@
-// The run driven through the keyboard without a screen: a held run keeps its
-// step and time while the picture goes on, the quit prompt ends a run from
-// the keyboard, and Analysis mode steps to the next and previous dump with
-// no wrap-around. Each cycle's hook hands the script its next frame, so the
-// frames line up with the cycles of the run whatever came before the run.
+// The run from the keyboard without a screen: held run, quit prompt, Analysis steps; each cycle's hook feeds one frame.
 #include <gtest/gtest.h>
 
 #include <filesystem>

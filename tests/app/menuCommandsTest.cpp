@@ -1,6 +1,4 @@
-// Menu commands as the driver sees them: the request flags and the chosen
-// path after a dialog, the working directory put back, and the help pages
-// shipped in both languages.
+// Menu commands as the driver sees them: request flags, the chosen path, the working folder put back, the help pages.
 #include "app/menuCommands.h"
 
 #include <gtest/gtest.h>

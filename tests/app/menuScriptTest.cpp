@@ -1,6 +1,4 @@
-// The menu bar driven frame by frame through the input script, as a user
-// would: the screens below never see what the menu takes, and its commands
-// reach the driver of a whole pass.
+// The menu bar played through the input script: the screens never see what it takes; commands reach a whole pass.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -1,6 +1,4 @@
-// The memory guard: the estimate against what a case really allocates, the
-// refusal text, the batch runner's refusal of a mesh beyond the machine, and
-// the one-line end of the process when an allocation fails.
+// The memory guard: estimate against real allocation, the refusal text, and the one-line end when allocation fails.
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/wait.h>

@@ -1,8 +1,4 @@
-// Records through the whole driver, as marvanesse-batch runs a project: a
-// thermo-fluid cavity with two probes and the force and heat loss of both
-// walls recorded. A run restarted from a dump continues every record file
-// line for line as the uninterrupted run writes it, whether the files end at
-// the restart step or already hold later lines of an abandoned run.
+// Record files of a thermo cavity run by the batch driver: a restart continues every one line for line.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,7 +1,4 @@
-// The colour list of the bitmap stage: counting, the purge threshold and its
-// strict test, the removed-colour list across passes, a full list; then whole
-// bitmaps read at the mesh through the headless layer, including files that
-// are not pictures.
+// The bitmap stage's colour list (counting, purge, removed colours, a full list) and whole bitmaps read at the mesh.
 #include <gtest/gtest.h>
 
 #include <string>

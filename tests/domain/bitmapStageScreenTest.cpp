@@ -1,6 +1,4 @@
-// The bitmap colour stage on screen, frame by frame through the headless
-// backend: choices made on the list reach the colour tables, a marked colour
-// is removed, Esc cancels.
+// The bitmap colour stage on screen: choices reach the colour tables, a marked colour goes, Esc cancels.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,7 +1,4 @@
-// The placement screen's buttons: a click on "Rot STL", "Centering" and the
-// unit selector acts on the model and on the parameters at once; "Cancel"
-// and "Proceed" end the loop; the drag handle's move raises zoffstSTL for a
-// negative z.
+// The placement screen's buttons act on the model and the parameters at once; the handle raises zoffstSTL.
 #include <gtest/gtest.h>
 
 #include "domain/bcDomain.h"

@@ -1,7 +1,4 @@
-// The polygonisers: every marching-cubes case, alone in a block of outside
-// nodes, gives a closed surface whose edges are each shared by two triangles
-// in opposite directions; a sphere comes out closed, on its radius and turned
-// one way; marching squares closes a circle and places crossings linearly.
+// Marching cubes and squares: every case closed and consistently turned, a sphere on its radius, linear crossings.
 #include <gtest/gtest.h>
 
 #include <array>

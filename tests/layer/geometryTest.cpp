@@ -1,7 +1,4 @@
-// The pure helpers of the drawing layer: segment-triangle hits, segment
-// distances, rotations, and the camera's conversions between
-// world and screen. Expected values come from hand geometry or brute-force
-// sampling, never from the formulas under test.
+// Pure geometry of the layer, against hand geometry or brute-force sampling, never the formulas under test.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,6 +1,4 @@
-// Scripted input through the headless backend: held state and events arrive
-// frame by frame, text fields edit as a user would edit them, and the end of
-// a script can close the window.
+// Scripted input through the headless backend: held state, events, text editing, the script's end closing.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,7 +1,4 @@
-// The off-screen backend on a machine without OpenGL (here: EGL is pointed
-// at a vendor list that does not exist). The layer must start, say once that
-// pictures are skipped, and then behave like the headless backend: handles
-// and text widths work, drawing does nothing, pictures fail.
+// The off-screen backend without OpenGL (EGL pointed at no vendor): one notice, then headless behaviour.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,7 +1,4 @@
-// The pixel path that the bitmap stage relies on: a BMP loaded, drawn
-// stretched (nearest pixel) into an off-screen image, copied into a pixel
-// image and read back by the pixel. The same test body is built against both
-// backends, so that the headless CPU path and OpenGL agree pixel for pixel.
+// BMP loaded, stretched, copied and read back: built against both backends, which must agree pixel for pixel.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -1,10 +1,4 @@
-// Off-screen rendering of the OpenGL backend, checked by the pixel: frames,
-// lines and clipping, blending, the point light, text, images and their
-// handles, JPEG output, and the batching of primitives into few draw calls.
-// Boxes, stretched images and screen copies are checked against the
-// headless backend by the pixel path tests, built into this program too.
-// Runs on whatever OpenGL the machine has; in CI that is Mesa's software
-// renderer through EGL without a display.
+// The OpenGL backend checked by the pixel on whatever OpenGL the machine has (Mesa through EGL in CI).
 #include <gtest/gtest.h>
 
 #include <algorithm>

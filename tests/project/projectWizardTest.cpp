@@ -1,6 +1,4 @@
-// The project screens: where a chosen path puts the project, what opening
-// and creating a project does on disk, and the start, source and
-// confirmation screens driven frame by frame.
+// The project screens: paths, opening and creating a project on disk, and the screens played frame by frame.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,6 +1,4 @@
-// viz.txt and .history: exact line formats, round trips, the rules of the
-// readers (later key wins, unknown keys, clamped cross-sections, blank in a
-// path) and damaged files.
+// viz.txt and .history: exact formats, round trips, the readers' rules and damaged files.
 #include <gtest/gtest.h>
 
 #include <filesystem>

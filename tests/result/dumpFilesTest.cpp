@@ -1,6 +1,4 @@
-// Dumps: info.txt, the output schedule, bit-exact round trips, resampling on
-// another mesh, refusals that leave the fields untouched, and the XDMF files
-// read back against the raw files they describe.
+// Dumps: info.txt, schedule, bit-exact round trips, resampling, refusals that read nothing, XDMF against the raw files.
 #include <gtest/gtest.h>
 
 #include <cmath>

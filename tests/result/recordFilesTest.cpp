@@ -1,6 +1,4 @@
-// The record files on disk: their exact columns, the choices a pass finds
-// again in their tails, and what happens to a file that a killed run left
-// half written or that is no record at all.
+// Record files on disk: exact columns, choices found again in their tails, half-written and foreign files.
 #include <gtest/gtest.h>
 
 #include <filesystem>

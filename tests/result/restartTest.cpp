@@ -1,8 +1,4 @@
-// A run restarted from its dump continues as if it had never stopped. The
-// driver runs the example projects through its real passes (the batch
-// stages): an uninterrupted run, a run that stops early, and its restart
-// from an earlier dump must leave the same last dump, byte for byte, for
-// the adaptive constant-density cavity and the fixed-step heated cavity.
+// A run restarted from a dump leaves the same last dump, byte for byte, as the run that never stopped.
 #include <gtest/gtest.h>
 
 #include <cstdio>

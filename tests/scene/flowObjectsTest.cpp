@@ -1,8 +1,4 @@
-// Flow objects traced on small hand-made fields: streamlines in a uniform
-// stream, in solid-body rotation and against walls and holes in the field;
-// the 2D arrows of a uniform field; and the picking of planes with Shift and
-// the wheel. Expected paths come from the field's own geometry (straight
-// lines, circles), not from the tracer.
+// Streamlines, arrows and plane picking on hand-made fields; expected paths from the field's geometry, not the tracer.
 #include <gtest/gtest.h>
 
 #include <cmath>

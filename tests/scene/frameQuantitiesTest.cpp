@@ -1,7 +1,4 @@
-// The frame's numbers without a screen: the quantities on fields whose
-// derivatives are known by hand, the fall-back of a missing field, the
-// velocity statistics and the adaptive time step taken from them, and a
-// diverged field that must not break the frame.
+// The frame's numbers without a screen: quantities with known derivatives, statistics, time step, a diverged field.
 #include <gtest/gtest.h>
 
 #include <cmath>

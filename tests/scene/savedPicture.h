@@ -1,6 +1,4 @@
-// The picture tests of the scene: the off-screen layer they draw on, a short
-// batch run of a bundled example that saves its image, and that JPEG image
-// read back with libjpeg (its size and RGB pixels, rows top-down).
+// Picture test helpers: the off-screen layer, a short batch run that saves its image, and the JPEG read back.
 #pragma once
 
 #include <gtest/gtest.h>

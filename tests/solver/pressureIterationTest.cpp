@@ -1,6 +1,4 @@
-// The pressure iteration: convergence on a manufactured Poisson problem with
-// 1 and 2 threads, the rules of the test every 20 sweeps, the
-// under-relaxation, and the mean removal.
+// The pressure iteration: a manufactured Poisson problem on 1 and 2 threads, the stop test, relaxation, mean removal.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,7 +1,4 @@
-// The row kernels of the pressure sweep against a plain lexicographic sweep
-// written out here, for every kernel the processor runs, over rows of every
-// length modulo the kernels' blocks; and the team barrier that separates the
-// sweeps.
+// Every row kernel of the pressure sweep against a plain sweep written here, on all row lengths; the team barrier.
 #include <gtest/gtest.h>
 
 #include <algorithm>

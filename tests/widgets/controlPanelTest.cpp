@@ -1,7 +1,4 @@
-// The control panel through the headless backend and the input script: the
-// corner that opens it, every button against its flag, the quantity group,
-// the scale-limit prompts, the quick snapshot, the Analysis arrows, and the
-// save of viz.txt when the pointer leaves.
+// The control panel played through the input script: corner, every button's flag, prompts, snapshot, arrows, viz.txt.
 #include <gtest/gtest.h>
 
 #include <filesystem>

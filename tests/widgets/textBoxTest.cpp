@@ -1,7 +1,4 @@
-// textBox: line breaking in plain and Japanese texts, the box's measure, and
-// the box shown frame by frame through the input script of the headless
-// backend: typing into its input, the answers of its buttons and keys, and a
-// blocking box that runs its own frames.
+// textBox: line breaking, measure, and the box played frame by frame (typing, buttons, keys, a blocking box).
 #include <gtest/gtest.h>
 
 #include <string>

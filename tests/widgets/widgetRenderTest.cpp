@@ -1,10 +1,4 @@
-// The screens' pieces drawn off-screen by the OpenGL backend: the fifteen
-// fonts at the smallest, usual and largest text heights, Japanese glyphs
-// that are real characters and not the empty box of a missing one, the
-// pressed tile and the click of a held button, the control panel at rest
-// and its snapshot, and the list of shortcuts that the key H shows. Screenshots of the widgets
-// in each language, of the panel and of the list are written as PNG under
-// the build folder for a person to look at.
+// Widgets drawn by the OpenGL backend (fonts, Japanese glyphs, tiles, panel, shortcut list); PNGs kept for a look.
 #include <gtest/gtest.h>
 
 #include <filesystem>
