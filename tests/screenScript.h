@@ -22,6 +22,16 @@ inline marv::inputFrame pointer(int x, int y, bool down = false) {
   return f;
 }
 
+// A frame at (x, y) with buttons and keys held through it and keys tapped within it.
+inline marv::inputFrame frameAt(int x, int y, int buttons = 0, std::vector<int> held = {},
+                                std::vector<int> tapped = {}) {
+  marv::inputFrame f = pointer(x, y);
+  f.buttons = buttons;
+  f.keysHeld = std::move(held);
+  f.keysTapped = std::move(tapped);
+  return f;
+}
+
 // Rest on (x, y), press, release: one click as a person makes it.
 inline std::vector<marv::inputFrame> click(int x, int y) { return {pointer(x, y), pointer(x, y, true), pointer(x, y)}; }
 

@@ -17,8 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "result/dumpFiles.h"
 #include "testSupport.h"
 
@@ -38,12 +37,7 @@ fs::path cavityProject(const std::string& name, const std::string& paramText) {
   return folder;
 }
 
-int runBatch(const fs::path& folder, marv::driverState& state) {
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
-  return marv::runDriver(marv::batchStages(options), state);
-}
+using marvtest::runBatch;
 
 std::vector<double> readDoubles(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);

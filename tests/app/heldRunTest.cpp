@@ -7,6 +7,7 @@
 
 #include "app/batchStages.h"
 #include "app/driver.h"
+#include "batchRun.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "screenScript.h"
@@ -101,12 +102,7 @@ TEST(heldRun, analysisArrowsStepThroughTheDumpsWithoutWrappingAround) {
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 25\n4:nfile 10\n5:deltat 0.1\n");
   driverState simulation;
   plan.clear();
-  {
-    batchOptions options;
-    options.projectDir = folder.string();
-    options.quiet = true;
-    ASSERT_EQ(runDriver(batchStages(options), simulation), 0);
-  }
+  ASSERT_EQ(marvtest::runBatch(folder, simulation), 0);
   driverState analysis;
   // Left four times, then right four times, two idle frames between.
   std::vector<inputFrame> frames = idle(2);

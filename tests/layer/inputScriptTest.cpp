@@ -37,21 +37,10 @@ std::string edit(std::vector<inputFrame> frames, int maxLength = 0, int singleBy
 using marvtest::typing;
 
 TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
-  inputFrame press;
-  press.mouseX = 40;
-  press.mouseY = 30;
-  press.buttons = mouseLeft;
-  press.keysHeld = {keyLeftShift, keyX};
-  press.wheel = -2;
-  inputFrame move = press;
-  move.mouseX = 41;
-  move.buttons = mouseLeft | mouseRight;
-  move.keysHeld = {keyX};
-  move.wheel = 3;
-  inputFrame release;
-  release.mouseX = 41;
-  release.mouseY = 30;
-  setInputScript({press, move, release}, true);
+  inputFrame press = marvtest::frameAt(40, 30, mouseLeft, {keyLeftShift, keyX});
+  inputFrame move = marvtest::frameAt(41, 30, mouseLeft | mouseRight, {keyX});
+  press.wheel = -2, move.wheel = 3;
+  setInputScript({press, move, marvtest::pointer(41, 30)}, true);
 
   EXPECT_EQ(mouseButtons(), 0) << "nothing arrives before the first processMessages";
   ASSERT_EQ(processMessages(), 0);
@@ -90,11 +79,9 @@ TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
 }
 
 TEST_F(scriptedInput, aFrameCanCloseTheWindowAndTappedKeysDoNotStayDown) {
-  inputFrame tap;
-  tap.keysTapped = {keyEsc};
   inputFrame close;
   close.closeWindow = true;
-  setInputScript({tap, close, inputFrame{}}, false);
+  setInputScript({marvtest::frameAt(0, 0, 0, {}, {keyEsc}), close, inputFrame{}}, false);
   EXPECT_EQ(processMessages(), 0);
   EXPECT_EQ(keyDown(keyEsc), 0);
   EXPECT_EQ(processMessages(), -1);
@@ -154,9 +141,7 @@ TEST_F(scriptedInput, enterFinishesEscCancelsOnlyWhereAllowed) {
   EXPECT_EQ(fieldText(strict), "abc") << "a finished field takes no more keys";
 
   activateTextInput(lenient);
-  inputFrame esc;
-  esc.keysHeld = {keyEsc};
-  setInputScript({esc, esc}, false);
+  setInputScript({marvtest::holding(keyEsc), marvtest::holding(keyEsc)}, false);
   processMessages();
   processMessages();
   EXPECT_EQ(textInputState(lenient), 2) << "a held key edits once, when it goes down";

@@ -110,8 +110,6 @@ TEST(ProjectFolder, ExistingProjectKeepsItsFilesAndGetsMissingFolders) {
   fs::remove_all(root);
 }
 
-// ---------------------------------------------------------------- screens, frame by frame
-
 TEST(StartScreen, RowsFireOnlyForAPressThatBeganOnThem) {
   wizardCase c;
   const int x = c.wizard.listLeft + 5, y = c.wizard.listTop + 5;  // on "Create a new project"

@@ -6,8 +6,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "testSupport.h"
 
 namespace {
@@ -30,11 +29,8 @@ marv::driverState run(const fs::path& folder, int sts, int latts) {
   std::string text = marvtest::readText(param);
   text += "\n990:sts " + std::to_string(sts) + "\n991:latts " + std::to_string(latts) + "\n";
   marvtest::writeText(param, text);
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
   marv::driverState state;
-  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 0) << folder << " from " << sts;
+  EXPECT_EQ(marvtest::runBatch(folder, state), 0) << folder << " from " << sts;
   return state;
 }
 

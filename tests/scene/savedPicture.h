@@ -12,8 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "layer/layer.h"
 #include "testSupport.h"
 
@@ -77,11 +76,8 @@ inline std::filesystem::path runExample(const char* example, const std::map<std:
   }
   writeText(folder / "input" / "param.txt", param);
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << vizLines;
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
   marv::driverState state;
-  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 0);
+  EXPECT_EQ(runBatch(folder, state), 0);
   return folder;
 }
 

@@ -152,15 +152,12 @@ TEST_F(shownBox, buttonsAndEscGiveTheAnswersOfTheirSet) {
   EXPECT_NE(okX, noX);
   EXPECT_EQ(play(marvtest::click(okX, okY), "Remove?"), (std::vector<int>{0, 0, 1}));
   EXPECT_EQ(play(marvtest::click(noX, noY), "Remove?"), (std::vector<int>{0, 0, -1}));
-  inputFrame esc;
-  esc.keysHeld = {keyEsc};
+  const inputFrame esc = marvtest::holding(keyEsc);
   EXPECT_EQ(play({esc}, "Remove?"), (std::vector<int>{-1}));
 
   setTextBoxButtons(box, 6);
   EXPECT_EQ(play({esc}, "Done."), (std::vector<int>{0})) << "a box with OK alone has nothing for Esc to answer";
-  inputFrame enter;
-  enter.keysHeld = {keyEnter};
-  EXPECT_EQ(play({enter}, "Done."), (std::vector<int>{1}));
+  EXPECT_EQ(play({marvtest::holding(keyEnter)}, "Done."), (std::vector<int>{1}));
 
   setTextBoxButtons(box, 8);
   ASSERT_EQ(frame("Back."), 0);
