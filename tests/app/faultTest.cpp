@@ -119,9 +119,7 @@ TEST(Bitmaps, AnUnreadableBitmapRefusesTheProject) {
   fs::remove_all(folder);
 }
 
-// Runs marvanesse-batch on folder in a child process; before the program
-// starts the child applies limit (a largest file size in bytes, 0 for none).
-// Returns the child's pid.
+// marvanesse-batch on folder in a child process under a file size limit in bytes (0: none); the child's pid.
 pid_t startBatch(const fs::path& folder, long long fileSizeLimit = 0) {
   const pid_t pid = fork();
   if (pid == 0) {

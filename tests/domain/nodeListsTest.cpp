@@ -1,5 +1,4 @@
-// Node lists and solidMask built from hand-made bcFlag fields: which nodes
-// enter each list, in which order, and how often.
+// Node lists and solidMask from hand-made bcFlag fields: which nodes enter each list, in which order, how often.
 #include <gtest/gtest.h>
 
 #include <sstream>

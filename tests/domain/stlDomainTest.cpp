@@ -1,5 +1,4 @@
-// A model file that cannot be used in a real case: said once, and the case
-// is built and run without it.
+// A model file that cannot be used in a real case: said once, and the case is built and run without it.
 #include <gtest/gtest.h>
 #include <omp.h>
 

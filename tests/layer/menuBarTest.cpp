@@ -1,5 +1,4 @@
-// The window's menu bar: how it opens, moves, chooses and closes, by pointer
-// and by key.
+// The window's menu bar: how it opens, moves, chooses and closes, by pointer and by key.
 #include "layer/menuBar.h"
 
 #include <gtest/gtest.h>

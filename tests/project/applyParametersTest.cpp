@@ -1,5 +1,4 @@
-// applyParameters: derived values of representative cases, the colour tables,
-// the refusals, thread counts and tile layouts.
+// applyParameters: derived values, colour tables, refusals and warnings, thread counts and tile layouts.
 #include <gtest/gtest.h>
 #include <omp.h>
 

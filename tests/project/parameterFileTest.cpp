@@ -1,5 +1,4 @@
-// param.txt reading and writing: file order, text lines, unknown and repeated
-// names, the value filter, the line limit, and damaged files.
+// param.txt: file order, text lines, unknown and repeated names, the value filter, the line limit, damage.
 #include <gtest/gtest.h>
 
 #include <algorithm>

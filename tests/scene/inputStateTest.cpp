@@ -1,5 +1,4 @@
-// Per-frame input through the headless backend: the frame's fields, clicks
-// and drags, and the key latch that lets a shortcut act once per press.
+// Per-frame input through the headless backend: fields, clicks, drags, and the latch of one action per key press.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -56,9 +56,7 @@ class offscreenPicture : public ::testing::Test {
   void TearDown() override { marv::stopLayer(); }
 };
 
-// Copies the example into a scratch project, sets the parameters named in
-// values (latts, nfig, ...), appends vizLines to viz.txt (later keys win)
-// and runs the batch driver. Returns the project folder.
+// The example run in a scratch project with the parameters of values set and vizLines appended to viz.txt.
 inline std::filesystem::path runExample(const char* example, const std::map<std::string, std::string>& values,
                                         const std::string& vizLines) {
   namespace fs = std::filesystem;

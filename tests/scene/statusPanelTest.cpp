@@ -1,5 +1,4 @@
-// The status numbers: the exact texts of the two panel lines and the title
-// line, the remaining time, and the smoothing of the step time.
+// The status numbers: the exact panel and title lines, the remaining time, the smoothed step time.
 #include <gtest/gtest.h>
 
 #include "scene/statusPanel.h"

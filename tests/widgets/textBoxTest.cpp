@@ -120,9 +120,7 @@ TEST_F(shownBox, theMeasureGrowsWithTheTextAndMakesRoomForInputAndButtons) {
   EXPECT_LE(box.boxY + box.offsetY + box.boxHeight, 545) << "above the mouse";
 }
 
-// The editing keys of the field are the layer's (see its input script
-// tests); here: the box takes the keyboard when it first shows, a long text
-// arrives whole, and Enter answers yes.
+// The field's editing keys are the layer's and tested there.
 TEST_F(shownBox, theInputTakesTheKeyboardTakesLongTextWholeAndEnterAnswersYes) {
   box.hasInput = 1;
   setTextBoxButtons(box, 5);

@@ -147,9 +147,7 @@ TEST_F(widgetRender, aHeldButtonShowsThePressedTileAndClicksOnItsRelease) {
   deleteFonts(cfg);
 }
 
-// One screen of each language: backdrop, logo, texts of the start screen,
-// the proceed hint, a hovered Cancel and Proceed, and a message box with a
-// text input, "OK" and "Cancel".
+// A start screen with its hint, hovered buttons and a message box with an input, "OK" and "Cancel".
 void drawSampleScreen(appConfig& cfg, textBox& box, const std::string& typed) {
   const bool ja = cfg.uiJapanese != 0;
   clearDrawTarget();
