@@ -1,8 +1,10 @@
 // Widgets drawn by the OpenGL backend (fonts, Japanese glyphs, tiles, panel, shortcut list); PNGs kept for a look.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/catalogue.h"
@@ -138,10 +140,8 @@ TEST_F(widgetRender, aHeldButtonShowsThePressedTileAndClicksOnItsRelease) {
   }
   EXPECT_EQ(results, (std::vector<int>{0, 0, 1, 0}));
   EXPECT_EQ(pressed, (std::vector<int>{0, 1, 0, 0}));
-  EXPECT_GT(looks[0][2], 200) << "hovered: the sky-blue Proceed tile";
-  EXPECT_GT(looks[0][1], 150);
-  EXPECT_LT(looks[1][1], 120) << "held: the dark pressed tile";
-  EXPECT_LT(looks[1][0], 120);
+  EXPECT_GT(std::min(looks[0][2] - 50, looks[0][1]), 150) << "hovered: the sky-blue Proceed tile";
+  EXPECT_LT(std::max(looks[1][0], looks[1][1]), 120) << "held: the dark pressed tile";
   EXPECT_EQ(runAppButton(cfg, 13, x, y, 1), 1) << "no such button: the state stays";
   freeButtonTiles(cfg);
   deleteFonts(cfg);
@@ -294,8 +294,7 @@ TEST_F(panelRender, theShortcutListIsOneTallImageThatTheOverlayScrolls) {
   EXPECT_EQ(scene.helpViewHeight, 600) << "the domain's height limits the view";
   int w = 0, h = 0;
   imageSize(scene.helpImage, &w, &h);
-  EXPECT_EQ(w, scene.helpWidth);
-  EXPECT_EQ(h, scene.helpListHeight + y0);
+  EXPECT_EQ(std::pair(w, h), std::pair(scene.helpWidth, scene.helpListHeight + y0));
   EXPECT_GT(w, 60 * textWidthInFont(cfg.fixedBold, "M")) << "as wide as its longest line";
   setDrawTarget(backBuffer);
   setBackgroundColour(90, 100, 110, 255);
