@@ -39,12 +39,7 @@ void followPlan(appConfig& cfg, bool final) {
   setInputScript({next}, false);
 }
 
-inputFrame holding(std::vector<int> keys) {
-  inputFrame f;
-  f.mouseX = f.mouseY = 300;
-  f.keysHeld = std::move(keys);
-  return f;
-}
+inputFrame holding(std::vector<int> keys) { return marvtest::frameAt(300, 300, 0, std::move(keys)); }
 
 std::vector<inputFrame> idle(int n) { return std::vector<inputFrame>(n, holding({})); }
 
