@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "layer/layer.h"
 
@@ -18,13 +19,11 @@ TEST(withoutOpenGl, theLayerStartsAndGoesOnWithoutPixels) {
 
   const int target = makeOffscreenImage(64, 32, 0);
   ASSERT_GT(target, 0);
-  EXPECT_EQ(setDrawTarget(target), 0);
-  EXPECT_EQ(clearDrawTarget(), 0);
-  EXPECT_EQ(drawBox(0, 0, 10, 10, colour(255, 0, 0), 1), 0);
-  EXPECT_EQ(drawSphere3d({0, 0, 0}, 5.0f, 8, colour(1, 2, 3), 0, 1), 0);
-  EXPECT_EQ(drawText(0, 0, "text", colour(255, 255, 255), -1, 0, 0), 0);
-  EXPECT_EQ(present(), 0);
-  EXPECT_EQ(drawCallCount(), 0);
+  // Braced lists run in order: target, clear, box, sphere, text, present, and no draw call made.
+  EXPECT_EQ((std::vector<int>{setDrawTarget(target), clearDrawTarget(), drawBox(0, 0, 10, 10, colour(255, 0, 0), 1),
+                              drawSphere3d({0, 0, 0}, 5.0f, 8, colour(1, 2, 3), 0, 1),
+                              drawText(0, 0, "text", colour(255, 255, 255), -1, 0, 0), present(), drawCallCount()}),
+            std::vector<int>(7, 0));
   int w = 0, h = 0;
   EXPECT_EQ(imageSize(target, &w, &h), 0);
   EXPECT_EQ(w, 64);
