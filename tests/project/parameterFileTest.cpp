@@ -19,15 +19,18 @@ struct readResult {
   int count = 0;
 };
 
-readResult readFromText(const std::string& text) {
-  auto folder = marvtest::scratchFolder("param");
-  marvtest::writeText(folder / "param.txt", text);
+readResult readFile(const std::filesystem::path& path) {
   readResult r;
   marv::resetParameterEditor(r.editor);
   marv::appConfig cfg;
-  r.count = marv::readParameterFile(r.editor, cfg, (folder / "param.txt").string());
-  std::filesystem::remove_all(folder);
+  r.count = marv::readParameterFile(r.editor, cfg, path.string());
   return r;
+}
+
+readResult readFromText(const std::string& text) {
+  marvtest::inFolder here(marvtest::scratchFolder("param"));
+  marvtest::writeText("./param.txt", text);
+  return readFile("./param.txt");
 }
 
 // One entry in a line: its number in the table, its name, value and
@@ -147,10 +150,10 @@ TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
   for (int i = 1; i <= 150; ++i) original += std::to_string(i) + ":nx " + std::to_string(i % 7 + 2) + "\n";
   original += std::string("\0\xff bytes\n", 9);
   marvtest::writeText("input/param.txt", original);
-  parameterEditor editor;
-  marv::resetParameterEditor(editor);
+  readResult r = readFile("input/param.txt");
+  ASSERT_EQ(r.count, 99);
+  parameterEditor& editor = r.editor;
   marv::appConfig cfg;
-  ASSERT_EQ(marv::readParameterFile(editor, cfg, "input/param.txt"), 99);
   std::string losses;
   EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 2);
   EXPECT_EQ(marvtest::readText("input/param.txt.bak"), original) << "byte for byte";
@@ -192,10 +195,9 @@ TEST(ParameterFile, DamagedFilesReadSafely) {
   int files = 0;
   for (const auto& item : std::filesystem::directory_iterator(MARV_TEST_DATA "/param")) {
     ++files;
-    parameterEditor editor;
-    marv::resetParameterEditor(editor);
-    marv::appConfig cfg;
-    const int count = marv::readParameterFile(editor, cfg, item.path().string());
+    const readResult r = readFile(item.path());
+    const int count = r.count;
+    const parameterEditor& editor = r.editor;
     ASSERT_GE(count, 0) << item.path();
     ASSERT_LE(count, 100) << item.path();
     for (int i = 0; i < count; ++i) {
