@@ -19,18 +19,15 @@ struct readResult {
   int count = 0;
 };
 
-readResult readFile(const std::filesystem::path& path) {
+readResult readFromText(const std::string& text) {
+  auto folder = marvtest::scratchFolder("param");
+  marvtest::writeText(folder / "param.txt", text);
   readResult r;
   marv::resetParameterEditor(r.editor);
   marv::appConfig cfg;
-  r.count = marv::readParameterFile(r.editor, cfg, path.string());
+  r.count = marv::readParameterFile(r.editor, cfg, (folder / "param.txt").string());
+  std::filesystem::remove_all(folder);
   return r;
-}
-
-readResult readFromText(const std::string& text) {
-  marvtest::inFolder here(marvtest::scratchFolder("param"));
-  marvtest::writeText("./param.txt", text);
-  return readFile("./param.txt");
 }
 
 // One entry in a line: its number in the table, its name, value and
@@ -150,10 +147,10 @@ TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
   for (int i = 1; i <= 150; ++i) original += std::to_string(i) + ":nx " + std::to_string(i % 7 + 2) + "\n";
   original += std::string("\0\xff bytes\n", 9);
   marvtest::writeText("input/param.txt", original);
-  readResult r = readFile("input/param.txt");
-  ASSERT_EQ(r.count, 99);
-  parameterEditor& editor = r.editor;
+  parameterEditor editor;
+  marv::resetParameterEditor(editor);
   marv::appConfig cfg;
+  ASSERT_EQ(marv::readParameterFile(editor, cfg, "input/param.txt"), 99);
   std::string losses;
   EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 2);
   EXPECT_EQ(marvtest::readText("input/param.txt.bak"), original) << "byte for byte";
@@ -195,9 +192,10 @@ TEST(ParameterFile, DamagedFilesReadSafely) {
   int files = 0;
   for (const auto& item : std::filesystem::directory_iterator(MARV_TEST_DATA "/param")) {
     ++files;
-    const readResult r = readFile(item.path());
-    const int count = r.count;
-    const parameterEditor& editor = r.editor;
+    parameterEditor editor;
+    marv::resetParameterEditor(editor);
+    marv::appConfig cfg;
+    const int count = marv::readParameterFile(editor, cfg, item.path().string());
     ASSERT_GE(count, 0) << item.path();
     ASSERT_LE(count, 100) << item.path();
     for (int i = 0; i < count; ++i) {
