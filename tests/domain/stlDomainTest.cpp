@@ -59,8 +59,7 @@ int countType(const bcDomain& d, int type) {
 }
 
 TEST(StlDomain, UnusableModelIsSaidOnceAndTheCaseRunsWithoutIt) {
-  auto folder = marvtest::scratchFolder("stlbad");
-  marvtest::inFolder here(folder);
+  marvtest::inFolder here(marvtest::scratchFolder("stlbad"));
   marvtest::writeText("input/bc.stl", std::string(200, 'z') + "\n");
   stlCase c;
   build(c, {});

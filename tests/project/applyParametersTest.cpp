@@ -29,8 +29,7 @@ void logMessage(appConfig&, const char* text) {
 // Applies "name=value name=value ..." in a scratch project without files,
 // with the runtime offering maxThreads threads.
 applied take(const std::string& values, int maxThreads = 2) {
-  auto folder = marvtest::scratchFolder("apply");
-  marvtest::inFolder here(folder);
+  marvtest::inFolder here(marvtest::scratchFolder("apply"));
   applied a;
   messageLog = &a.messages;
   a.cfg.showMessage = logMessage;

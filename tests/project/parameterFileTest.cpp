@@ -140,8 +140,7 @@ TEST(ParameterFile, RewriteLossesNameWhatTheWriterDrops) {
 }
 
 TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
-  auto folder = marvtest::scratchFolder("backup");
-  marvtest::inFolder here(folder);
+  marvtest::inFolder here(marvtest::scratchFolder("backup"));
   std::filesystem::create_directory("input");
   std::string original = "// the user's own head\r\n";
   for (int i = 1; i <= 150; ++i) original += std::to_string(i) + ":nx " + std::to_string(i % 7 + 2) + "\n";
@@ -171,8 +170,7 @@ TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
 }
 
 TEST(ParameterFile, ALinkIsWrittenThroughAndStaysALink) {
-  auto folder = marvtest::scratchFolder("link");
-  marvtest::inFolder here(folder);
+  marvtest::inFolder here(marvtest::scratchFolder("link"));
   std::filesystem::create_directories("input");
   std::filesystem::create_directories("shared/cases");
   marvtest::writeText("shared/cases/param.txt", "1:nx 5\n");

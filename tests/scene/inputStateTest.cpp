@@ -177,8 +177,7 @@ TEST_F(shortcuts, eachRowChangesItsFlagAndTheFlagReachesVizTxt) {
       {"right", {keyRight}, &appConfig::analysisDirection, 0, 1},
       {"left", {keyLeft}, &appConfig::analysisDirection, 1, -1},
   };
-  const auto folder = marvtest::scratchFolder("shortcuts");
-  marvtest::inFolder inside(folder);
+  marvtest::inFolder inside(marvtest::scratchFolder("shortcuts"));
   std::filesystem::create_directories("input");
   for (const shortcutRow& row : rows) {
     SCOPED_TRACE(row.what);

@@ -256,8 +256,7 @@ TEST_F(panelRun, scaleLimitPromptsKeepOnlyTheNumberAndCancelLeavesTheLimitOff) {
 }
 
 TEST_F(panelRun, leavingThePanelSavesVizTxtOnceTheRunHasStepped) {
-  const auto folder = marvtest::scratchFolder("panel");
-  marvtest::inFolder inside(folder);
+  marvtest::inFolder inside(marvtest::scratchFolder("panel"));
   std::filesystem::create_directories("input");
   cfg.ts = 0;
   open();

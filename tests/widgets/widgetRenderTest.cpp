@@ -266,8 +266,7 @@ TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
   marvtest::writePng(MARV_SCREENSHOT_DIR, "controlPanel.png", width, height);
 
   // The snapshot button asks, the run loop saves.
-  const auto folder = marvtest::scratchFolder("snapshot");
-  marvtest::inFolder inside(folder);
+  marvtest::inFolder inside(marvtest::scratchFolder("snapshot"));
   std::filesystem::create_directories("figs");
   const int sx = cfg.mediumSize + 11 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
   const int sy = cfg.mediumSize + 2 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
