@@ -1,7 +1,4 @@
-// Helpers of the off-screen render tests: a fixture that starts the OpenGL
-// backend once for a suite at the window size given, the pixels of a
-// rectangle of the draw target, and a PNG of the back buffer under the build
-// folder for a person to look at.
+// Off-screen render helpers: a suite fixture on the OpenGL backend, a rectangle's pixels, a PNG to look at.
 #pragma once
 
 #pragma GCC diagnostic push

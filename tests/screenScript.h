@@ -1,6 +1,4 @@
-// Helpers of the screen tests: frames of the input script for pointing,
-// clicking and keys, and a guard that turns an unexpected end of the
-// process (a screen that ran out of script) into a failure.
+// Screen test helpers: input frames for pointing, clicking and keys, and a guard that fails a screen out of script.
 #pragma once
 
 #include <unistd.h>
@@ -21,6 +19,16 @@ inline marv::inputFrame pointer(int x, int y, bool down = false) {
   f.mouseX = x;
   f.mouseY = y;
   f.buttons = down ? marv::mouseLeft : 0;
+  return f;
+}
+
+// A frame at (x, y) with buttons and keys held through it and keys tapped within it.
+inline marv::inputFrame frameAt(int x, int y, int buttons = 0, std::vector<int> held = {},
+                                std::vector<int> tapped = {}) {
+  marv::inputFrame f = pointer(x, y);
+  f.buttons = buttons;
+  f.keysHeld = std::move(held);
+  f.keysTapped = std::move(tapped);
   return f;
 }
 

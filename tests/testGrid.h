@@ -1,6 +1,4 @@
-// Test helpers shared by the domain and solver tests: an appConfig with a
-// uniform grid and a hand-made thread tile layout, so that tests depend
-// neither on the parameter checks nor on the runtime's thread count.
+// An appConfig with a uniform grid and hand-made tiles, independent of the parameter checks and the thread count.
 #pragma once
 
 #include <vector>

@@ -1,5 +1,4 @@
-// Helpers shared by the tests: scratch folders, whole-file reads and writes,
-// and a guard that runs a test inside a folder and changes back after.
+// Shared test helpers: scratch folders, whole-file reads and writes, a guard that runs a scope inside a folder.
 #pragma once
 
 #include <unistd.h>

@@ -1,6 +1,4 @@
-// The text catalogue: which numbers hold texts, that both languages agree on
-// the parts a caller relies on (access letters, placeholders, line breaks),
-// and that the Japanese texts are well-formed UTF-8.
+// The text catalogue: both languages agree on access letters, placeholders and line breaks; UTF-8 is well-formed.
 #include <gtest/gtest.h>
 
 #include <climits>

@@ -1,5 +1,4 @@
-// The program's data folder is found from the executable, not from the
-// working directory.
+// The program's data folder is found from the executable, not from the working directory.
 #include "app/dataPaths.h"
 
 #include <gtest/gtest.h>

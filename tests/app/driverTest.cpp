@@ -1,13 +1,10 @@
-// The driver's pass on a project without a screen: the run loop's count from
-// sts to latts, param.txt rewritten in its own format, and the passes that
-// end early with their exit status.
+// The driver's pass without a screen: the step count, param.txt rewritten, passes that end early and their status.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "project/parameterFile.h"
 #include "testSupport.h"
 
@@ -23,12 +20,8 @@ batchRun runProject(const std::string& paramText, bool analysis = false, bool wi
   auto folder = marvtest::scratchFolder("driver");
   if (withParam) marvtest::writeText(folder / "input" / "param.txt", paramText);
   batchRun run;
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.analysis = analysis;
-  options.quiet = true;
   const auto before = std::filesystem::current_path();
-  run.status = marv::runDriver(marv::batchStages(options), run.state);
+  run.status = marvtest::runBatch(folder, run.state, analysis);
   EXPECT_EQ(std::filesystem::current_path(), before) << "a pass ends in its start folder";
   run.paramAfter = marvtest::readText(folder / "input" / "param.txt");
   std::filesystem::remove_all(folder);
@@ -60,18 +53,14 @@ TEST(Driver, AnalysisModeShowsTheNewestDumpAndWritesNothing) {
   auto folder = marvtest::scratchFolder("analysis");
   const std::string text = "1:nx 5\n2:ny 5\n3:latts 25\n4:nfile 10\n5:deltat 0.1\n";
   marvtest::writeText(folder / "input" / "param.txt", text);
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
   marv::driverState simulation;
-  ASSERT_EQ(marv::runDriver(marv::batchStages(options), simulation), 0);
+  ASSERT_EQ(marvtest::runBatch(folder, simulation), 0);
   const auto stamp = std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw");
 
   // Lower latts: the newest dump at or below latts + 99 is still found.
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 0\n");
-  options.analysis = true;
   marv::driverState analysis;
-  EXPECT_EQ(marv::runDriver(marv::batchStages(options), analysis), 0);
+  EXPECT_EQ(marvtest::runBatch(folder, analysis, true), 0);
   EXPECT_EQ(analysis.stepsTaken, 0) << "Analysis mode never steps";
   EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt"), "1:nx 5\n2:ny 5\n3:latts 0\n")
       << "Analysis mode does not rewrite param.txt";
@@ -79,7 +68,7 @@ TEST(Driver, AnalysisModeShowsTheNewestDumpAndWritesNothing) {
 
   std::filesystem::remove_all(folder / "dump");
   marv::driverState empty;
-  EXPECT_NE(marv::runDriver(marv::batchStages(options), empty), 0) << "no dump at all";
+  EXPECT_NE(marvtest::runBatch(folder, empty, true), 0) << "no dump at all";
   std::filesystem::remove_all(folder);
 }
 
@@ -87,9 +76,7 @@ TEST(Driver, EarlyEndsGiveNonZeroStatus) {
   EXPECT_NE(runProject("", false, false).status, 0) << "no param.txt";
   EXPECT_NE(runProject("1:nx 5\n2:ny 5\n3:sts 10\n").status, 0) << "no restart dump";
   marv::driverState state;
-  marv::batchOptions options;
-  options.projectDir = "/nonexistent/project";
-  EXPECT_NE(marv::runDriver(marv::batchStages(options), state), 0);
+  EXPECT_NE(marvtest::runBatch("/nonexistent/project", state), 0);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
-// Faults a user meets under the batch runner, each of which must end with a
-// non-zero status and leave nothing wrong behind: a flow that diverges, a
-// dump write that fails or is killed part-way.
+// Faults under the batch runner (a diverging flow, a failed or killed dump write): non-zero status, nothing wrong left.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -19,8 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "result/dumpFiles.h"
 #include "testSupport.h"
 
@@ -40,12 +37,7 @@ fs::path cavityProject(const std::string& name, const std::string& paramText) {
   return folder;
 }
 
-int runBatch(const fs::path& folder, marv::driverState& state) {
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
-  return marv::runDriver(marv::batchStages(options), state);
-}
+using marvtest::runBatch;
 
 std::vector<double> readDoubles(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -127,9 +119,7 @@ TEST(Bitmaps, AnUnreadableBitmapRefusesTheProject) {
   fs::remove_all(folder);
 }
 
-// Runs marvanesse-batch on folder in a child process; before the program
-// starts the child applies limit (a largest file size in bytes, 0 for none).
-// Returns the child's pid.
+// marvanesse-batch on folder in a child process under a file size limit in bytes (0: none); the child's pid.
 pid_t startBatch(const fs::path& folder, long long fileSizeLimit = 0) {
   const pid_t pid = fork();
   if (pid == 0) {

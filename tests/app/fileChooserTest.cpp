@@ -1,5 +1,4 @@
-// The program's own file chooser: what it lists, what a chosen path stands
-// for, and a path typed into it frame by frame.
+// The program's own file chooser: what it lists, what a chosen path means, a path typed frame by frame.
 #include <gtest/gtest.h>
 
 #include <filesystem>

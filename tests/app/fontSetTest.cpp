@@ -1,5 +1,4 @@
-// The fonts of the screens without a screen: old fonts deleted on a
-// rebuild, and the language face with and without Japanese faces.
+// The screens' fonts without a screen: old fonts deleted on a rebuild, the language face with and without Japanese.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,8 +1,4 @@
-// The run driven through the keyboard without a screen: a held run keeps its
-// step and time while the picture goes on, the quit prompt ends a run from
-// the keyboard, and Analysis mode steps to the next and previous dump with
-// no wrap-around. Each cycle's hook hands the script its next frame, so the
-// frames line up with the cycles of the run whatever came before the run.
+// The run from the keyboard without a screen: held run, quit prompt, Analysis steps; each cycle's hook feeds one frame.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -11,6 +7,7 @@
 
 #include "app/batchStages.h"
 #include "app/driver.h"
+#include "batchRun.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "screenScript.h"
@@ -42,12 +39,7 @@ void followPlan(appConfig& cfg, bool final) {
   setInputScript({next}, false);
 }
 
-inputFrame holding(std::vector<int> keys) {
-  inputFrame f;
-  f.mouseX = f.mouseY = 300;
-  f.keysHeld = std::move(keys);
-  return f;
-}
+inputFrame holding(std::vector<int> keys) { return marvtest::frameAt(300, 300, 0, std::move(keys)); }
 
 std::vector<inputFrame> idle(int n) { return std::vector<inputFrame>(n, holding({})); }
 
@@ -105,12 +97,7 @@ TEST(heldRun, analysisArrowsStepThroughTheDumpsWithoutWrappingAround) {
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 25\n4:nfile 10\n5:deltat 0.1\n");
   driverState simulation;
   plan.clear();
-  {
-    batchOptions options;
-    options.projectDir = folder.string();
-    options.quiet = true;
-    ASSERT_EQ(runDriver(batchStages(options), simulation), 0);
-  }
+  ASSERT_EQ(marvtest::runBatch(folder, simulation), 0);
   driverState analysis;
   // Left four times, then right four times, two idle frames between.
   std::vector<inputFrame> frames = idle(2);

@@ -1,6 +1,4 @@
-// Menu commands as the driver sees them: the request flags and the chosen
-// path after a dialog, the working directory put back, and the help pages
-// shipped in both languages.
+// Menu commands as the driver sees them: request flags, the chosen path, the working folder put back, the help pages.
 #include "app/menuCommands.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +47,10 @@ class menuCommandsTest : public ::testing::Test {
   marv::menuHook hook;
   std::string start;
   std::string scratch;
+  // The chosen path and the new-project and analysis requests.
+  std::string requests() const {
+    return state.chosenFilePath + " " + std::to_string(state.newProjectRequest) + std::to_string(state.analysisRequest);
+  }
 
   void SetUp() override {
     start = here();
@@ -73,9 +75,7 @@ TEST_F(menuCommandsTest, chosenPathsSetTheRequestsAndTheWorkingDirectoryComesBac
   script.path = "/home/user/projects/newOne";
   state.analysisRequest = 1;
   marv::windowHook(40006, &hook);
-  EXPECT_EQ(state.chosenFilePath, "/home/user/projects/newOne");
-  EXPECT_EQ(state.newProjectRequest, 1);
-  EXPECT_EQ(state.analysisRequest, 0);
+  EXPECT_EQ(requests(), "/home/user/projects/newOne 10");
   EXPECT_EQ(here(), state.startDirectory) << "the dialog's wandering is undone";
   ASSERT_EQ(script.asked.size(), 1u);
   EXPECT_TRUE(script.asked[0].save);
@@ -83,9 +83,7 @@ TEST_F(menuCommandsTest, chosenPathsSetTheRequestsAndTheWorkingDirectoryComesBac
 
   script.path = "/data/cavity/input/param.txt";
   marv::windowHook(40010, &hook);
-  EXPECT_EQ(state.chosenFilePath, "/data/cavity/input/param.txt");
-  EXPECT_EQ(state.newProjectRequest, 0);
-  EXPECT_EQ(state.analysisRequest, 1);
+  EXPECT_EQ(requests(), "/data/cavity/input/param.txt 01");
   EXPECT_FALSE(script.asked[1].save);
   EXPECT_TRUE(script.asked[1].inputFilter);
   EXPECT_TRUE(messages.empty());
@@ -98,9 +96,7 @@ TEST_F(menuCommandsTest, aCancelledOrMissingDialogLeavesTheRequestsAsTheyWere) {
   script.result = -1;
   script.wanderTo = state.startDirectory;  // a cancelled dialog changes nothing but the path
   marv::windowHook(40006, &hook);
-  EXPECT_EQ(state.chosenFilePath, "") << "cleared before the dialog";
-  EXPECT_EQ(state.newProjectRequest, 0);
-  EXPECT_EQ(state.analysisRequest, 1);
+  EXPECT_EQ(requests(), " 01") << "the path is cleared before the dialog";
   EXPECT_TRUE(messages.empty());
 
   script.result = -2;  // no dialog program on this desktop

@@ -1,6 +1,4 @@
-// The menu bar driven frame by frame through the input script, as a user
-// would: the screens below never see what the menu takes, and its commands
-// reach the driver of a whole pass.
+// The menu bar played through the input script: the screens never see what it takes; commands reach a whole pass.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -14,6 +12,7 @@
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "layer/windowMenu.h"
+#include "screenScript.h"
 #include "testSupport.h"
 
 namespace {
@@ -76,11 +75,7 @@ TEST_F(menuScriptTest, openMoveAndChooseWithTheScreensSeeingNoneOfIt) {
   EXPECT_FALSE(menu::isOpen(m));
   EXPECT_EQ(received, std::vector<int>{menu::commandHelpExamples});
   // With the menu closed, a click in the picture is the screens' again.
-  inputFrame picture;
-  picture.mouseX = 300;
-  picture.mouseY = 200;
-  picture.buttons = marv::mouseLeft;
-  EXPECT_EQ(play(picture), marv::mouseLeft);
+  EXPECT_EQ(play(marvtest::pointer(300, 200, true)), marv::mouseLeft);
 }
 
 TEST_F(menuScriptTest, greyedItemsAreRefusedAndEscClosesWithoutReachingTheScreens) {
@@ -150,12 +145,7 @@ int answerDialog(const marv::fileDialogRequest&, std::string& path) {
 }
 
 std::vector<inputFrame> fileMenuKeys(std::vector<int> letters) {
-  inputFrame alt;
-  alt.keysHeld = {altKey};
-  alt.keysTapped = {letterF};
-  inputFrame choose;
-  choose.keysTapped = letters;
-  return {alt, choose};
+  return {marvtest::frameAt(0, 0, 0, {altKey}, {letterF}), marvtest::frameAt(0, 0, 0, {}, letters)};
 }
 
 TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
@@ -209,16 +199,10 @@ TEST_F(menuScriptTest, aHelpPageThatCannotOpenIsToldInAMessageBoxUntilOk) {
   hook.message = marv::menuMessageBox;
   hook.pageOpener = "/nonexistent/opener";
   marv::installMenuHook(hook);
-  inputFrame alt;
-  alt.keysHeld = {altKey};
-  alt.keysTapped = {35};  // H
-  inputFrame choose;
-  choose.keysTapped = {25};  // P: the parameter page
-  inputFrame wait;
-  inputFrame ok;
-  ok.keysHeld = {marv::keyEnter};  // the box polls the key
-  inputFrame after;
-  marv::setInputScript({alt, choose, wait, wait, ok, after, after}, false);
+  // Alt H, P: the parameter page; the box polls Enter for its OK.
+  const inputFrame alt = marvtest::frameAt(0, 0, 0, {altKey}, {35}), choose = marvtest::frameAt(0, 0, 0, {}, {25});
+  const inputFrame wait, ok = marvtest::holding(marv::keyEnter);
+  marv::setInputScript({alt, choose, wait, wait, ok, wait, wait}, false);
   EXPECT_EQ(marv::processMessages(), 0);
   EXPECT_EQ(marv::processMessages(), 0);  // the box runs its frames in here, until OK
   EXPECT_LE(marv::inputScriptFramesLeft(), 2) << "the message waited for its OK";

@@ -1,6 +1,4 @@
-// The memory guard: the estimate against what a case really allocates, the
-// refusal text, the batch runner's refusal of a mesh beyond the machine, and
-// the one-line end of the process when an allocation fails.
+// The memory guard: estimate against real allocation, the refusal text, and the one-line end when allocation fails.
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/wait.h>
@@ -12,9 +10,8 @@
 #include <memory>
 #include <string>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
 #include "app/meshMemory.h"
+#include "batchRun.h"
 #include "domain/bcDomain.h"
 #include "project/applyParameters.h"
 #include "solver/solverCommon.h"
@@ -63,12 +60,9 @@ TEST(MeshMemory, TheBatchRunnerRefusesAMeshBeyondTheMachine) {
   // of GiB.
   const auto folder = marvtest::scratchFolder("huge");
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 46000\n2:ny 46000\n3:domx 50000\n");
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
   marv::driverState state;
   testing::internal::CaptureStderr();
-  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 1);
+  EXPECT_EQ(marvtest::runBatch(folder, state), 1);
   const std::string said = testing::internal::GetCapturedStderr();
   EXPECT_NE(said.find("GiB, this machine has"), std::string::npos) << said;
   std::filesystem::remove_all(folder);

@@ -1,16 +1,11 @@
-// Records through the whole driver, as marvanesse-batch runs a project: a
-// thermo-fluid cavity with two probes and the force and heat loss of both
-// walls recorded. A run restarted from a dump continues every record file
-// line for line as the uninterrupted run writes it, whether the files end at
-// the restart step or already hold later lines of an abandoned run.
+// Record files of a thermo cavity run by the batch driver: a restart continues every one line for line.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <regex>
 #include <string>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "result/forceRecord.h"
 #include "result/heatLossRecord.h"
 #include "result/probes.h"
@@ -33,12 +28,11 @@ std::string setKey(std::string text, const std::string& key, const std::string& 
   return numbered && end != std::string::npos ? text.insert(end, "099:" + key + " " + value + "\n") : text;
 }
 
-std::string setParameter(const std::string& text, const std::string& key, const std::string& value) {
-  return setKey(text, key, value, true);
-}
-
-std::string setViz(const std::string& text, const std::string& key, const std::string& value) {
-  return setKey(text, key, value, false);
+// Sets each key of a param.txt (numbered) or viz.txt file.
+void setKeys(const fs::path& file, std::initializer_list<std::pair<const char*, std::string>> values, bool numbered) {
+  std::string text = marvtest::readText(file);
+  for (const auto& [key, value] : values) text = setKey(text, key, value, numbered);
+  marvtest::writeText(file, text);
 }
 
 // A copy of the example, set to record from step 0 with probes at two
@@ -48,23 +42,17 @@ fs::path recordingProject() {
   fs::copy(example / "input", folder / "input", fs::copy_options::recursive);
   fs::create_directories(folder / "dump");
   fs::create_directories(folder / "figs");
-  std::string param = marvtest::readText(folder / "input" / "param.txt");
-  param = setParameter(param, "nx", "21");
-  param = setParameter(param, "ny", "21");
-  param = setParameter(param, "deltat", "0.002");
-  param = setParameter(param, "nfig", "0");
-  marvtest::writeText(folder / "input" / "param.txt", param);
-  std::string viz = marvtest::readText(folder / "input" / "viz.txt");
-  for (const auto& [key, value] : {std::pair<std::string, std::string>{"probeRecordInterval", "5"},
-                                   {"numProbes", "2"},
-                                   {"forceRecInterval", "5"},
-                                   {"showForce", "1"},
-                                   {"numRecForce", "2"},
-                                   {"heatLossRecInterval", "5"},
-                                   {"showHeatLoss", "1"},
-                                   {"numRecHeatLoss", "2"}})
-    viz = setViz(viz, key, value);
-  marvtest::writeText(folder / "input" / "viz.txt", viz);
+  setKeys(folder / "input" / "param.txt", {{"nx", "21"}, {"ny", "21"}, {"deltat", "0.002"}, {"nfig", "0"}}, true);
+  setKeys(folder / "input" / "viz.txt",
+          {{"probeRecordInterval", "5"},
+           {"numProbes", "2"},
+           {"forceRecInterval", "5"},
+           {"showForce", "1"},
+           {"numRecForce", "2"},
+           {"heatLossRecInterval", "5"},
+           {"showHeatLoss", "1"},
+           {"numRecHeatLoss", "2"}},
+          false);
   // The choices as the window leaves them: the last line of each file.
   appConfig seed;
   seed.forceRecordOn[1] = seed.forceRecordOn[8] = 1;
@@ -80,16 +68,10 @@ fs::path recordingProject() {
 }
 
 void runSteps(const fs::path& folder, int sts, int latts, int nfile) {
-  std::string param = marvtest::readText(folder / "input" / "param.txt");
-  param = setParameter(param, "sts", std::to_string(sts));
-  param = setParameter(param, "latts", std::to_string(latts));
-  param = setParameter(param, "nfile", std::to_string(nfile));
-  marvtest::writeText(folder / "input" / "param.txt", param);
-  batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
+  setKeys(folder / "input" / "param.txt",
+          {{"sts", std::to_string(sts)}, {"latts", std::to_string(latts)}, {"nfile", std::to_string(nfile)}}, true);
   driverState state;
-  ASSERT_EQ(runDriver(batchStages(options), state), 0);
+  ASSERT_EQ(marvtest::runBatch(folder, state), 0);
   ASSERT_EQ(state.stepsTaken, latts - sts + 1);
 }
 

@@ -1,5 +1,4 @@
-// The batch runner's progress line: its fields, the time left, and the
-// throttling of plain lines.
+// The batch runner's progress line: its fields, the time left, and the throttling of plain lines.
 #include <gtest/gtest.h>
 
 #include <cstdio>

@@ -1,5 +1,4 @@
-// Grid arrays: views, the size refusal, resize, and the derivative operator
-// against fields with known derivatives.
+// Grid arrays (views, size refusal, resize) and the derivative operator on fields with known derivatives.
 #include <gtest/gtest.h>
 
 #include <stdexcept>

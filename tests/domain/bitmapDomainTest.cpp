@@ -1,7 +1,4 @@
-// From slices to the boundary: the stretch rules on small synthetic views
-// (a pyramid along each axis, prisms and their intersection), mirror before
-// invert, the mask filter, image points on a sphere, and
-// the cavity example built from its bitmap.
+// From slices to the boundary: stretch rules, mirror before invert, the mask filter, image points, the cavity example.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,9 +1,9 @@
-// The bitmap colour stage on screen, frame by frame through the headless
-// backend: choices made on the list reach the colour tables, a marked colour
-// is removed, Esc cancels.
+// The bitmap colour stage on screen: choices reach the colour tables, a marked colour goes, Esc cancels.
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <tuple>
+#include <utility>
 
 #include "bitmapTestSupport.h"
 #include "domain/bitmapColours.h"
@@ -65,13 +65,10 @@ TEST_F(bitmapStage, ChoicesOnTheListReachTheTables) {
   marvtest::append(frames, clickProceed());
   ASSERT_EQ(run(frames), 1);
 
-  const int r = findColour(cfg, colorCode(255, 0, 0)), b = findColour(cfg, colorCode(0, 0, 255));
-  ASSERT_EQ(r, 3);
-  ASSERT_EQ(b, 2);
-  EXPECT_EQ(cfg.InverseFlag[3], 0);
-  EXPECT_EQ(cfg.StretchPlane[2], 1);
-  EXPECT_EQ(cfg.SymmetricPlane[2], 2);
-  EXPECT_EQ(cfg.StretchPlane[3], 3) << "untouched choices stay off";
+  // Red is entry 3, blue entry 2; red's untouched stretch stays off (3).
+  ASSERT_EQ(std::pair(findColour(cfg, colorCode(255, 0, 0)), findColour(cfg, colorCode(0, 0, 255))), std::pair(3, 2));
+  EXPECT_EQ(std::tuple(cfg.InverseFlag[3], cfg.StretchPlane[2], cfg.SymmetricPlane[2], cfg.StretchPlane[3]),
+            std::tuple(0, 1, 2, 3));
   EXPECT_GE(findColour(cfg, colorCode(100, 50, 20)), 8) << "a non-preset colour joins the list";
 }
 
@@ -89,9 +86,7 @@ TEST_F(bitmapStage, AMarkedColourIsRemovedAndRemembered) {
   EXPECT_EQ(findColour(cfg, colorCode(100, 50, 20)), -1);
   ASSERT_EQ(cfg.numRemovedColors, 1);
   EXPECT_EQ(cfg.RemovedColorCodes[0], colorCode(100, 50, 20));
-  // Its nodes fall to the free colour in the slice.
-  const std::size_t middle = sliceIndex(21, 21, 0, 10, 10);
-  EXPECT_EQ(cfg.bitmapXY[middle], 0);
+  EXPECT_EQ(cfg.bitmapXY[sliceIndex(21, 21, 0, 10, 10)], 0) << "its nodes fall to the free colour";
 }
 
 TEST_F(bitmapStage, EscCancelsAndACaseWithoutBitmapsPassesStraightThrough) {

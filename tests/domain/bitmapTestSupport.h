@@ -1,6 +1,4 @@
-// Helpers of the bitmap tests: a 24-bit BMP writer (rows bottom-up, padded
-// to four bytes, as paint programs write them) and an appConfig whose grid
-// and bitmap-area layout are set by hand, as the parameter checks would.
+// Bitmap test helpers: a 24-bit BMP writer (bottom-up, padded rows) and an appConfig with a hand-set grid and layout.
 #pragma once
 
 #include <cstdint>

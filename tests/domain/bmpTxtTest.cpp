@@ -1,5 +1,4 @@
-// bmp.txt: the written layout, the round trip, and files that are missing,
-// short, damaged or binary.
+// bmp.txt: the written layout, the round trip, and files that are missing, short, damaged or binary.
 #include <gtest/gtest.h>
 
 #include <algorithm>

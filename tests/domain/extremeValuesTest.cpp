@@ -1,7 +1,4 @@
-// Domain stages under values at the ends of their ranges: a domain 1e300 m
-// long, screen sizes at the 32-bit limit, refresh counts that would pass it.
-// Each must stay defined (the sanitizer build checks every overflow) and give
-// bounded results.
+// Domain stages at the ends of their ranges stay defined (the sanitizer build checks overflow) and bounded.
 #include <gtest/gtest.h>
 
 #include <climits>

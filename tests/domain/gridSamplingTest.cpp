@@ -1,5 +1,4 @@
-// Grid sampling: trilinear blends reproduce linear fields exactly, the far
-// corner uses the last cell with weight 1, and points outside read 0.
+// Grid sampling: linear fields exact, the far corner in the last cell with weight 1, points outside read 0.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,8 +1,6 @@
-// Node lists and solidMask built from hand-made bcFlag fields: which nodes
-// enter each list, in which order, and how often.
+// Node lists and solidMask from hand-made bcFlag fields: which nodes enter each list, in which order, how often.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -20,12 +18,6 @@ std::vector<ijk> indicesOf(const cellList& list) {
   std::vector<ijk> out;
   for (const cellNode& c : list) out.emplace_back(c.i, c.j, c.k);
   return out;
-}
-
-std::string show(const std::vector<ijk>& v) {
-  std::ostringstream s;
-  for (auto [i, j, k] : v) s << "(" << i << "," << j << "," << k << ")";
-  return s.str();
 }
 
 // A domain of the given size, all fluid, with presets: Black and Non-Preset
@@ -60,7 +52,7 @@ TEST(NodeLists, WallCellsRunByTypeThenKJIAndHonourPresenceNoFlowAndTypeNine) {
   c.set(1, 2, 0, 5);  // Yellow not present
   const cellList walls = makeWallCells(c.domain.bcFlag, c.cfg);
   const std::vector<ijk> expected{{0, 1, 0}, {1, 0, 0}, {2, 2, 0}, {1, 1, 0}};
-  EXPECT_EQ(indicesOf(walls), expected) << show(indicesOf(walls));
+  EXPECT_EQ(indicesOf(walls), expected);
 
   const cellList inlets = makeInletCells(c.domain.bcFlag, c.cfg);
   ASSERT_EQ(inlets.size(), 1u);
@@ -110,7 +102,7 @@ TEST(NodeLists, OpenCellsTakeFluidAndFreeInletComponentsPerGroup) {
   // fluid (0,1), (2,1). Y group (k, i; j = 0 then 1): only fluid of j = 1
   // (Green's v is fixed).
   const std::vector<ijk> expected{{0, 0, 0}, {0, 1, 0}, {2, 1, 0}, {0, 1, 0}, {1, 1, 0}, {2, 1, 0}};
-  EXPECT_EQ(indicesOf(open), expected) << show(indicesOf(open));
+  EXPECT_EQ(indicesOf(open), expected);
   // An all-fluid cube: each corner stands once in each of the three groups.
   listCase cube(2, 2, 2);
   const cellList all = makeOpenCells(cube.domain.bcFlag, cube.cfg);
@@ -138,13 +130,13 @@ TEST(NodeLists, ScalarAndAgeListsFollowTheirTablesAndFlags) {
   c.set(2, 1, 0, 4);  // Green inside: u free but v fixed, so no reset
   buildNodeLists(c.domain, c.cfg);
   const std::vector<ijk> massfr{{0, 1, 0}, {2, 1, 0}, {3, 1, 0}, {1, 2, 0}};  // types 2, 4, 2, 7
-  EXPECT_EQ(indicesOf(c.domain.massfrCells), massfr) << show(indicesOf(c.domain.massfrCells));
+  EXPECT_EQ(indicesOf(c.domain.massfrCells), massfr);
   const std::vector<ijk> temp{{1, 2, 0}, {2, 2, 0}};  // types 7, 3
-  EXPECT_EQ(indicesOf(c.domain.tempCells), temp) << show(indicesOf(c.domain.tempCells));
+  EXPECT_EQ(indicesOf(c.domain.tempCells), temp);
   const std::vector<ijk> ageWall{{1, 2, 0}, {2, 2, 0}};
-  EXPECT_EQ(indicesOf(c.domain.ageWallCells), ageWall) << show(indicesOf(c.domain.ageWallCells));
+  EXPECT_EQ(indicesOf(c.domain.ageWallCells), ageWall);
   const std::vector<ijk> ageInlet{{0, 1, 0}, {1, 1, 0}};  // faces first, then interior
-  EXPECT_EQ(indicesOf(c.domain.ageInletCells), ageInlet) << show(indicesOf(c.domain.ageInletCells));
+  EXPECT_EQ(indicesOf(c.domain.ageInletCells), ageInlet);
   EXPECT_EQ(c.domain.ageInletCells[1].type, 6);
 }
 

@@ -1,8 +1,7 @@
-// The placement screen's buttons: a click on "Rot STL", "Centering" and the
-// unit selector acts on the model and on the parameters at once; "Cancel"
-// and "Proceed" end the loop; the drag handle's move raises zoffstSTL for a
-// negative z.
+// The placement screen's buttons act on the model and the parameters at once; the handle raises zoffstSTL.
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 #include "domain/bcDomain.h"
 #include "domain/placementScreen.h"
@@ -66,23 +65,17 @@ TEST(PlacementButtons, RotateCentreAndEndTheLoop) {
 
   // "Centering": the centre goes to (lx/2, ly/2, lz/2), the offsets follow.
   c.click(l.centreX + 10, l.y + 10);
-  EXPECT_DOUBLE_EQ(c.cfg.xoffstSTL, 0.5);
-  EXPECT_DOUBLE_EQ(c.cfg.yoffstSTL, 0.0);
-  EXPECT_DOUBLE_EQ(c.cfg.zoffstSTL, -1.0);
+  EXPECT_EQ(std::tuple(c.cfg.xoffstSTL, c.cfg.yoffstSTL, c.cfg.zoffstSTL), std::tuple(0.5, 0.0, -1.0));
   EXPECT_NEAR(c.vertex(0, 0, 0), 0.5f, 1e-5);
   EXPECT_NEAR(c.vertex(0, 0, 2), 2.0f, 1e-5);
 
   // A press beside a button dragged onto it does nothing.
-  screenInput in;
-  in.left = true;
-  in.mouseX = 1;
-  in.mouseY = 1;
-  placementControls(c.state, c.domain, c.cfg, in);
-  in.mouseX = l.rotX[1] + 10;
-  in.mouseY = l.y + 10;
-  placementControls(c.state, c.domain, c.cfg, in);
-  in.left = false;
-  placementControls(c.state, c.domain, c.cfg, in);
+  for (const auto& [x, y, down] :
+       {std::tuple{1, 1, true}, {l.rotX[1] + 10, l.y + 10, true}, {l.rotX[1] + 10, l.y + 10, false}}) {
+    screenInput in;
+    in.mouseX = x, in.mouseY = y, in.left = down;
+    placementControls(c.state, c.domain, c.cfg, in);
+  }
   EXPECT_DOUBLE_EQ(c.cfg.yRotSTL, 0.0);
 
   EXPECT_EQ(c.click(l.cancelX + 10, l.y + 10), -1);

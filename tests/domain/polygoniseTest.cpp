@@ -1,7 +1,4 @@
-// The polygonisers: every marching-cubes case, alone in a block of outside
-// nodes, gives a closed surface whose edges are each shared by two triangles
-// in opposite directions; a sphere comes out closed, on its radius and turned
-// one way; marching squares closes a circle and places crossings linearly.
+// Marching cubes and squares: every case closed and consistently turned, a sphere on its radius, linear crossings.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -27,13 +24,16 @@ struct gridBlock {
     for (int k = 0; k < nz; ++k) z.push_back(static_cast<float>(k * h));
     grid = bcGrid{x.data(), y.data(), z.data(), nx, ny, nz};
   }
+  template <class shape>  // bcSurface or bcOutline over the block's field
+  shape over() {
+    shape s;
+    s.grid = &grid, s.field = &field;
+    return s;
+  }
 };
 
-// Each directed edge of each triangle, counted: a closed, consistently
-// turned surface has every edge once in each direction. Returns the number
-// of edges that break this. Two cells work out the crossing on their shared
-// edge from opposite ends, so the points agree to rounding only: they are
-// compared on a grid of 1e-5.
+// Edges not met once in each direction, as a closed, consistently turned surface meets them. Two cells work out a
+// shared crossing from opposite ends, so points agree to rounding only: they are compared on a grid of 1e-5.
 point snap(const float* v) { return {std::lround(v[0] * 1e5), std::lround(v[1] * 1e5), std::lround(v[2] * 1e5)}; }
 
 int openEdges(const bcSurface& s) {
@@ -74,9 +74,7 @@ TEST(marchingCubes, tablesAgreeWithTheCornerRuleAndEveryCaseClosesInABlock) {
       fill(static_cast<const array3d<float>&>(b.field), outside);
       for (int k = 0; k < 8; ++k)
         if ((c >> k) & 1) b.field(1 + corner[k][0], 1 + corner[k][1], 1 + corner[k][2]) = 1.0f - outside;
-      bcSurface s;
-      s.grid = &b.grid;
-      s.field = &b.field;
+      bcSurface s = b.over<bcSurface>();
       ASSERT_EQ(polygoniseSurface(s, 0.5), 0);
       EXPECT_EQ(s.numTriangles, static_cast<int>(s.triangles.size()));
       if (c != 0) {
@@ -95,9 +93,7 @@ TEST(marchingCubes, sphereIsClosedOnItsRadiusAndTurnedOneWay) {
       for (int j = 0; j < n; ++j)
         for (int i = 0; i < n; ++i)
           b.field(i, j, k) = static_cast<float>(1.0 - std::hypot(b.x[i] - c, b.y[j] - c, b.z[k] - c) / r);
-    bcSurface s;
-    s.grid = &b.grid;
-    s.field = &b.field;
+    bcSurface s = b.over<bcSurface>();
     polygoniseSurface(s, 0.0);
     ASSERT_GT(s.numTriangles, 20) << "n=" << n;
     EXPECT_EQ(openEdges(s), 0) << "n=" << n;
@@ -119,9 +115,7 @@ TEST(marchingSquares, circleClosesAndCrossingsAreLinear) {
   gridBlock b(21, 17, 1, 0.05);
   for (int j = 0; j < 17; ++j)
     for (int i = 0; i < 21; ++i) b.field(i, j, 0) = static_cast<float>(0.3 - std::hypot(b.x[i] - 0.5, b.y[j] - 0.4));
-  bcOutline o;
-  o.grid = &b.grid;
-  o.field = &b.field;
+  bcOutline o = b.over<bcOutline>();
   ASSERT_EQ(polygoniseOutline(o, 0.0), 0);
   ASSERT_GT(o.numSegments, 10);
   std::map<std::pair<float, float>, int> ends;
@@ -135,9 +129,7 @@ TEST(marchingSquares, circleClosesAndCrossingsAreLinear) {
   gridBlock r(2, 2, 1, 1.0);
   r.field(0, 0, 0) = r.field(0, 1, 0) = 0.0f;
   r.field(1, 0, 0) = r.field(1, 1, 0) = 1.0f;
-  bcOutline line;
-  line.grid = &r.grid;
-  line.field = &r.field;
+  bcOutline line = r.over<bcOutline>();
   polygoniseOutline(line, 0.25);
   ASSERT_EQ(line.numSegments, 1);
   EXPECT_FLOAT_EQ(line.segmentX[0], 0.25f);

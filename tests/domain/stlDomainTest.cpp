@@ -1,5 +1,4 @@
-// A model file that cannot be used in a real case: said once, and the case
-// is built and run without it.
+// A model file that cannot be used in a real case: said once, and the case is built and run without it.
 #include <gtest/gtest.h>
 #include <omp.h>
 
@@ -60,8 +59,7 @@ int countType(const bcDomain& d, int type) {
 }
 
 TEST(StlDomain, UnusableModelIsSaidOnceAndTheCaseRunsWithoutIt) {
-  auto folder = marvtest::scratchFolder("stlbad");
-  marvtest::inFolder here(folder);
+  marvtest::inFolder here(marvtest::scratchFolder("stlbad"));
   marvtest::writeText("input/bc.stl", std::string(200, 'z') + "\n");
   stlCase c;
   build(c, {});

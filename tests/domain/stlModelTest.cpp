@@ -1,5 +1,4 @@
-// The STL reader on valid and damaged files of both forms, and the placement
-// operations on a small model.
+// The STL reader on valid and damaged files of both forms, and the placement operations on a small model.
 #include <gtest/gtest.h>
 
 #include <cmath>

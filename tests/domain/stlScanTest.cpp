@@ -1,6 +1,4 @@
-// The STL scan on a sphere: the shell of surface nodes lies within a cell of
-// the surface on its inner side, each image point is the node mirrored
-// across the surface, deeper nodes are solid, and nothing outside is marked.
+// The STL scan of a sphere: surface nodes, their mirrored image points, solid inside, nothing marked outside.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,7 +1,4 @@
-// The pure helpers of the drawing layer: segment-triangle hits, segment
-// distances, rotations, and the camera's conversions between
-// world and screen. Expected values come from hand geometry or brute-force
-// sampling, never from the formulas under test.
+// Pure geometry of the layer, against hand geometry or brute-force sampling, never the formulas under test.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -19,8 +16,6 @@ float distance(vec3 a, vec3 b) {
 }
 
 vec3 lerp(vec3 a, vec3 b, float t) { return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t, a.z + (b.z - a.z) * t}; }
-
-// ---------------------------------------------------------------- lineTriangleHit
 
 TEST(lineTriangleHit, segmentsThroughTheInsideHitAtThePlaneAndOthersMiss) {
   const vec3 p1{0, 0, 5}, p2{100, 0, 5}, p3{0, 100, 5};
@@ -43,8 +38,6 @@ TEST(lineTriangleHit, segmentsThroughTheInsideHitAtThePlaneAndOthersMiss) {
   ASSERT_EQ(far.hit, 1);
   EXPECT_NEAR(far.point.z, 1500.0f, 0.05f);
 }
-
-// ---------------------------------------------------------------- segmentDistance
 
 TEST(segmentDistance, handCases) {
   EXPECT_NEAR(segmentDistance({-5, 0, 0}, {5, 0, 0}, {0, -5, 3}, {0, 5, 3}), 3.0f, 1e-5f) << "crossing, offset in z";
@@ -76,8 +69,6 @@ TEST(segmentDistance, agreesWithSampledMinimumAndIsSymmetric) {
   }
 }
 
-// ---------------------------------------------------------------- vecLength and rotations
-
 TEST(rotationMatrix, quarterTurnsMoveAxesRightHanded) {
   auto apply = [](const matrix4& m, vec3 v) {
     return vec3{m.m[0][0] * v.x + m.m[0][1] * v.y + m.m[0][2] * v.z,
@@ -92,8 +83,6 @@ TEST(rotationMatrix, quarterTurnsMoveAxesRightHanded) {
   const vec3 yz = apply(rotationMatrixY(q), {0, 0, 1});
   EXPECT_NEAR(yz.x, 1.0f, 1e-6f) << "z turns into x about y";
 }
-
-// ---------------------------------------------------------------- camera
 
 cameraState sceneCamera() {
   cameraState c;

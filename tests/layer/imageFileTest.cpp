@@ -1,6 +1,4 @@
-// Picture files of the drawing layer: malformed, truncated, oversized or
-// binary input is refused without a crash (the sanitizer build runs these
-// too). The headless backend's loadImage goes through the same decoder.
+// Picture files: malformed, truncated, oversized or binary input is refused without a crash, headless loads too.
 #include <gtest/gtest.h>
 
 #include <cstdio>

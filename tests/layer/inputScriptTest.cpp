@@ -1,9 +1,8 @@
-// Scripted input through the headless backend: held state and events arrive
-// frame by frame, text fields edit as a user would edit them, and the end of
-// a script can close the window.
+// Scripted input through the headless backend: held state, events, text editing, the script's end closing.
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "layer/inputScript.h"
 #include "layer/layer.h"
@@ -39,32 +38,17 @@ std::string edit(std::vector<inputFrame> frames, int maxLength = 0, int singleBy
 using marvtest::typing;
 
 TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
-  inputFrame press;
-  press.mouseX = 40;
-  press.mouseY = 30;
-  press.buttons = mouseLeft;
-  press.keysHeld = {keyLeftShift, keyX};
-  press.wheel = -2;
-  inputFrame move = press;
-  move.mouseX = 41;
-  move.buttons = mouseLeft | mouseRight;
-  move.keysHeld = {keyX};
-  move.wheel = 3;
-  inputFrame release;
-  release.mouseX = 41;
-  release.mouseY = 30;
-  setInputScript({press, move, release}, true);
+  inputFrame press = marvtest::frameAt(40, 30, mouseLeft, {keyLeftShift, keyX});
+  inputFrame move = marvtest::frameAt(41, 30, mouseLeft | mouseRight, {keyX});
+  press.wheel = -2, move.wheel = 3;
+  setInputScript({press, move, marvtest::pointer(41, 30)}, true);
 
   EXPECT_EQ(mouseButtons(), 0) << "nothing arrives before the first processMessages";
   ASSERT_EQ(processMessages(), 0);
   int x = 0, y = 0;
   mousePosition(&x, &y);
-  EXPECT_EQ(x, 40);
-  EXPECT_EQ(y, 30);
-  EXPECT_EQ(mouseButtons(), mouseLeft);
-  EXPECT_EQ(keyDown(keyLeftShift), 1);
-  EXPECT_EQ(keyDown(keyX), 1);
-  EXPECT_EQ(anyKeyDown(1), 1);
+  EXPECT_EQ((std::vector<int>{x, y, mouseButtons(), keyDown(keyLeftShift), keyDown(keyX), anyKeyDown(1)}),
+            (std::vector<int>{40, 30, mouseLeft, 1, 1, 1}));
 
   ASSERT_EQ(processMessages(), 0);
   EXPECT_EQ(mouseButtons(), mouseLeft | mouseRight);
@@ -73,15 +57,12 @@ TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
   readKeyboard(table);
   int held = 0;
   for (const std::uint8_t k : table) held += k;
-  EXPECT_EQ(held, 1);
-  EXPECT_EQ(table[keyX], 1);
-  EXPECT_EQ(mouseWheel(0), 1) << "notches add up until a clearing call";
-  EXPECT_EQ(mouseWheel(1), 1);
-  EXPECT_EQ(mouseWheel(1), 0);
+  EXPECT_EQ(held * 10 + table[keyX], 11) << "X alone is held";
+  // Notches add up until a clearing call (braced lists run in order).
+  EXPECT_EQ((std::vector<int>{mouseWheel(0), mouseWheel(1), mouseWheel(1)}), (std::vector<int>{1, 1, 0}));
 
   ASSERT_EQ(processMessages(), 0);
-  EXPECT_EQ(anyKeyDown(7), 0);
-  EXPECT_EQ(inputScriptFramesLeft(), 0);
+  EXPECT_EQ(anyKeyDown(7) + inputScriptFramesLeft(), 0);
   EXPECT_EQ(processMessages(), -1) << "the script closes the window after its last frame";
   EXPECT_EQ(processMessages(), -1) << "and it stays closed";
 
@@ -92,11 +73,9 @@ TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
 }
 
 TEST_F(scriptedInput, aFrameCanCloseTheWindowAndTappedKeysDoNotStayDown) {
-  inputFrame tap;
-  tap.keysTapped = {keyEsc};
   inputFrame close;
   close.closeWindow = true;
-  setInputScript({tap, close, inputFrame{}}, false);
+  setInputScript({marvtest::frameAt(0, 0, 0, {}, {keyEsc}), close, inputFrame{}}, false);
   EXPECT_EQ(processMessages(), 0);
   EXPECT_EQ(keyDown(keyEsc), 0);
   EXPECT_EQ(processMessages(), -1);
@@ -156,9 +135,7 @@ TEST_F(scriptedInput, enterFinishesEscCancelsOnlyWhereAllowed) {
   EXPECT_EQ(fieldText(strict), "abc") << "a finished field takes no more keys";
 
   activateTextInput(lenient);
-  inputFrame esc;
-  esc.keysHeld = {keyEsc};
-  setInputScript({esc, esc}, false);
+  setInputScript({marvtest::holding(keyEsc), marvtest::holding(keyEsc)}, false);
   processMessages();
   processMessages();
   EXPECT_EQ(textInputState(lenient), 2) << "a held key edits once, when it goes down";

@@ -1,6 +1,4 @@
-// The window's keys to the layer's codes on a US and a French layout: the
-// letters follow what the key says, the digits of the French top row and
-// the keypad follow where the key is.
+// Keys to layer codes on US and French layouts: letters follow the key's label, digits and keypad its place.
 #include <gtest/gtest.h>
 
 #include <SDL2/SDL.h>

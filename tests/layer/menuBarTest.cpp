@@ -1,5 +1,4 @@
-// The window's menu bar: how it opens, moves, chooses and closes, by pointer
-// and by key.
+// The window's menu bar: how it opens, moves, chooses and closes, by pointer and by key.
 #include "layer/menuBar.h"
 
 #include <gtest/gtest.h>
@@ -129,21 +128,24 @@ TEST_F(menuBarTest, keyboardWalksOverSeparatorsAndChoosesByLetterOrEnter) {
 }
 
 TEST(menuCaptions, accessLettersAndUnderlinesOfCaptions) {
-  EXPECT_EQ(accessLetter("Exit (&X)"), 'X');
-  EXPECT_EQ(accessLetter("in (&s)"), 'S');
-  EXPECT_EQ(accessLetter("Fish && Chips"), 0);
-  EXPECT_EQ(accessLetter("A && B (&C)"), 'C');
+  // The underline offset counts bytes of UTF-8 in Japanese captions.
+  const struct {
+    const char *caption, *visible;
+    char letter;
+    int underline;
+  } cases[] = {{"Exit (&X)", "Exit (X)", 'X', 6},
+               {"in (&s)", "in (s)", 'S', 4},
+               {"Fish && Chips", "Fish & Chips", 0, -1},
+               {"A && B (&C)", "A & B (C)", 'C', 7},
+               {"ファイル (&F)", "ファイル (F)", 'F', 4 * 3 + 2}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.caption);
+    int underline = 0;
+    EXPECT_EQ(accessLetter(c.caption), c.letter);
+    EXPECT_EQ(visibleCaption(c.caption, &underline), c.visible);
+    EXPECT_EQ(underline, c.underline);
+  }
   EXPECT_EQ(accessLetter("trailing &"), 0);
-  int underline = 0;
-  EXPECT_EQ(visibleCaption("Exit (&X)", &underline), "Exit (X)");
-  EXPECT_EQ(underline, 6);
-  EXPECT_EQ(visibleCaption("A && B", &underline), "A & B");
-  EXPECT_EQ(underline, -1);
-  // Japanese captions: the offset counts bytes of UTF-8.
-  const std::string jp = "ファイル (&F)";
-  EXPECT_EQ(visibleCaption(jp, &underline), "ファイル (F)");
-  EXPECT_EQ(underline, 4 * 3 + 2);
-  EXPECT_EQ(accessLetter(jp), 'F');
 }
 
 // The window's own menu through the layer: a command reaches the receiver

@@ -1,5 +1,4 @@
-// The menu bar as drawn by the OpenGL backend: a greyed item really looks
-// grey, and an open menu covers the picture below the bar.
+// The menu bar drawn by the OpenGL backend: a greyed item looks grey, an open menu covers the picture below.
 #include <gtest/gtest.h>
 
 #include "layer/layer.h"

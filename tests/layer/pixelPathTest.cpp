@@ -1,7 +1,4 @@
-// The pixel path that the bitmap stage relies on: a BMP loaded, drawn
-// stretched (nearest pixel) into an off-screen image, copied into a pixel
-// image and read back by the pixel. The same test body is built against both
-// backends, so that the headless CPU path and OpenGL agree pixel for pixel.
+// BMP loaded, stretched, copied and read back: built against both backends, which must agree pixel for pixel.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -24,9 +21,7 @@ using namespace marv;
 
 using marvtest::rgb;
 
-// A 24-bit BMP of the pixels, rows listed top-down, in the temporary folder;
-// the name carries the process, since both backends' builds of this file
-// may run at once.
+// A BMP of the pixels (rows top-down) named for the process: both backends' builds may run at once.
 std::string writeBmp(const std::string& name, int width, int height, const std::vector<rgb>& pixels) {
   const std::string path = ::testing::TempDir() + std::to_string(getpid()) + name;
   marvtest::writeBmp(path, width, height, [&](int x, int y) { return pixels[y * width + x]; });
@@ -110,9 +105,7 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
   std::remove(path.c_str());
 }
 
-// A boundary bitmap read at the mesh: both backends give every node the
-// colour of the block of the picture it lies in. Nodes close to a block's
-// edge may go either way and are not looked at.
+// Every node of a bitmap read at the mesh takes its block's colour (nodes near a block's edge may go either way).
 TEST(pixelPath, boundaryBitmapGivesEveryNodeTheColourOfItsBlock) {
   ASSERT_EQ(startLayer(), 0);
   const std::string path = writeBmp("marv_mesh_read.bmp", 3, 2, picture);
@@ -120,19 +113,7 @@ TEST(pixelPath, boundaryBitmapGivesEveryNodeTheColourOfItsBlock) {
   ASSERT_GT(image, 0);
   for (int n : {2, 3, 7, 16, 17}) {
     appConfig cfg;
-    cfg.nx = n;
-    cfg.ny = n + 2;
-    cfg.nz = 1;
-    cfg.lx = 1.5;
-    cfg.ly = 1.0;
-    cfg.dx = cfg.lx / (cfg.nx - 1);
-    for (int i = 0; i < cfg.nx; ++i) cfg.xCoord.push_back(i * cfg.dx);
-    for (int j = 0; j < cfg.ny; ++j) cfg.yCoord.push_back(j * cfg.ly / (cfg.ny - 1));
-    cfg.pixPerMetre = 5 / cfg.dx;
-    cfg.domPixX = static_cast<int>(cfg.pixPerMetre * cfg.lx);
-    cfg.domPixY = static_cast<int>(cfg.pixPerMetre * cfg.ly);
-    cfg.bitmapScreenWidth = cfg.domPixX + cfg.marginLeft + cfg.marginRight;
-    cfg.bitmapScreenHeight = cfg.domPixY + cfg.bitmapGap + cfg.marginTop + cfg.marginBottom;
+    marvtest::setBitmapCase(cfg, n, n + 2, 1, 1.5, 1.0, 1.0, 5);
     std::vector<std::uint32_t> codes;
     ASSERT_EQ(readImageAtMesh(cfg, planeXY, image, codes), 0) << "n=" << n;
     for (int j = 0; j < cfg.ny; ++j)

@@ -1,7 +1,4 @@
-// The parameter editor's screen driven frame by frame: typed values, the
-// refusal of values that are no numbers, reordering, adding and removing
-// rows, scrolling past the end, and what accepting and cancelling leave in
-// param.txt.
+// The parameter editor played frame by frame: typing, refusals, row moves, scrolling, and what accept and cancel leave.
 #include <gtest/gtest.h>
 
 #include <deque>

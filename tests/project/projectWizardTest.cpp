@@ -1,6 +1,4 @@
-// The project screens: where a chosen path puts the project, what opening
-// and creating a project does on disk, and the start, source and
-// confirmation screens driven frame by frame.
+// The project screens: paths, opening and creating a project on disk, and the screens played frame by frame.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -44,19 +42,19 @@ int play(int (*screen)(projectWizard&, appConfig&), wizardCase& c, std::vector<i
 }
 
 TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
-  projectWizard w;
-  EXPECT_EQ(projectFromPath(w, "/data/runs/box/input/param.txt", false), "box");
-  EXPECT_EQ(w.projectDir, "/data/runs/box/");
-  EXPECT_EQ(w.inputDir, "/data/runs/box/input/");
-  EXPECT_EQ(w.paramFilePath, "/data/runs/box/input/param.txt");
-
+  // The project's name, folder, input folder and parameter file that a path gives.
+  const auto paths = [](const std::string& path, bool isFolder) {
+    projectWizard w;
+    const std::string name = projectFromPath(w, path, isFolder);
+    return name + "|" + w.projectDir + "|" + w.inputDir + "|" + w.paramFilePath;
+  };
+  EXPECT_EQ(paths("/data/runs/box/input/param.txt", false),
+            "box|/data/runs/box/|/data/runs/box/input/|/data/runs/box/input/param.txt");
   // Any file one level below the project counts, whatever its folder's name.
-  EXPECT_EQ(projectFromPath(w, "/data/runs/box/pictures/bcXY0.bmp", false), "box");
-  EXPECT_EQ(w.inputDir, "/data/runs/box/pictures/");
-
-  EXPECT_EQ(projectFromPath(w, "/data/runs/new case/", true), "new case");
-  EXPECT_EQ(w.projectDir, "/data/runs/new case/");
-  EXPECT_EQ(w.paramFilePath, "/data/runs/new case/input/param.txt");
+  EXPECT_EQ(paths("/data/runs/box/pictures/bcXY0.bmp", false).substr(0, 44),
+            "box|/data/runs/box/|/data/runs/box/pictures/");
+  EXPECT_EQ(paths("/data/runs/new case/", true),
+            "new case|/data/runs/new case/|/data/runs/new case/input/|/data/runs/new case/input/param.txt");
 
   EXPECT_EQ(displayPath("C:\\runs\\box\\"), "C:/runs/box/");
   EXPECT_EQ(folderOf("/a/b/bcXY0.bmp"), "/a/b/");
@@ -81,14 +79,13 @@ TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   ASSERT_EQ(openProjectFolder(c.wizard, c.cfg), 1) << c.wizard.message;
   EXPECT_EQ(fs::canonical(fs::current_path()), fs::canonical(root / "fresh")) << "the project is the working folder";
   for (const char* sub : {"input", "figs", "dump"}) EXPECT_TRUE(fs::is_directory(root / "fresh" / sub)) << sub;
+  // A file that is no picture is not copied as a bitmap; viz.txt and bmp.txt stay behind.
   const fs::path input = root / "fresh" / "input";
-  EXPECT_TRUE(fs::exists(input / "bcXY0.bmp"));
-  EXPECT_TRUE(fs::exists(input / "bcZX3.bmp"));
-  EXPECT_FALSE(fs::exists(input / "bcXY1.bmp")) << "a file that is no picture is not copied as a bitmap";
+  for (const auto& [file, copied] : std::initializer_list<std::pair<const char*, bool>>{
+           {"bcXY0.bmp", true}, {"bcZX3.bmp", true}, {"bcXY1.bmp", false}, {"viz.txt", false}, {"bmp.txt", false}})
+    EXPECT_EQ(fs::exists(input / file), copied) << file;
   EXPECT_EQ(marvtest::readText(input / "bc.stl"), "solid x\nendsolid x\n");
   EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n");
-  EXPECT_FALSE(fs::exists(input / "viz.txt"));
-  EXPECT_FALSE(fs::exists(input / "bmp.txt"));
   EXPECT_EQ(fs::path(c.cfg.absProjPath), fs::canonical(root / "fresh") / "");
 
   // The same folder again is refused, with the folder named.
@@ -112,8 +109,6 @@ TEST(ProjectFolder, ExistingProjectKeepsItsFilesAndGetsMissingFolders) {
   EXPECT_EQ(marvtest::readText(root / "old" / "input" / "param.txt"), "1:nx 7\n");
   fs::remove_all(root);
 }
-
-// ---------------------------------------------------------------- screens, frame by frame
 
 TEST(StartScreen, RowsFireOnlyForAPressThatBeganOnThem) {
   wizardCase c;

@@ -1,10 +1,9 @@
-// The record files on disk: their exact columns, the choices a pass finds
-// again in their tails, and what happens to a file that a killed run left
-// half written or that is no record at all.
+// Record files on disk: exact columns, choices found again in their tails, half-written and foreign files.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <sstream>
+#include <vector>
 
 #include "result/forceRecord.h"
 #include "result/heatLossRecord.h"
@@ -89,13 +88,11 @@ TEST(RecordFiles, ProbeSetupComesFromTheLastWholeLine) {
   marvtest::writeText(probeFilePath(2), head);
   f.cfg.numProbes = 3;
   readProbeSetup(f.cfg);
+  // Two dimensions: z is 0; a file with its head line only gives 0; probe 3 stays unset.
   EXPECT_EQ(f.cfg.numProbes, 3);
-  EXPECT_FLOAT_EQ(f.cfg.probes[0].x, 0.3f);
-  EXPECT_FLOAT_EQ(f.cfg.probes[0].y, 0.4f);
-  EXPECT_EQ(f.cfg.probes[0].z, 0.0f) << "two dimensions: z is 0";
-  EXPECT_FLOAT_EQ(f.cfg.probes[1].x, 0.6f);
-  EXPECT_EQ(f.cfg.probes[2].x, 0.0f) << "a file with its head line only";
-  EXPECT_EQ(f.cfg.probes[3].x, -1.0f);
+  EXPECT_EQ((std::vector<float>{f.cfg.probes[0].x, f.cfg.probes[0].y, f.cfg.probes[0].z, f.cfg.probes[1].x,
+                                f.cfg.probes[2].x, f.cfg.probes[3].x}),
+            (std::vector<float>{0.3f, 0.4f, 0.0f, 0.6f, 0.0f, -1.0f}));
   EXPECT_EQ(messages, 0);
 
   // A missing file in the middle, and a count beyond the table.
@@ -120,9 +117,8 @@ TEST(RecordFiles, ForeignFilesGiveAMessageAndAreNeverWritten) {
   recordFolder f;
   const std::string foreign = "my notes\n1 2 3\n";
   marvtest::writeText(probeFilePath(0), foreign);
-  marvtest::writeText(forceFilePath, std::string("\x7f"
-                                                 "ELF\0\0binary",
-                                                 11));
+  const std::string binary("\177ELF\0\0binary", 11);
+  marvtest::writeText(forceFilePath, binary);
   marvtest::writeText(heatLossFilePath, heatLossHeadLine(f.cfg) + "          10  1.0 0 0 0\n");
   f.cfg.numProbes = 1;
   f.cfg.showForce = f.cfg.showHeatLoss = 1;
@@ -132,9 +128,7 @@ TEST(RecordFiles, ForeignFilesGiveAMessageAndAreNeverWritten) {
   readHeatLossSetup(f.cfg);
   EXPECT_EQ(messages, 3);
   EXPECT_NE(lastMessage.find("./dump/heatLoss.txt is not a record file"), std::string::npos) << lastMessage;
-  EXPECT_EQ(f.cfg.numRecForce, 0);
-  EXPECT_EQ(f.cfg.numRecHeatLoss, 0);
-  EXPECT_EQ(f.cfg.numProbes, 0);
+  EXPECT_EQ(f.cfg.numRecForce + f.cfg.numRecHeatLoss + f.cfg.numProbes, 0);
 
   // The user goes on recording in the window: still nothing touches them,
   // neither a new start at step 0 nor an append later.
@@ -150,9 +144,7 @@ TEST(RecordFiles, ForeignFilesGiveAMessageAndAreNeverWritten) {
     EXPECT_FALSE(writeHeatLoss(f.cfg));
   }
   EXPECT_EQ(marvtest::readText(probeFilePath(0)), foreign);
-  EXPECT_EQ(marvtest::readText(forceFilePath), std::string("\x7f"
-                                                           "ELF\0\0binary",
-                                                           11));
+  EXPECT_EQ(marvtest::readText(forceFilePath), binary);
   EXPECT_EQ(messages, 3) << "one message per file and pass";
 }
 
@@ -169,10 +161,10 @@ TEST(RecordFiles, ForceFlagsComeFromTheLastWholeLine) {
   f.cfg.showForce = 1, f.cfg.numRecForce = 1;
   readForceSetup(f.cfg);
   EXPECT_EQ(f.cfg.numRecForce, 2);
-  EXPECT_EQ(f.cfg.forceRecordOn[1], 1);
-  EXPECT_EQ(f.cfg.forceRecordOn[3], 1);
-  EXPECT_EQ(f.cfg.forceRecordOn[5], 0) << "the half line does not count";
-  EXPECT_EQ(f.cfg.forceRecordOn[8], 0);
+  EXPECT_EQ((std::vector<int>{f.cfg.forceRecordOn[1], f.cfg.forceRecordOn[3], f.cfg.forceRecordOn[5],
+                              f.cfg.forceRecordOn[8]}),
+            (std::vector<int>{1, 1, 0, 0}))
+      << "the half line does not count";
   EXPECT_EQ(messages, 0);
 
   // Without showForce in viz.txt the file is not consulted; a missing file

@@ -1,7 +1,4 @@
-// What the records measure: the pressure force on a body (outline in two
-// dimensions, surface in three), the heat flux through a wall, and the flow
-// state at a probe, each against a field whose answer is known in closed
-// form.
+// What the records measure (force, heat flux, probe values) against fields whose answer is known in closed form.
 #include <gtest/gtest.h>
 
 #include <algorithm>

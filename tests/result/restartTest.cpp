@@ -1,8 +1,4 @@
-// A run restarted from its dump continues as if it had never stopped. The
-// driver runs the example projects through its real passes (the batch
-// stages): an uninterrupted run, a run that stops early, and its restart
-// from an earlier dump must leave the same last dump, byte for byte, for
-// the adaptive constant-density cavity and the fixed-step heated cavity.
+// A run restarted from a dump leaves the same last dump, byte for byte, as the run that never stopped.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -10,8 +6,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "testSupport.h"
 
 namespace {
@@ -34,11 +29,8 @@ marv::driverState run(const fs::path& folder, int sts, int latts) {
   std::string text = marvtest::readText(param);
   text += "\n990:sts " + std::to_string(sts) + "\n991:latts " + std::to_string(latts) + "\n";
   marvtest::writeText(param, text);
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
   marv::driverState state;
-  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 0) << folder << " from " << sts;
+  EXPECT_EQ(marvtest::runBatch(folder, state), 0) << folder << " from " << sts;
   return state;
 }
 

@@ -1,9 +1,10 @@
-// The colour scale: the lookup at and beyond its limits, degenerate and
-// undefined ranges, the three ramps of the table, and the range scan.
+// The colour scale: lookup at and beyond its limits, degenerate ranges, the three ramps, the range scan.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <tuple>
+#include <utility>
 
 #include "scene/colourScale.h"
 #include "scene/quantities.h"
@@ -69,18 +70,12 @@ TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
   ownedArray3d<double> field(3, 2, 1);
   ownedArray3d<int> solid(3, 2, 1);
   double lo = 0, hi = 0;
-  fill<double>(field, 5.0);
-  scanRange(field, solid, false, lo, hi);
-  EXPECT_EQ(lo, 0.0);
-  EXPECT_EQ(hi, 5.0);
-  fill<double>(field, 0.0);
-  scanRange(field, solid, false, lo, hi);
-  EXPECT_EQ(lo, -1.0);
-  EXPECT_EQ(hi, 0.0);
-  fill<double>(field, -3.0);
-  scanRange(field, solid, false, lo, hi);
-  EXPECT_EQ(lo, 0.0) << "a negative flat value leaves the range reversed";
-  EXPECT_EQ(hi, -3.0);
+  // A negative flat value leaves the range reversed.
+  for (const auto& [flat, low, high] : {std::tuple{5.0, 0.0, 5.0}, {0.0, -1.0, 0.0}, {-3.0, 0.0, -3.0}}) {
+    fill<double>(field, flat);
+    scanRange(field, solid, false, lo, hi);
+    EXPECT_EQ(std::pair(lo, hi), std::pair(low, high)) << flat;
+  }
 
   // A solid node's value counts only when solids are asked for.
   fill<double>(field, 1.0);
@@ -90,8 +85,7 @@ TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
   scanRange(field, solid, false, lo, hi);
   EXPECT_EQ(hi, 1.0);
   scanRange(field, solid, true, lo, hi);
-  EXPECT_EQ(hi, 40.0);
-  EXPECT_EQ(lo, -2.0);
+  EXPECT_EQ(std::pair(lo, hi), std::pair(-2.0, 40.0));
 
   // Diverged nodes never stretch the range.
   fill<int>(solid, 0);
@@ -99,8 +93,7 @@ TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
   field(1, 1, 0) = inf;
   field(2, 0, 0) = -inf;
   scanRange(field, solid, false, lo, hi);
-  EXPECT_EQ(lo, -2.0);
-  EXPECT_EQ(hi, 40.0);
+  EXPECT_EQ(std::pair(lo, hi), std::pair(-2.0, 40.0));
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-// Per-frame input through the headless backend: the frame's fields, clicks
-// and drags, and the key latch that lets a shortcut act once per press.
+// Per-frame input through the headless backend: fields, clicks, drags, and the latch of one action per key press.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,20 +9,14 @@
 #include "project/vizFile.h"
 #include "scene/inputState.h"
 #include "scene/sceneView.h"
+#include "screenScript.h"
 #include "testSupport.h"
 
 namespace {
 
 using namespace marv;
 
-inputFrame at(int x, int y, int buttons = 0, std::vector<int> keys = {}) {
-  inputFrame f;
-  f.mouseX = x;
-  f.mouseY = y;
-  f.buttons = buttons;
-  f.keysHeld = std::move(keys);
-  return f;
-}
+using marvtest::frameAt;
 
 class frameInput : public ::testing::Test {
  protected:
@@ -43,85 +36,77 @@ class frameInput : public ::testing::Test {
 };
 
 TEST_F(frameInput, clicksNeedTheReleaseWhereThePressWasForLeftAndTheLastHeldPlaceForRight) {
-  step(at(50, 40, mouseLeft));
-  step(at(60, 40, mouseLeft));
+  step(frameAt(50, 40, mouseLeft));
+  step(frameAt(60, 40, mouseLeft));
   EXPECT_EQ(cfg.leftDrag, 1);
   EXPECT_EQ(cfg.leftClick, 0);
-  step(at(50, 40, mouseLeft));
-  step(at(50, 40));
+  step(frameAt(50, 40, mouseLeft));
+  step(frameAt(50, 40));
   EXPECT_EQ(cfg.leftClick, 1) << "away and back to the pressed pixel is a click";
-  step(at(50, 40));
+  step(frameAt(50, 40));
   EXPECT_EQ(cfg.leftClick, 0) << "only in the frame of the release";
-  step(at(50, 40, mouseLeft));
-  step(at(51, 40));
+  step(frameAt(50, 40, mouseLeft));
+  step(frameAt(51, 40));
   EXPECT_EQ(cfg.leftClick, 0) << "one pixel off is no click";
 
-  step(at(10, 10, mouseRight));
-  step(at(20, 20, mouseRight));
+  step(frameAt(10, 10, mouseRight));
+  step(frameAt(20, 20, mouseRight));
   EXPECT_EQ(cfg.rightDrag, 1);
-  step(at(20, 20));
+  step(frameAt(20, 20));
   EXPECT_EQ(cfg.rightClick, 1) << "a right drag that stops before the release counts";
-  step(at(5, 5, mouseRight));
-  step(at(6, 5));
+  step(frameAt(5, 5, mouseRight));
+  step(frameAt(6, 5));
   EXPECT_EQ(cfg.rightClick, 0);
 }
 
 TEST_F(frameInput, fieldsTellModifiersWheelAndWhetherThePointerIsOnTheScreen) {
-  inputFrame f = at(0, 30, mouseLeft | mouseRight, {keyRightShift});
+  inputFrame f = frameAt(0, 30, mouseLeft | mouseRight, {keyRightShift});
   f.wheel = -2;
+  // Shift turns the left drag into a pick; x = 0 is outside; a modifier alone holds the run; each frame
+  // takes the wheel notches since the last; the help list takes the plain keys.
+  auto fields = [&] {
+    return std::vector<double>{double(cfg.shiftDown), double(cfg.ctrlDown),     double(cfg.leftDrag),
+                               double(cfg.rightDrag), double(cfg.plainKeys),    double(cfg.inputBusy),
+                               cfg.wheelDelta,        double(cfg.mouseInScreen)};
+  };
   step(f);
-  EXPECT_EQ(cfg.shiftDown, 1);
-  EXPECT_EQ(cfg.ctrlDown, 0);
-  EXPECT_EQ(cfg.leftDrag, 0) << "Shift turns the left drag into a pick";
-  EXPECT_EQ(cfg.rightDrag, 1);
-  EXPECT_EQ(cfg.plainKeys, 0);
-  EXPECT_EQ(cfg.inputBusy, 1);
-  EXPECT_EQ(cfg.wheelDelta, -2.0f);
-  EXPECT_EQ(cfg.mouseInScreen, 0) << "x = 0 is outside";
-
-  step(at(1, 1, 0, {keyLeftCtrl}));
-  EXPECT_EQ(cfg.wheelDelta, 0.0f) << "each frame takes the notches since the last";
-  EXPECT_EQ(cfg.mouseXPrev, 0);
-  EXPECT_EQ(cfg.mouseYPrev, 30);
-  EXPECT_EQ(cfg.mouseInScreen, 1);
-  EXPECT_EQ(cfg.ctrlDown, 1);
-  EXPECT_EQ(cfg.inputBusy, 1) << "a modifier alone holds the run";
-
-  step(at(cfg.screenWidth, 5));
-  EXPECT_EQ(cfg.mouseInScreen, 0);
-  EXPECT_EQ(cfg.plainKeys, 1);
-  EXPECT_EQ(cfg.inputBusy, 0);
+  EXPECT_EQ(fields(), (std::vector<double>{1, 0, 0, 1, 0, 1, -2, 0}));
+  step(frameAt(1, 1, 0, {keyLeftCtrl}));
+  EXPECT_EQ(fields(), (std::vector<double>{0, 1, 0, 0, 0, 1, 0, 1}));
+  EXPECT_EQ(cfg.mouseXPrev * 1000 + cfg.mouseYPrev, 30);
+  step(frameAt(cfg.screenWidth, 5));
+  EXPECT_EQ(fields(), (std::vector<double>{0, 0, 0, 0, 1, 0, 0, 0}));
   cfg.showHelpShortcutFlag = 1;
-  step(at(5, 5));
-  EXPECT_EQ(cfg.plainKeys, 0) << "the help list takes the plain keys";
+  step(frameAt(5, 5));
+  EXPECT_EQ(cfg.plainKeys, 0);
 }
 
 TEST_F(frameInput, aShortcutActsOncePerPressAndQuitNeedsThePrompt) {
-  EXPECT_EQ(step(at(5, 5, 0, {keyQ})), 1) << "Q without the prompt does nothing";
-  EXPECT_EQ(step(at(5, 5, 0, {keyQ, keyEsc})), 1);
+  EXPECT_EQ(step(frameAt(5, 5, 0, {keyQ})), 1) << "Q without the prompt does nothing";
+  EXPECT_EQ(step(frameAt(5, 5, 0, {keyQ, keyEsc})), 1);
   EXPECT_EQ(cfg.quitPromptFlag, 0) << "Q set the latch: Esc goes down unheard";
-  step(at(5, 5));
+  step(frameAt(5, 5));
   cfg.showHelpShortcutFlag = 1;
-  step(at(5, 5, 0, {keyEsc}));
+  step(frameAt(5, 5, 0, {keyEsc}));
   EXPECT_EQ(cfg.quitPromptFlag, 0) << "Esc with the help list open does nothing";
   cfg.showHelpShortcutFlag = 0;
-  step(at(5, 5));
-  step(at(5, 5, 0, {keyEsc}));
+  step(frameAt(5, 5));
+  step(frameAt(5, 5, 0, {keyEsc}));
   EXPECT_EQ(cfg.quitPromptFlag, 1);
-  EXPECT_EQ(step(at(5, 5, 0, {keyEsc, keyQ})), 1) << "still latched by Esc";
-  step(at(5, 5));
-  EXPECT_EQ(step(at(5, 5, 0, {keyQ})), -1);
+  EXPECT_EQ(step(frameAt(5, 5, 0, {keyEsc, keyQ})), 1) << "still latched by Esc";
+  step(frameAt(5, 5));
+  EXPECT_EQ(step(frameAt(5, 5, 0, {keyQ})), -1);
 
-  step(at(5, 5));
-  step(at(5, 5, 0, {keyEnter}));
+  step(frameAt(5, 5));
+  step(frameAt(5, 5, 0, {keyEnter}));
   EXPECT_EQ(cfg.quitPromptFlag, 0);
-  step(at(5, 5));
-  step(at(5, 5, 0, {keyLeft}));
+  step(frameAt(5, 5));
+  step(frameAt(5, 5, 0, {keyLeft}));
   EXPECT_EQ(cfg.analysisDirection, -1);
   cfg.quitConfirmed = 1;
-  EXPECT_EQ(step(at(5, 5)), 1) << "a confirmation without the prompt ends nothing";
+  EXPECT_EQ(step(frameAt(5, 5)), 1) << "a confirmation without the prompt ends nothing";
   cfg.quitPromptFlag = 1;
-  EXPECT_EQ(step(at(5, 5)), -1);
+  EXPECT_EQ(step(frameAt(5, 5)), -1);
 }
 
 struct shortcutRow {
@@ -135,9 +120,9 @@ struct shortcutRow {
 class shortcuts : public frameInput {
  public:
   int press(std::vector<int> keys) {
-    step(at(5, 5));
-    const int r = step(at(5, 5, 0, std::move(keys)));
-    step(at(5, 5));
+    step(frameAt(5, 5));
+    const int r = step(frameAt(5, 5, 0, std::move(keys)));
+    step(frameAt(5, 5));
     return r;
   }
 };
@@ -192,8 +177,7 @@ TEST_F(shortcuts, eachRowChangesItsFlagAndTheFlagReachesVizTxt) {
       {"right", {keyRight}, &appConfig::analysisDirection, 0, 1},
       {"left", {keyLeft}, &appConfig::analysisDirection, 1, -1},
   };
-  const auto folder = marvtest::scratchFolder("shortcuts");
-  marvtest::inFolder inside(folder);
+  marvtest::inFolder inside(marvtest::scratchFolder("shortcuts"));
   std::filesystem::create_directories("input");
   for (const shortcutRow& row : rows) {
     SCOPED_TRACE(row.what);
@@ -218,20 +202,20 @@ TEST_F(shortcuts, eachRowChangesItsFlagAndTheFlagReachesVizTxt) {
 }
 
 TEST_F(shortcuts, onlyARowThatActedSpendsThePressAndAKeyLeftFromAPromptIsSpent) {
-  step(at(5, 5, 0, {key2}));
-  step(at(5, 5, 0, {key2, key3}));
+  step(frameAt(5, 5, 0, {key2}));
+  step(frameAt(5, 5, 0, {key2, key3}));
   EXPECT_EQ(cfg.dispQuantFlag, 2) << "3 under a held 2: nothing was released";
-  step(at(5, 5));
-  step(at(5, 5, 0, {keyF}));
-  step(at(5, 5, 0, {keyF, key3}));
+  step(frameAt(5, 5));
+  step(frameAt(5, 5, 0, {keyF}));
+  step(frameAt(5, 5, 0, {keyF, key3}));
   EXPECT_EQ(cfg.dispQuantFlag, 3) << "F is no shortcut and set no latch";
 
   // The Esc that cancelled a prompt is still down when the run resumes.
-  step(at(5, 5));
+  step(frameAt(5, 5));
   cfg.lastKeyMs = nowMs();
-  step(at(5, 5, 0, {keyEsc}));
+  step(frameAt(5, 5, 0, {keyEsc}));
   cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
-  step(at(5, 5, 0, {keyEsc}));
+  step(frameAt(5, 5, 0, {keyEsc}));
   EXPECT_EQ(cfg.quitPromptFlag, 0) << "spent until released";
   press({keyEsc});
   EXPECT_EQ(cfg.quitPromptFlag, 1);
@@ -240,9 +224,9 @@ TEST_F(shortcuts, onlyARowThatActedSpendsThePressAndAKeyLeftFromAPromptIsSpent) 
   const int field = makeTextInput(40, 1, 0, 0, 0, 0);
   activateTextInput(field);
   cfg.showVectorFlag = 0;
-  inputFrame typing = at(5, 5, 0, {keyV});
+  inputFrame typing = frameAt(5, 5, 0, {keyV});
   typing.typed = "v";
-  step(at(5, 5));
+  step(frameAt(5, 5));
   step(typing);
   EXPECT_EQ(cfg.showVectorFlag, 0);
   deleteTextInput(field);
@@ -257,9 +241,9 @@ TEST_F(shortcuts, spaceAsksTheSceneForTheDefaultViewAndTheWheelZoomsOnlyWithPlai
   EXPECT_EQ(scene.resetCameraFlag, 1);
   press({keyLeftShift, keySpace});
   EXPECT_EQ(scene.resetCameraFlag, 1) << "plain only";
-  step(at(5, 5, 0, {keyLeftCtrl}));
+  step(frameAt(5, 5, 0, {keyLeftCtrl}));
   EXPECT_EQ(scene.plainKeys, 0);
-  step(at(5, 5));
+  step(frameAt(5, 5));
   EXPECT_EQ(scene.plainKeys, 1);
 }
 

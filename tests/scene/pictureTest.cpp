@@ -1,9 +1,4 @@
-// The live picture as the batch runner saves it, checked by the pixel on the
-// off-screen OpenGL backend: the colour bar's ends, and a run of the bundled
-// cylinder example whose saved image is compared with a colour mapping of
-// the dump of the same step, made here from the raw files alone. Expected
-// colours follow the scale's three ramps and the screen layout of a 2D run,
-// both written out again below.
+// The saved live picture of the cylinder example against a colour mapping of its dump, made from the raw files alone.
 #include <gtest/gtest.h>
 
 #include <cmath>

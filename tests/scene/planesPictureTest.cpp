@@ -1,8 +1,4 @@
-// The 3D picture of the bundled duct on the off-screen OpenGL backend, with
-// its three cross-section planes and streamlines: a short batch run, then
-// its saved image read back, checked for the colours of the scale on the
-// planes and for the streamlines' plain colour, and kept under the build
-// folder for a look.
+// The 3D duct picture: scale colours on its three planes and the streamlines' plain colour, kept for a look.
 #include <gtest/gtest.h>
 
 #include <cstdio>

@@ -1,6 +1,4 @@
-// The picture tests of the scene: the off-screen layer they draw on, a short
-// batch run of a bundled example that saves its image, and that JPEG image
-// read back with libjpeg (its size and RGB pixels, rows top-down).
+// Picture test helpers: the off-screen layer, a short batch run that saves its image, and the JPEG read back.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,8 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "app/batchStages.h"
-#include "app/driver.h"
+#include "batchRun.h"
 #include "layer/layer.h"
 #include "testSupport.h"
 
@@ -59,9 +56,7 @@ class offscreenPicture : public ::testing::Test {
   void TearDown() override { marv::stopLayer(); }
 };
 
-// Copies the example into a scratch project, sets the parameters named in
-// values (latts, nfig, ...), appends vizLines to viz.txt (later keys win)
-// and runs the batch driver. Returns the project folder.
+// The example run in a scratch project with the parameters of values set and vizLines appended to viz.txt.
 inline std::filesystem::path runExample(const char* example, const std::map<std::string, std::string>& values,
                                         const std::string& vizLines) {
   namespace fs = std::filesystem;
@@ -79,11 +74,8 @@ inline std::filesystem::path runExample(const char* example, const std::map<std:
   }
   writeText(folder / "input" / "param.txt", param);
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << vizLines;
-  marv::batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
   marv::driverState state;
-  EXPECT_EQ(marv::runDriver(marv::batchStages(options), state), 0);
+  EXPECT_EQ(runBatch(folder, state), 0);
   return folder;
 }
 

@@ -1,12 +1,15 @@
-// The status numbers: the exact texts of the two panel lines and the title
-// line, the remaining time, and the smoothing of the step time.
+// The status numbers: the exact panel and title lines, the remaining time, the smoothed step time.
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 #include "scene/statusPanel.h"
 
 namespace {
 
 using namespace marv;
+
+std::tuple<int, int, int> hms(const remainingTime& t) { return {t.hours, t.minutes, t.seconds}; }
 
 TEST(StatusText, PanelLinesKeepTheirColumns) {
   char line[512];
@@ -22,25 +25,17 @@ TEST(StatusText, PanelLinesKeepTheirColumns) {
 
 TEST(StatusText, TitleLineAndRemainingTime) {
   const remainingTime left = timeLeft(1000, 0, 3723);  // 3723 s
-  EXPECT_EQ(left.hours, 1);
-  EXPECT_EQ(left.minutes, 2);
-  EXPECT_EQ(left.seconds, 3);
+  EXPECT_EQ(hms(left), std::tuple(1, 2, 3));
   char line[1024];
   formatTitleLine(line, sizeof line, "Marvanesse+ (2021R3.0) | cyl | Simulation Mode", 1.0e-3, 0.25, 3723, left);
   EXPECT_STREQ(line,
                "Marvanesse+ (2021R3.0) | cyl | Simulation Mode | dt:1.00e-03 s | max{CFL}:0.25 | CPU:3723 ms | "
                "Remaining:01h:02m:03s");
 
-  const remainingTime past = timeLeft(10, 12, 1000);  // two steps beyond the end
-  EXPECT_EQ(past.hours, 0);
-  EXPECT_EQ(past.minutes, 0);
-  EXPECT_EQ(past.seconds, -2);
+  EXPECT_EQ(hms(timeLeft(10, 12, 1000)), std::tuple(0, 0, -2)) << "two steps beyond the end";
 
   // 3e9 ms does not fit the 32-bit product: it wraps to -1294967296 ms.
-  const remainingTime wrapped = timeLeft(3000000, 0, 1000);
-  EXPECT_EQ(wrapped.hours, -359);
-  EXPECT_EQ(wrapped.minutes, (-1294967 % 3600) / 60);
-  EXPECT_EQ(wrapped.seconds, -1294967 % 60);
+  EXPECT_EQ(hms(timeLeft(3000000, 0, 1000)), std::tuple(-359, (-1294967 % 3600) / 60, -1294967 % 60));
 }
 
 TEST(StatusText, StepTimeIsSmoothedOnlyWhileRunning) {

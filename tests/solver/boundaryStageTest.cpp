@@ -1,6 +1,4 @@
-// The boundary stage on small hand-built domains: the zero-gradient copy on
-// the outer planes, walls and inlets in the staircase and the immersed form,
-// scalars, pressure, and the whole stage on one and two threads.
+// The boundary stage on small hand-built domains, staircase and immersed, on one and two threads.
 #include <gtest/gtest.h>
 
 #include "domain/bcDomain.h"

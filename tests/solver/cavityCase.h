@@ -1,7 +1,4 @@
-// The lid-driven cavity built by hand: a unit square with Black walls on the
-// bottom and the sides and a Blue lid at the top moving along +x. Used by the
-// short check of the default suite and by the long verification run against
-// the centreline velocities of Ghia, Ghia and Shin (1982).
+// The lid-driven cavity built by hand (Black walls, Blue lid along +x), for the short check and the Ghia et al. run.
 #pragma once
 
 #include <cmath>

@@ -1,8 +1,4 @@
-// Verification against the lid-driven cavity of Ghia, Ghia and Shin (1982):
-// 129 x 129 nodes, Re = 100 and Re = 1000, run to a steady state, centreline
-// velocities compared with the published table (tests/data). A long run:
-// CTest label "long", left out of the default suite. Its report goes to
-// stdout; docs/verification.md records the figures.
+// Long run (label "long"): Ghia, Ghia and Shin (1982) cavity centrelines at Re 100 and 1000, 129 x 129 nodes.
 #include <gtest/gtest.h>
 
 #include <chrono>

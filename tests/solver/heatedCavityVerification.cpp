@@ -1,8 +1,4 @@
-// Verification of the variable-density step against the differentially
-// heated square cavity of de Vahl Davis (1983): Pr = 0.71, Ra = 1e4 and 1e5,
-// run to a steady state, average Nusselt number of the hot wall compared with
-// the published values (tests/data). A long run: CTest label "long". Its
-// report goes to stdout; docs/verification.md records the figures.
+// Long run (label "long"): de Vahl Davis (1983) heated cavity, hot-wall Nusselt number at Ra 1e4 and 1e5.
 #include <gtest/gtest.h>
 
 #include <chrono>

@@ -1,6 +1,4 @@
-// The constant-density time step: fields that must not move, the switches
-// of the sub-grid model and the scalars, conservation of a species blob, and
-// a short lid-driven cavity that must develop as the physics says.
+// The constant-density step: fields at rest, sub-grid and scalar switches, a conserved species blob, a short cavity.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,4 @@
-// The variable-density time step: a uniform field at rest stays at rest
-// under a body force, the step reduces to the constant-density one at uniform
-// temperature, and the heated cavity develops its circulation.
+// The variable-density step: rest under a body force, the constant-density limit, the heated cavity's circulation.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -1,5 +1,4 @@
-// A solver whose step is the pressure iteration alone, for the tests of the
-// iteration and of the row kernels of its sweeps.
+// A solver whose step is the pressure iteration alone, for the iteration and row kernel tests.
 #pragma once
 
 #include "solver/solverCommon.h"

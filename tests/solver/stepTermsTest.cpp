@@ -1,7 +1,4 @@
-// Two sub-steps of the time step against values worked out by hand on a
-// 3 x 3 grid (dx = 0.5, dy = 0.25): the source of the pressure equation with
-// its 2 mu factor on the divergence, and the outer planes, where the
-// derivative across the plane is one-sided and not upwinded.
+// Pressure source and one-sided outer-plane derivatives against hand values on a 3 x 3 grid (dx 0.5, dy 0.25).
 #include <gtest/gtest.h>
 
 #include <vector>

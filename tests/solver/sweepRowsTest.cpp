@@ -1,7 +1,4 @@
-// The row kernels of the pressure sweep against a plain lexicographic sweep
-// written out here, for every kernel the processor runs, over rows of every
-// length modulo the kernels' blocks; and the team barrier that separates the
-// sweeps.
+// Every row kernel of the pressure sweep against a plain sweep written here, on all row lengths; the team barrier.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -104,12 +101,8 @@ TEST(SweepRows, EveryKernelFollowsTheLexicographicSweepOnRowsOfEveryLength) {
   }
 }
 
-// Every thread writes its slot of round r, meets the others, and must then
-// see every slot at round r; then meets them again before the next round
-// overwrites the slots. A barrier that lets a thread through early, or
-// does not publish the writes before it, fails here (or under the thread
-// sanitizer). Teams of 2 and 3, the latter more threads than cores on a
-// small machine; afterwards a barrier outside any region returns at once.
+// Each thread writes its slot of round r, meets the others and must see every slot at round r: a barrier that
+// lets a thread through early or does not publish the writes fails (teams of 2 and 3, more than the cores).
 TEST(TeamBarrier, NoThreadPassesBeforeAllHaveArrivedAndAllWritesAreSeen) {
   for (int team : {2, 3}) {
     std::vector<int> slot(team, -1);

@@ -1,8 +1,4 @@
-// The differentially heated square cavity built by hand: a hot wall on the
-// left (Black, tempwallk), a cold wall on the right (Non-Preset, tempwall),
-// adiabatic floor and ceiling (Blue at rest with temperature 0), gravity
-// along -y. Used by the thermo checks and the long verification against de
-// Vahl Davis (1983).
+// The heated cavity built by hand (hot Black left, cold Non-Preset right, adiabatic Blue, gravity -y).
 #pragma once
 
 #include <cmath>

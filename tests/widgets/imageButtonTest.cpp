@@ -1,6 +1,4 @@
-// imageButton driven frame by frame through the input script of the
-// headless backend: what counts as a click and what does not, the on state,
-// the disabled button and the shortcut key.
+// imageButton played frame by frame: what is a click, the on state, the disabled button, the shortcut key.
 #include <gtest/gtest.h>
 
 #include <utility>

@@ -1,7 +1,4 @@
-// textBox: line breaking in plain and Japanese texts, the box's measure, and
-// the box shown frame by frame through the input script of the headless
-// backend: typing into its input, the answers of its buttons and keys, and a
-// blocking box that runs its own frames.
+// textBox: line breaking, measure, and the box played frame by frame (typing, buttons, keys, a blocking box).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -123,9 +120,7 @@ TEST_F(shownBox, theMeasureGrowsWithTheTextAndMakesRoomForInputAndButtons) {
   EXPECT_LE(box.boxY + box.offsetY + box.boxHeight, 545) << "above the mouse";
 }
 
-// The editing keys of the field are the layer's (see its input script
-// tests); here: the box takes the keyboard when it first shows, a long text
-// arrives whole, and Enter answers yes.
+// The field's editing keys are the layer's and tested there.
 TEST_F(shownBox, theInputTakesTheKeyboardTakesLongTextWholeAndEnterAnswersYes) {
   box.hasInput = 1;
   setTextBoxButtons(box, 5);
@@ -155,15 +150,12 @@ TEST_F(shownBox, buttonsAndEscGiveTheAnswersOfTheirSet) {
   EXPECT_NE(okX, noX);
   EXPECT_EQ(play(marvtest::click(okX, okY), "Remove?"), (std::vector<int>{0, 0, 1}));
   EXPECT_EQ(play(marvtest::click(noX, noY), "Remove?"), (std::vector<int>{0, 0, -1}));
-  inputFrame esc;
-  esc.keysHeld = {keyEsc};
+  const inputFrame esc = marvtest::holding(keyEsc);
   EXPECT_EQ(play({esc}, "Remove?"), (std::vector<int>{-1}));
 
   setTextBoxButtons(box, 6);
   EXPECT_EQ(play({esc}, "Done."), (std::vector<int>{0})) << "a box with OK alone has nothing for Esc to answer";
-  inputFrame enter;
-  enter.keysHeld = {keyEnter};
-  EXPECT_EQ(play({enter}, "Done."), (std::vector<int>{1}));
+  EXPECT_EQ(play({marvtest::holding(keyEnter)}, "Done."), (std::vector<int>{1}));
 
   setTextBoxButtons(box, 8);
   ASSERT_EQ(frame("Back."), 0);

@@ -1,14 +1,10 @@
-// The screens' pieces drawn off-screen by the OpenGL backend: the fifteen
-// fonts at the smallest, usual and largest text heights, Japanese glyphs
-// that are real characters and not the empty box of a missing one, the
-// pressed tile and the click of a held button, the control panel at rest
-// and its snapshot, and the list of shortcuts that the key H shows. Screenshots of the widgets
-// in each language, of the panel and of the list are written as PNG under
-// the build folder for a person to look at.
+// Widgets drawn by the OpenGL backend (fonts, Japanese glyphs, tiles, panel, shortcut list); PNGs kept for a look.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/catalogue.h"
@@ -144,18 +140,14 @@ TEST_F(widgetRender, aHeldButtonShowsThePressedTileAndClicksOnItsRelease) {
   }
   EXPECT_EQ(results, (std::vector<int>{0, 0, 1, 0}));
   EXPECT_EQ(pressed, (std::vector<int>{0, 1, 0, 0}));
-  EXPECT_GT(looks[0][2], 200) << "hovered: the sky-blue Proceed tile";
-  EXPECT_GT(looks[0][1], 150);
-  EXPECT_LT(looks[1][1], 120) << "held: the dark pressed tile";
-  EXPECT_LT(looks[1][0], 120);
+  EXPECT_GT(std::min(looks[0][2] - 50, looks[0][1]), 150) << "hovered: the sky-blue Proceed tile";
+  EXPECT_LT(std::max(looks[1][0], looks[1][1]), 120) << "held: the dark pressed tile";
   EXPECT_EQ(runAppButton(cfg, 13, x, y, 1), 1) << "no such button: the state stays";
   freeButtonTiles(cfg);
   deleteFonts(cfg);
 }
 
-// One screen of each language: backdrop, logo, texts of the start screen,
-// the proceed hint, a hovered Cancel and Proceed, and a message box with a
-// text input, "OK" and "Cancel".
+// A start screen with its hint, hovered buttons and a message box with an input, "OK" and "Cancel".
 void drawSampleScreen(appConfig& cfg, textBox& box, const std::string& typed) {
   const bool ja = cfg.uiJapanese != 0;
   clearDrawTarget();
@@ -274,8 +266,7 @@ TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
   marvtest::writePng(MARV_SCREENSHOT_DIR, "controlPanel.png", width, height);
 
   // The snapshot button asks, the run loop saves.
-  const auto folder = marvtest::scratchFolder("snapshot");
-  marvtest::inFolder inside(folder);
+  marvtest::inFolder inside(marvtest::scratchFolder("snapshot"));
   std::filesystem::create_directories("figs");
   const int sx = cfg.mediumSize + 11 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
   const int sy = cfg.mediumSize + 2 * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
@@ -302,8 +293,7 @@ TEST_F(panelRender, theShortcutListIsOneTallImageThatTheOverlayScrolls) {
   EXPECT_EQ(scene.helpViewHeight, 600) << "the domain's height limits the view";
   int w = 0, h = 0;
   imageSize(scene.helpImage, &w, &h);
-  EXPECT_EQ(w, scene.helpWidth);
-  EXPECT_EQ(h, scene.helpListHeight + y0);
+  EXPECT_EQ(std::pair(w, h), std::pair(scene.helpWidth, scene.helpListHeight + y0));
   EXPECT_GT(w, 60 * textWidthInFont(cfg.fixedBold, "M")) << "as wide as its longest line";
   setDrawTarget(backBuffer);
   setBackgroundColour(90, 100, 110, 255);
