@@ -90,7 +90,7 @@ void main() {
 }
 )";
 
-coreState state;
+coreState& state = coreInstance;
 
 unsigned compileShader(GLenum kind, const char* source) {
   const GLuint s = glCreateShader(kind);
@@ -200,7 +200,7 @@ void growTo(std::vector<T>& v, std::size_t n) {
 
 }  // namespace
 
-coreState& core() { return state; }
+coreState coreInstance;
 
 bool operator==(const batchKey& a, const batchKey& b) {
   return a.kind == b.kind && a.texture == b.texture && a.textureAlpha == b.textureAlpha && a.glyphs == b.glyphs &&
@@ -267,6 +267,7 @@ bool startRenderer(int width, int height) {
   state.vertices.assign(batchCapacity, vertex{});
   state.vertexCount = 0;
   state.boxCount = 0;
+  state.glyphCount = 0;
   state.commands.clear();
   state.ready = true;
   resizeBackBuffer(width, height);
@@ -318,6 +319,20 @@ vertex* reserve(const batchKey& k, int n) {
   return at;
 }
 
+glyphRecord* reserveGlyphs(const batchKey& k, int n) {
+  if (!state.ready || n <= 0 || n > maxBoxesPerCommand) return nullptr;
+  if (state.glyphCount + n > pendingBoxLimit) flush();
+  command* last = state.commands.empty() ? nullptr : &state.commands.back();
+  const bool joins = last != nullptr && last->kind == commandKind::glyphs && last->live &&
+                     last->serial == state.serial && last->count + n <= maxBoxesPerCommand && last->key == k;
+  if (!joins) last = &startCommand(commandKind::glyphs, k, state.glyphCount);
+  growTo(state.glyphs, static_cast<std::size_t>(state.glyphCount) + n);
+  glyphRecord* at = state.glyphs.data() + state.glyphCount;
+  state.glyphCount += n;
+  last->count += n;
+  return at;
+}
+
 void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour) {
   if (!state.ready) return;
   if (state.boxCount >= pendingBoxLimit) flush();
@@ -353,6 +368,7 @@ void recordClear() {
     state.commands.clear();
     state.vertexCount = 0;
     state.boxCount = 0;
+    state.glyphCount = 0;
   }
   command& c = startCommand(commandKind::clear, batchKey{}, 0);
   std::copy(state.background, state.background + 4, c.background);
@@ -367,7 +383,7 @@ namespace {
 int buildUpload() {
   int total = 0;
   for (const command& c : state.commands)
-    if (c.live) total += c.kind == commandKind::boxes ? 4 * c.count : (c.kind == commandKind::vertices ? c.count : 0);
+    if (c.live && c.kind != commandKind::clear) total += c.kind == commandKind::vertices ? c.count : 4 * c.count;
   growTo(state.upload, static_cast<std::size_t>(total));
   int at = 0;
   for (command& c : state.commands) {
@@ -377,6 +393,23 @@ int buildUpload() {
     if (c.kind == commandKind::vertices) {
       std::copy(state.vertices.data() + c.first, state.vertices.data() + c.first + c.count, v);
       at += c.count;
+      continue;
+    }
+    if (c.kind == commandKind::glyphs) {
+      for (int g = 0; g < c.count; ++g, v += 4) {
+        const glyphRecord& r = state.glyphs[c.first + g];
+        const float xs[4] = {r.x1, r.x2, r.x2, r.x1}, ys[4] = {r.y1, r.y1, r.y2, r.y2};
+        const float us[4] = {r.u1, r.u2, r.u2, r.u1}, vs[4] = {r.v1, r.v1, r.v2, r.v2};
+        for (int corner = 0; corner < 4; ++corner) {
+          v[corner] = vertex{};
+          v[corner].x = xs[corner];
+          v[corner].y = ys[corner];
+          v[corner].u = us[corner];
+          v[corner].v = vs[corner];
+          setColour(v[corner], r.colour);
+        }
+      }
+      at += 4 * c.count;
       continue;
     }
     for (int b = 0; b < c.count; ++b, v += 4) {
@@ -419,8 +452,8 @@ void flush() {
       continue;
     }
     applyCommand(c);
-    if (c.key.kind == primitive::quads || c.kind == commandKind::boxes) {
-      const int quads = c.kind == commandKind::boxes ? c.count : c.count / 4;
+    if (c.key.kind == primitive::quads || c.kind == commandKind::boxes || c.kind == commandKind::glyphs) {
+      const int quads = c.kind == commandKind::vertices ? c.count / 4 : c.count;
       glDrawElementsBaseVertex(GL_TRIANGLES, quads * 6, GL_UNSIGNED_INT, nullptr, c.uploadFirst);
     } else {
       glDrawArrays(c.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, c.uploadFirst, c.count);
@@ -430,6 +463,7 @@ void flush() {
   state.commands.clear();
   state.vertexCount = 0;
   state.boxCount = 0;
+  state.glyphCount = 0;
   stateChanged();
   bindTarget();
 }
