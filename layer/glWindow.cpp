@@ -374,6 +374,12 @@ const image* drawMenuCanvas() {
 
 }  // namespace
 
+namespace {
+long long framesShown = 0;  // swaps of the window since start
+}  // namespace
+
+long long presentedFrames() { return framesShown; }
+
 int present() {
   coreState& s = core();
   // Without a window nobody sees the back buffer: its pending frame stays
@@ -397,6 +403,7 @@ int present() {
   glBlitFramebuffer(0, 0, s.width, canvasHeight, wx(0), wy(0), wx(s.width), wy(canvasHeight), GL_COLOR_BUFFER_BIT,
                     GL_LINEAR);
   SDL_GL_SwapWindow(win.window);
+  ++framesShown;
   bindTarget();
   return 0;
 }

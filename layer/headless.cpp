@@ -224,6 +224,7 @@ int clearDrawTarget() {
   return 0;
 }
 int present() { return 0; }
+long long presentedFrames() { return 0; }
 int setBlend(int, int) { return 0; }
 
 // ---------------------------------------------------------------- images

@@ -170,6 +170,7 @@ int clearDroppedFiles();                      // forgets waiting paths
 int setDrawTarget(int handle);       // backBuffer or an off-screen image
 int clearDrawTarget();               // background colour, depth cleared
 int present();                       // shows the back buffer
+long long presentedFrames();         // frames shown in the window since start
 int setBlend(int mode, int amount);  // 0 none, 1 alpha with amount 0..255
 
 // ---------------------------------------------------------------- images
