@@ -268,6 +268,7 @@ bool startRenderer(int width, int height) {
   state.vertexCount = 0;
   state.boxCount = 0;
   state.glyphCount = 0;
+  state.lineCount = 0;
   state.commands.clear();
   state.ready = true;
   resizeBackBuffer(width, height);
@@ -319,18 +320,33 @@ vertex* reserve(const batchKey& k, int n) {
   return at;
 }
 
-glyphRecord* reserveGlyphs(const batchKey& k, int n) {
-  if (!state.ready || n <= 0 || n > maxBoxesPerCommand) return nullptr;
-  if (state.glyphCount + n > pendingBoxLimit) flush();
+namespace {
+
+// Room for n records of one kind in their own list, joined to the last
+// command when it is of that kind, key and state.
+template <class T>
+T* reserveRecords(commandKind kind, std::vector<T>& list, int& used, const batchKey& k, int n, int perCommand) {
+  if (!state.ready || n <= 0 || n > perCommand) return nullptr;
+  if (used + n > pendingBoxLimit) flush();
   command* last = state.commands.empty() ? nullptr : &state.commands.back();
-  const bool joins = last != nullptr && last->kind == commandKind::glyphs && last->live &&
-                     last->serial == state.serial && last->count + n <= maxBoxesPerCommand && last->key == k;
-  if (!joins) last = &startCommand(commandKind::glyphs, k, state.glyphCount);
-  growTo(state.glyphs, static_cast<std::size_t>(state.glyphCount) + n);
-  glyphRecord* at = state.glyphs.data() + state.glyphCount;
-  state.glyphCount += n;
+  const bool joins = last != nullptr && last->kind == kind && last->live && last->serial == state.serial &&
+                     last->count + n <= perCommand && last->key == k;
+  if (!joins) last = &startCommand(kind, k, used);
+  growTo(list, static_cast<std::size_t>(used) + n);
+  T* at = list.data() + used;
+  used += n;
   last->count += n;
   return at;
+}
+
+}  // namespace
+
+glyphRecord* reserveGlyphs(const batchKey& k, int n) {
+  return reserveRecords(commandKind::glyphs, state.glyphs, state.glyphCount, k, n, maxBoxesPerCommand);
+}
+
+lineRecord* reserveLines(const batchKey& k, int n) {
+  return reserveRecords(commandKind::lines, state.lines, state.lineCount, k, n, batchCapacity / lineRecordVertices);
 }
 
 void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour) {
@@ -369,6 +385,7 @@ void recordClear() {
     state.vertexCount = 0;
     state.boxCount = 0;
     state.glyphCount = 0;
+    state.lineCount = 0;
   }
   command& c = startCommand(commandKind::clear, batchKey{}, 0);
   std::copy(state.background, state.background + 4, c.background);
@@ -379,11 +396,21 @@ void recordClear() {
 
 namespace {
 
-// The vertices of the live commands, boxes expanded, in one upload.
+// Vertices a command draws once its records are expanded.
+int verticesOf(const command& c) {
+  switch (c.kind) {
+    case commandKind::vertices: return c.count;
+    case commandKind::lines: return lineRecordVertices * c.count;
+    case commandKind::clear: return 0;
+    default: return 4 * c.count;
+  }
+}
+
+// The vertices of the live commands, records expanded, in one upload.
 int buildUpload() {
   int total = 0;
   for (const command& c : state.commands)
-    if (c.live && c.kind != commandKind::clear) total += c.kind == commandKind::vertices ? c.count : 4 * c.count;
+    if (c.live && c.kind != commandKind::clear) total += verticesOf(c);
   growTo(state.upload, static_cast<std::size_t>(total));
   int at = 0;
   for (command& c : state.commands) {
@@ -393,6 +420,11 @@ int buildUpload() {
     if (c.kind == commandKind::vertices) {
       std::copy(state.vertices.data() + c.first, state.vertices.data() + c.first + c.count, v);
       at += c.count;
+      continue;
+    }
+    if (c.kind == commandKind::lines) {
+      for (int l = 0; l < c.count; ++l, v += lineRecordVertices) writeLineRecord(v, state.lines[c.first + l]);
+      at += lineRecordVertices * c.count;
       continue;
     }
     if (c.kind == commandKind::glyphs) {
@@ -452,8 +484,8 @@ void flush() {
       continue;
     }
     applyCommand(c);
-    if (c.key.kind == primitive::quads || c.kind == commandKind::boxes || c.kind == commandKind::glyphs) {
-      const int quads = c.kind == commandKind::vertices ? c.count / 4 : c.count;
+    if (c.key.kind == primitive::quads || c.kind != commandKind::vertices) {
+      const int quads = verticesOf(c) / 4;
       glDrawElementsBaseVertex(GL_TRIANGLES, quads * 6, GL_UNSIGNED_INT, nullptr, c.uploadFirst);
     } else {
       glDrawArrays(c.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, c.uploadFirst, c.count);
@@ -464,6 +496,7 @@ void flush() {
   state.vertexCount = 0;
   state.boxCount = 0;
   state.glyphCount = 0;
+  state.lineCount = 0;
   stateChanged();
   bindTarget();
 }

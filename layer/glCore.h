@@ -94,7 +94,17 @@ struct glyphRecord {
   std::uint32_t colour = 0;
 };
 
-enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3 };
+// A smoothed segment as recorded: ends [px], width [px] and packed colour;
+// three quads (core and two fading fringes) when rasterised.
+struct lineRecord {
+  float x1 = 0.0f, y1 = 0.0f, x2 = 0.0f, y2 = 0.0f;
+  float width = 1.0f;
+  std::uint32_t colour = 0;
+};
+
+constexpr int lineRecordVertices = 12;  // vertices of a rasterised line record
+
+enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, lines = 4 };
 
 constexpr int maxBoxesPerCommand = 49152;  // boxes of one draw call: 196608 vertices
 
@@ -136,6 +146,8 @@ struct coreState {
   int boxCount = 0;                                 // of them in use
   std::vector<glyphRecord> glyphs;                  // pending glyph records; grows, never shrinks
   int glyphCount = 0;                               // of them in use
+  std::vector<lineRecord> lines;                    // pending line records; grows, never shrinks
+  int lineCount = 0;                                // of them in use
   std::vector<vertex> upload;                       // vertices of one rasterisation
   int bufferCapacity = 0;                           // vertices the GL buffer holds
   unsigned serial = 1;                              // bumped by every change of drawing state
@@ -158,6 +170,10 @@ vertex* reserve(const batchKey& k, int n);
 // Makes room for n glyph records drawn with key k (a quads key) and returns
 // where to write them (valid until the next reserve); null as reserve.
 glyphRecord* reserveGlyphs(const batchKey& k, int n);
+// The same for line records.
+lineRecord* reserveLines(const batchKey& k, int n);
+// The lineRecordVertices vertices of a line record (glShapes2d.cpp).
+void writeLineRecord(vertex* v, const lineRecord& r);
 // Records one filled box in the current 2D state (inline below: a frame
 // records one per mesh cell).
 inline void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour);

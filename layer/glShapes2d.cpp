@@ -9,6 +9,7 @@
 // edges fade out over one pixel (vertex alpha), so that the covered area is
 // the same and a box on whole pixels keeps hard edges.
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "layer/glCore.h"
@@ -79,6 +80,16 @@ void writeSegment(vertex* v, point a, point b, float width, std::uint32_t c, boo
     band(v + 8, -core, -core - 1.0f, 255, 0);
   }
 }
+
+}  // namespace
+
+namespace gl {
+void writeLineRecord(vertex* v, const lineRecord& r) {
+  writeSegment(v, {r.x1, r.y1}, {r.x2, r.y2}, r.width, r.colour, true);
+}
+}  // namespace gl
+
+namespace {
 
 void thickSegment(point a, point b, float width, std::uint32_t c, bool smooth = false) {
   if (!segmentDrawn(a, b, width)) return;
@@ -245,12 +256,13 @@ int drawLine(int x1, int y1, int x2, int y2, std::uint32_t c, int thickness) {
 }
 
 int drawLineF(float x1, float y1, float x2, float y2, std::uint32_t c, float thickness) {
-  thickSegment({x1, y1}, {x2, y2}, std::max(thickness, 1.0f), c, true);
-  return 0;
+  return drawLinesF(std::array<float, 4>{x1, y1, x2, y2}.data(), 1, c, thickness);
 }
 
 int drawLinesF(const float* xy, int n, std::uint32_t c, float thickness) {
   if (xy == nullptr) return -1;
+  // Smoothed segments are recorded as line records, 24 bytes each, and only
+  // become their twelve vertices when the frame is rasterised.
   const float w = std::max(thickness, 1.0f);
   const batchKey k = key2d(primitive::quads);
   constexpr int chunk = 8192;  // segments of one reservation
@@ -260,13 +272,11 @@ int drawLinesF(const float* xy, int n, std::uint32_t c, float thickness) {
     for (int m = first; m < last; ++m)
       drawn += segmentDrawn({xy[4 * m], xy[4 * m + 1]}, {xy[4 * m + 2], xy[4 * m + 3]}, w);
     if (drawn == 0) continue;
-    vertex* v = reserve(k, 12 * drawn);
-    if (v == nullptr) return 0;
+    lineRecord* r = reserveLines(k, drawn);
+    if (r == nullptr) return 0;
     for (int m = first; m < last; ++m) {
-      const point a{xy[4 * m], xy[4 * m + 1]}, b{xy[4 * m + 2], xy[4 * m + 3]};
-      if (!segmentDrawn(a, b, w)) continue;
-      writeSegment(v, a, b, w, c, true);
-      v += 12;
+      const float* e = xy + 4 * m;
+      if (segmentDrawn({e[0], e[1]}, {e[2], e[3]}, w)) *r++ = lineRecord{e[0], e[1], e[2], e[3], w, c};
     }
   }
   return 0;
