@@ -13,7 +13,8 @@
 #
 #   bench/windowRun.sh [BUILD_DIR=build/release] [CYLINDER_STEPS=12000] [CAVITY_SECONDS=25]
 #
-# Work folders and logs stay in BUILD_DIR/window-run/.
+# Work folders, logs and a screenshot of each run (NAME-run.xwd, three
+# seconds in) stay in BUILD_DIR/window-run/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -93,16 +94,17 @@ runCase() {
   sleep 2
   echo "== marvanesse in a window, $name (load $(load))"
   key Return
+  sleep 3
+  xwd -id "$(window)" -silent > "$out/$name-run.xwd" 2>/dev/null || true
   if [ "$seconds" = 0 ]; then
     for _ in $(seq 1 1200); do grep -q "run pace:" "$out/$name.log" && break; sleep 1; done
   else
-    sleep "$seconds"
+    sleep $((seconds > 3 ? seconds - 3 : 0))
     key Escape
     sleep 0.5
     key q
     for _ in $(seq 1 60); do grep -q "run pace:" "$out/$name.log" && break; sleep 1; done
   fi
-  xwd -id "$(window)" -silent > "$out/$name.xwd" 2>/dev/null || true
   grep "run pace:" "$out/$name.log" || { echo "windowRun: no run pace from $name"; cat "$out/$name.log"; }
   xdotool windowclose "$(window)" 2>/dev/null || kill "$pid"
   sleep 1
