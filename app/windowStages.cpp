@@ -2,7 +2,10 @@
 // anew by the start screen at the head of each pass.
 #include "app/windowStages.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
+
+#include <cstdio>
 
 #include "app/fileChooser.h"
 #include "app/menuCommands.h"
@@ -60,6 +63,43 @@ int placement(appConfig& cfg, passObjects& objects) {
 
 void showMessage(appConfig& cfg, const char* text) { showScreenMessage(cfg, text ? text : ""); }
 
+// The pace of a run, told on the program's output when the run ends: steps
+// per second of the window as it runs, with the frames it presented. Timed
+// from the end of the first cycle, so that start-up is not counted.
+struct runPace {
+  int cycles = 0;                             // cycles of the run loop so far
+  int firstMs = 0, lastMs = 0;                // clock at the end of the first and the last cycle [ms]
+  double firstCpu = 0.0, lastCpu = 0.0;       // process CPU time at the same moments [s]
+  long long firstFrames = 0, lastFrames = 0;  // frames presented at the same moments
+};
+runPace pace;
+
+double processCpuSeconds() {
+  rusage use{};
+  getrusage(RUSAGE_SELF, &use);
+  return static_cast<double>(use.ru_utime.tv_sec + use.ru_stime.tv_sec) +
+         static_cast<double>(use.ru_utime.tv_usec + use.ru_stime.tv_usec) * 1e-6;
+}
+
+void runStep(appConfig& cfg, bool final) {
+  (void)cfg;
+  if (!final) {
+    runPace& p = pace;
+    p.lastMs = nowMs(), p.lastCpu = processCpuSeconds(), p.lastFrames = presentedFrames();
+    if (p.cycles++ == 0) p.firstMs = p.lastMs, p.firstCpu = p.lastCpu, p.firstFrames = p.lastFrames;
+    return;
+  }
+  const int steps = pace.cycles - 1;
+  const double seconds = (pace.lastMs - pace.firstMs) / 1000.0, cpu = pace.lastCpu - pace.firstCpu;
+  const long long frames = pace.lastFrames - pace.firstFrames;
+  if (steps > 0 && seconds > 0.0) {
+    std::printf("run pace: %d steps in %.2f s, %.1f steps/s, process CPU %.2f s; %lld frames presented, %.1f/s\n",
+                steps, seconds, steps / seconds, cpu, frames, static_cast<double>(frames) / seconds);
+    std::fflush(stdout);
+  }
+  pace = runPace{};
+}
+
 }  // namespace
 
 int menuFileDialog(const fileDialogRequest& request, std::string& path) {
@@ -78,7 +118,8 @@ passStages windowStages() {
           .bitmapStage = runBitmapStage,
           .bitmapPreview = preview,
           .placementStage = placement,
-          .showMessage = showMessage};
+          .showMessage = showMessage,
+          .runStep = runStep};
 }
 
 }  // namespace marv

@@ -90,7 +90,7 @@ void main() {
 }
 )";
 
-coreState state;
+coreState& state = coreInstance;
 
 unsigned compileShader(GLenum kind, const char* source) {
   const GLuint s = glCreateShader(kind);
@@ -200,7 +200,7 @@ void growTo(std::vector<T>& v, std::size_t n) {
 
 }  // namespace
 
-coreState& core() { return state; }
+coreState coreInstance;
 
 bool operator==(const batchKey& a, const batchKey& b) {
   return a.kind == b.kind && a.texture == b.texture && a.textureAlpha == b.textureAlpha && a.glyphs == b.glyphs &&
@@ -267,6 +267,8 @@ bool startRenderer(int width, int height) {
   state.vertices.assign(batchCapacity, vertex{});
   state.vertexCount = 0;
   state.boxCount = 0;
+  state.glyphCount = 0;
+  state.lineCount = 0;
   state.commands.clear();
   state.ready = true;
   resizeBackBuffer(width, height);
@@ -318,6 +320,35 @@ vertex* reserve(const batchKey& k, int n) {
   return at;
 }
 
+namespace {
+
+// Room for n records of one kind in their own list, joined to the last
+// command when it is of that kind, key and state.
+template <class T>
+T* reserveRecords(commandKind kind, std::vector<T>& list, int& used, const batchKey& k, int n, int perCommand) {
+  if (!state.ready || n <= 0 || n > perCommand) return nullptr;
+  if (used + n > pendingBoxLimit) flush();
+  command* last = state.commands.empty() ? nullptr : &state.commands.back();
+  const bool joins = last != nullptr && last->kind == kind && last->live && last->serial == state.serial &&
+                     last->count + n <= perCommand && last->key == k;
+  if (!joins) last = &startCommand(kind, k, used);
+  growTo(list, static_cast<std::size_t>(used) + n);
+  T* at = list.data() + used;
+  used += n;
+  last->count += n;
+  return at;
+}
+
+}  // namespace
+
+glyphRecord* reserveGlyphs(const batchKey& k, int n) {
+  return reserveRecords(commandKind::glyphs, state.glyphs, state.glyphCount, k, n, maxBoxesPerCommand);
+}
+
+lineRecord* reserveLines(const batchKey& k, int n) {
+  return reserveRecords(commandKind::lines, state.lines, state.lineCount, k, n, batchCapacity / lineRecordVertices);
+}
+
 void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour) {
   if (!state.ready) return;
   if (state.boxCount >= pendingBoxLimit) flush();
@@ -353,6 +384,8 @@ void recordClear() {
     state.commands.clear();
     state.vertexCount = 0;
     state.boxCount = 0;
+    state.glyphCount = 0;
+    state.lineCount = 0;
   }
   command& c = startCommand(commandKind::clear, batchKey{}, 0);
   std::copy(state.background, state.background + 4, c.background);
@@ -363,11 +396,21 @@ void recordClear() {
 
 namespace {
 
-// The vertices of the live commands, boxes expanded, in one upload.
+// Vertices a command draws once its records are expanded.
+int verticesOf(const command& c) {
+  switch (c.kind) {
+    case commandKind::vertices: return c.count;
+    case commandKind::lines: return lineRecordVertices * c.count;
+    case commandKind::clear: return 0;
+    default: return 4 * c.count;
+  }
+}
+
+// The vertices of the live commands, records expanded, in one upload.
 int buildUpload() {
   int total = 0;
   for (const command& c : state.commands)
-    if (c.live) total += c.kind == commandKind::boxes ? 4 * c.count : (c.kind == commandKind::vertices ? c.count : 0);
+    if (c.live && c.kind != commandKind::clear) total += verticesOf(c);
   growTo(state.upload, static_cast<std::size_t>(total));
   int at = 0;
   for (command& c : state.commands) {
@@ -377,6 +420,28 @@ int buildUpload() {
     if (c.kind == commandKind::vertices) {
       std::copy(state.vertices.data() + c.first, state.vertices.data() + c.first + c.count, v);
       at += c.count;
+      continue;
+    }
+    if (c.kind == commandKind::lines) {
+      for (int l = 0; l < c.count; ++l, v += lineRecordVertices) writeLineRecord(v, state.lines[c.first + l]);
+      at += lineRecordVertices * c.count;
+      continue;
+    }
+    if (c.kind == commandKind::glyphs) {
+      for (int g = 0; g < c.count; ++g, v += 4) {
+        const glyphRecord& r = state.glyphs[c.first + g];
+        const float xs[4] = {r.x1, r.x2, r.x2, r.x1}, ys[4] = {r.y1, r.y1, r.y2, r.y2};
+        const float us[4] = {r.u1, r.u2, r.u2, r.u1}, vs[4] = {r.v1, r.v1, r.v2, r.v2};
+        for (int corner = 0; corner < 4; ++corner) {
+          v[corner] = vertex{};
+          v[corner].x = xs[corner];
+          v[corner].y = ys[corner];
+          v[corner].u = us[corner];
+          v[corner].v = vs[corner];
+          setColour(v[corner], r.colour);
+        }
+      }
+      at += 4 * c.count;
       continue;
     }
     for (int b = 0; b < c.count; ++b, v += 4) {
@@ -419,8 +484,8 @@ void flush() {
       continue;
     }
     applyCommand(c);
-    if (c.key.kind == primitive::quads || c.kind == commandKind::boxes) {
-      const int quads = c.kind == commandKind::boxes ? c.count : c.count / 4;
+    if (c.key.kind == primitive::quads || c.kind != commandKind::vertices) {
+      const int quads = verticesOf(c) / 4;
       glDrawElementsBaseVertex(GL_TRIANGLES, quads * 6, GL_UNSIGNED_INT, nullptr, c.uploadFirst);
     } else {
       glDrawArrays(c.key.kind == primitive::lines ? GL_LINES : GL_TRIANGLES, c.uploadFirst, c.count);
@@ -430,6 +495,8 @@ void flush() {
   state.commands.clear();
   state.vertexCount = 0;
   state.boxCount = 0;
+  state.glyphCount = 0;
+  state.lineCount = 0;
   stateChanged();
   bindTarget();
 }

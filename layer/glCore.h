@@ -86,7 +86,25 @@ struct drawUniforms {
   vec3 eye;          // camera position, for the highlight
 };
 
-enum class commandKind : int { clear = 0, vertices = 1, boxes = 2 };
+// A textured axis-aligned quad as recorded, a glyph of a text: corners
+// [px], texture corners [-] and packed colour.
+struct glyphRecord {
+  float x1 = 0.0f, y1 = 0.0f, x2 = 0.0f, y2 = 0.0f;
+  float u1 = 0.0f, v1 = 0.0f, u2 = 0.0f, v2 = 0.0f;
+  std::uint32_t colour = 0;
+};
+
+// A smoothed segment as recorded: ends [px], width [px] and packed colour;
+// three quads (core and two fading fringes) when rasterised.
+struct lineRecord {
+  float x1 = 0.0f, y1 = 0.0f, x2 = 0.0f, y2 = 0.0f;
+  float width = 1.0f;
+  std::uint32_t colour = 0;
+};
+
+constexpr int lineRecordVertices = 12;  // vertices of a rasterised line record
+
+enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, lines = 4 };
 
 constexpr int maxBoxesPerCommand = 49152;  // boxes of one draw call: 196608 vertices
 
@@ -126,6 +144,10 @@ struct coreState {
   int vertexCount = 0;                              // of them in use
   std::vector<boxRecord> boxes;                     // pending box records; grows, never shrinks
   int boxCount = 0;                                 // of them in use
+  std::vector<glyphRecord> glyphs;                  // pending glyph records; grows, never shrinks
+  int glyphCount = 0;                               // of them in use
+  std::vector<lineRecord> lines;                    // pending line records; grows, never shrinks
+  int lineCount = 0;                                // of them in use
   std::vector<vertex> upload;                       // vertices of one rasterisation
   int bufferCapacity = 0;                           // vertices the GL buffer holds
   unsigned serial = 1;                              // bumped by every change of drawing state
@@ -133,7 +155,9 @@ struct coreState {
   int uniforms[16] = {};                            // uniform locations, see glBatch.cpp
 };
 
-coreState& core();
+// Inline: the recording of a box or a glyph asks for it every time.
+extern coreState coreInstance;
+inline coreState& core() { return coreInstance; }
 
 // Renderer life: after a context is current / before it goes.
 bool startRenderer(int width, int height);
@@ -143,6 +167,13 @@ void stopRenderer();
 // returns where to write them (valid until the next reserve). Null when there
 // is no renderer: the caller draws nothing.
 vertex* reserve(const batchKey& k, int n);
+// Makes room for n glyph records drawn with key k (a quads key) and returns
+// where to write them (valid until the next reserve); null as reserve.
+glyphRecord* reserveGlyphs(const batchKey& k, int n);
+// The same for line records.
+lineRecord* reserveLines(const batchKey& k, int n);
+// The lineRecordVertices vertices of a line record (glShapes2d.cpp).
+void writeLineRecord(vertex* v, const lineRecord& r);
 // Records one filled box in the current 2D state (inline below: a frame
 // records one per mesh cell).
 inline void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour);
@@ -178,6 +209,10 @@ void freeImageObjects(image& img);
 // stands for the default font. Vertical text stands upright, one character
 // below the other, each a line height lower.
 int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical = false);
+// The same, first in edgeColour (when not null) one pixel off in each of the
+// eight directions, the glyphs laid out once for all copies.
+int drawTextRunEdged(int x, int y, const char* text, std::uint32_t colour, const std::uint32_t* edgeColour, int font,
+                     int clip[4], bool vertical);
 int textWidthOf(int font, const char* text);  // [px]
 int textHeightOf(int font);                   // line height [px]
 void stopFonts();

@@ -9,6 +9,7 @@
 // edges fade out over one pixel (vertex alpha), so that the covered area is
 // the same and a box on whole pixels keeps hard edges.
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "layer/glCore.h"
@@ -54,15 +55,17 @@ void triangle(point a, point b, point p, std::uint32_t c) {
 // A segment as a quad of the given width centred on it. Smoothed, the solid
 // core is one pixel narrower and a one-pixel fringe on each side fades to
 // transparent, so that the covered area stays the same.
-void thickSegment(point a, point b, float width, std::uint32_t c, bool smooth = false) {
+bool segmentDrawn(point a, point b, float width) {
+  const float dx = b.x - a.x, dy = b.y - a.y;
+  return std::sqrt(dx * dx + dy * dy) > 1e-6f && width > 0.0f;
+}
+
+// The quads of a segment that segmentDrawn accepts: 4 vertices, 12 smoothed.
+void writeSegment(vertex* v, point a, point b, float width, std::uint32_t c, bool smooth) {
   const float dx = b.x - a.x, dy = b.y - a.y;
   const float length = std::sqrt(dx * dx + dy * dy);
-  if (!(length > 1e-6f) || !(width > 0.0f)) return;
   const float ux = -dy / length, uy = dx / length;  // unit normal
   const float core = smooth ? std::max(0.5f * width - 0.5f, 0.0f) : 0.5f * width;
-  const int bands = smooth ? 3 : 1;
-  vertex* v = reserve(key2d(primitive::quads), 4 * bands);
-  if (v == nullptr) return;
   auto band = [&](vertex* q, float from, float to, std::uint8_t alphaFrom, std::uint8_t alphaTo) {
     put(q[0], a.x + ux * from, a.y + uy * from, c);
     put(q[1], b.x + ux * from, b.y + uy * from, c);
@@ -76,6 +79,22 @@ void thickSegment(point a, point b, float width, std::uint32_t c, bool smooth = 
     band(v + 4, core, core + 1.0f, 255, 0);
     band(v + 8, -core, -core - 1.0f, 255, 0);
   }
+}
+
+}  // namespace
+
+namespace gl {
+void writeLineRecord(vertex* v, const lineRecord& r) {
+  writeSegment(v, {r.x1, r.y1}, {r.x2, r.y2}, r.width, r.colour, true);
+}
+}  // namespace gl
+
+namespace {
+
+void thickSegment(point a, point b, float width, std::uint32_t c, bool smooth = false) {
+  if (!segmentDrawn(a, b, width)) return;
+  vertex* v = reserve(key2d(primitive::quads), smooth ? 12 : 4);
+  if (v != nullptr) writeSegment(v, a, b, width, c, smooth);
 }
 
 // The outline of a convex polygon (either winding) moved outward by d along
@@ -190,6 +209,27 @@ int drawBox(int x1, int y1, int x2, int y2, std::uint32_t c, int fill) {
   return 0;
 }
 
+int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t* colours, int n) {
+  if (y2 < y1) std::swap(y1, y2);
+  if (y1 == y2 || n <= 0) return 0;
+  // Without blending a run of one colour over pixels that follow on covers
+  // exactly what its boxes cover one by one: it is recorded as one box. With
+  // blending the overlaps would be blended twice, so every box stays.
+  const bool merge = core().blendMode != 1;
+  const float t = float(y1), b = float(y2);
+  int i = 0;
+  while (i < n) {
+    int l = x1[i], r = x2[i];
+    const std::uint32_t c = colours[i];
+    ++i;
+    if (r < l) std::swap(l, r);
+    if (l == r) continue;
+    while (merge && i < n && colours[i] == c && x1[i] >= l && x1[i] <= r && x2[i] >= r) r = x2[i++];
+    recordBox(float(l), t, float(r), b, c);
+  }
+  return 0;
+}
+
 int drawBoxF(float x1, float y1, float x2, float y2, std::uint32_t c, int fill, float thickness) {
   if (x2 < x1) std::swap(x1, x2);
   if (y2 < y1) std::swap(y1, y2);
@@ -216,7 +256,29 @@ int drawLine(int x1, int y1, int x2, int y2, std::uint32_t c, int thickness) {
 }
 
 int drawLineF(float x1, float y1, float x2, float y2, std::uint32_t c, float thickness) {
-  thickSegment({x1, y1}, {x2, y2}, std::max(thickness, 1.0f), c, true);
+  return drawLinesF(std::array<float, 4>{x1, y1, x2, y2}.data(), 1, c, thickness);
+}
+
+int drawLinesF(const float* xy, int n, std::uint32_t c, float thickness) {
+  if (xy == nullptr) return -1;
+  // Smoothed segments are recorded as line records, 24 bytes each, and only
+  // become their twelve vertices when the frame is rasterised.
+  const float w = std::max(thickness, 1.0f);
+  const batchKey k = key2d(primitive::quads);
+  constexpr int chunk = 8192;  // segments of one reservation
+  for (int first = 0; first < n; first += chunk) {
+    const int last = std::min(n, first + chunk);
+    int drawn = 0;
+    for (int m = first; m < last; ++m)
+      drawn += segmentDrawn({xy[4 * m], xy[4 * m + 1]}, {xy[4 * m + 2], xy[4 * m + 3]}, w);
+    if (drawn == 0) continue;
+    lineRecord* r = reserveLines(k, drawn);
+    if (r == nullptr) return 0;
+    for (int m = first; m < last; ++m) {
+      const float* e = xy + 4 * m;
+      if (segmentDrawn({e[0], e[1]}, {e[2], e[3]}, w)) *r++ = lineRecord{e[0], e[1], e[2], e[3], w, c};
+    }
+  }
   return 0;
 }
 

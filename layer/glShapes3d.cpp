@@ -277,35 +277,42 @@ int drawIndexedPolygons3d(const vertex3d* vertices, int vertexCount, const std::
     k.texture = img->texture;
     k.textureAlpha = transparent != 0;
   }
-  for (int t = 0; t < triangleCount; ++t) {
-    int at[3];
-    bool valid = true;
-    for (int c = 0; c < 3; ++c) {
-      at[c] = indices ? indices[3 * t + c] : 3 * t + c;
-      valid = valid && at[c] < vertexCount;
-    }
-    if (!valid) continue;
-    vertex* v = reserve(k, 3);
+  auto corner = [&](int t, int c) { return indices ? static_cast<int>(indices[3 * t + c]) : 3 * t + c; };
+  auto valid = [&](int t) {
+    return corner(t, 0) < vertexCount && corner(t, 1) < vertexCount && corner(t, 2) < vertexCount;
+  };
+  // The triangles go in blocks, one reservation each: a surface is drawn
+  // every frame and holds thousands of them.
+  constexpr int block = 16384;  // triangles looked at per reservation
+  for (int first = 0; first < triangleCount; first += block) {
+    const int last = std::min(triangleCount, first + block);
+    int kept = 0;
+    for (int t = first; t < last; ++t) kept += valid(t);
+    if (kept == 0) continue;
+    vertex* v = reserve(k, 3 * kept);
     if (v == nullptr) return 0;
-    for (int c = 0; c < 3; ++c) {
-      const vertex3d& s = vertices[at[c]];
-      vertex& d = v[c];
-      d.x = s.position.x;
-      d.y = s.position.y;
-      d.z = s.position.z;
-      d.nx = s.normal.x;
-      d.ny = s.normal.y;
-      d.nz = s.normal.z;
-      d.r = s.diffuse.r;
-      d.g = s.diffuse.g;
-      d.b = s.diffuse.b;
-      d.a = s.diffuse.a;
-      d.sr = s.specular.r;
-      d.sg = s.specular.g;
-      d.sb = s.specular.b;
-      d.sa = s.specular.a;
-      d.u = s.u;
-      d.v = s.v;
+    for (int t = first; t < last; ++t) {
+      if (!valid(t)) continue;
+      for (int c = 0; c < 3; ++c, ++v) {
+        const vertex3d& s = vertices[corner(t, c)];
+        vertex& d = *v;
+        d.x = s.position.x;
+        d.y = s.position.y;
+        d.z = s.position.z;
+        d.nx = s.normal.x;
+        d.ny = s.normal.y;
+        d.nz = s.normal.z;
+        d.r = s.diffuse.r;
+        d.g = s.diffuse.g;
+        d.b = s.diffuse.b;
+        d.a = s.diffuse.a;
+        d.sr = s.specular.r;
+        d.sg = s.specular.g;
+        d.sb = s.specular.b;
+        d.sa = s.specular.a;
+        d.u = s.u;
+        d.v = s.v;
+      }
     }
   }
   return 0;

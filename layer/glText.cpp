@@ -3,6 +3,7 @@
 // it. Widths and line heights come from the shared fonts alone, so they are
 // the same headless.
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -29,8 +30,20 @@ struct glyph {
 struct atlas {
   unsigned texture = 0;                             // GL texture of coverage in red
   std::unordered_map<std::uint32_t, glyph> glyphs;  // by code point
+  std::array<const glyph*, 128> ascii{};            // the same for code points below 128, null until made
   int penX = 0, penY = 0, rowHeight = 0;            // free place [px]
+  unsigned emptied = 0;                             // times the atlas was emptied to make room
 };
+
+// A glyph of a run laid out: its quad relative to the run's place and its
+// place in the atlas.
+struct placedGlyph {
+  float x0 = 0.0f, y0 = 0.0f, x1 = 0.0f, y1 = 0.0f;  // [px]
+  float u0 = 0.0f, v0 = 0.0f, u1 = 0.0f, v1 = 0.0f;  // [-]
+};
+
+// The glyphs of the run being drawn; grows, never shrinks.
+std::vector<placedGlyph> placed;
 
 // Atlases by the serial of their font.
 std::unordered_map<long, atlas> atlases;
@@ -61,12 +74,19 @@ atlas& atlasOf(const fonts::fontEntry& f) {
 
 // The glyph with its bitmap in the atlas; an empty glyph when it cannot be
 // made. A full atlas is emptied and filled again from the next glyph on.
+const glyph* remember(atlas& a, std::uint32_t cp, const glyph& g) {
+  const glyph* kept = &(a.glyphs[cp] = g);  // map nodes stay where they are until cleared
+  if (cp < a.ascii.size()) a.ascii[cp] = kept;
+  return kept;
+}
+
 const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
+  if (cp < a.ascii.size() && a.ascii[cp] != nullptr) return a.ascii[cp];
   const auto found = a.glyphs.find(cp);
   if (found != a.glyphs.end()) return &found->second;
   glyph g;
   FT_Face face = fonts::loadGlyph(f, cp, true);
-  if (face == nullptr) return &(a.glyphs[cp] = g);
+  if (face == nullptr) return remember(a, cp, g);
   const FT_Bitmap& bm = face->glyph->bitmap;
   g.advance = static_cast<int>((face->glyph->advance.x + 32) >> 6);
   g.left = face->glyph->bitmap_left;
@@ -82,6 +102,8 @@ const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
     if (a.penY + g.h + 1 > atlasSide) {
       flush();  // the batch may use glyphs that are about to go
       a.glyphs.clear();
+      a.ascii.fill(nullptr);
+      ++a.emptied;
       a.penX = a.penY = a.rowHeight = 0;
     }
     g.x = a.penX;
@@ -103,7 +125,52 @@ const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
   } else {
     g.w = g.h = 0;
   }
-  return &(a.glyphs[cp] = g);
+  return remember(a, cp, g);
+}
+
+// Lays the glyphs of text out relative to the pen at (0, 0) into `placed`
+// and returns their count.
+int layOut(fonts::fontEntry& f, atlas& a, const char* text, bool vertical) {
+  int n = 0;
+  float penX = 0.0f, baseline = static_cast<float>(f.ascent);
+  const float lineHeight = static_cast<float>(f.lineHeight);
+  const float s = 1.0f / static_cast<float>(atlasSide);
+  for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p;) {
+    const std::uint32_t cp = fonts::nextCodePoint(p);
+    if (cp == '\n' || cp == '\r') continue;
+    const glyph* g = glyphOf(f, a, cp);
+    if (g->w > 0) {
+      if (n == static_cast<int>(placed.size())) placed.resize(placed.size() * 2 + 64);
+      placedGlyph& q = placed[n++];
+      // Vertical text centres each character on the column's middle.
+      const float across = vertical ? 0.5f * static_cast<float>(f.size - g->advance) : 0.0f;
+      q.x0 = penX + across + static_cast<float>(g->left), q.y0 = baseline - static_cast<float>(g->top);
+      q.x1 = q.x0 + static_cast<float>(g->w), q.y1 = q.y0 + static_cast<float>(g->h);
+      q.u0 = static_cast<float>(g->x) * s, q.v0 = static_cast<float>(g->y) * s;
+      q.u1 = static_cast<float>(g->x + g->w) * s, q.v1 = static_cast<float>(g->y + g->h) * s;
+    }
+    if (vertical)
+      baseline += lineHeight;
+    else
+      penX += static_cast<float>(g->advance);
+  }
+  return n;
+}
+
+// The laid-out glyphs as glyph records with the pen at (x, y).
+bool emit(const batchKey& k, int n, int x, int y, std::uint32_t colour) {
+  constexpr int chunk = 4096;  // glyphs of one reservation
+  const float fx = static_cast<float>(x), fy = static_cast<float>(y);
+  for (int first = 0; first < n; first += chunk) {
+    const int count = std::min(chunk, n - first);
+    glyphRecord* r = reserveGlyphs(k, count);
+    if (r == nullptr) return false;
+    for (int i = 0; i < count; ++i) {
+      const placedGlyph& q = placed[first + i];
+      r[i] = glyphRecord{fx + q.x0, fy + q.y0, fx + q.x1, fy + q.y1, q.u0, q.v0, q.u1, q.v1, colour};
+    }
+  }
+  return true;
 }
 
 }  // namespace
@@ -111,47 +178,30 @@ const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
 namespace gl {
 
 int drawTextRun(int x, int y, const char* text, std::uint32_t colour, int font, int clip[4], bool vertical) {
+  return drawTextRunEdged(x, y, text, colour, nullptr, font, clip, vertical);
+}
+
+int drawTextRunEdged(int x, int y, const char* text, std::uint32_t colour, const std::uint32_t* edgeColour, int font,
+                     int clip[4], bool vertical) {
   fonts::fontEntry* f = fonts::fontOf(font);
   if (f == nullptr || text == nullptr) return -1;
   if (!core().ready) return 0;
   atlas& a = atlasOf(*f);
-  float penX = static_cast<float>(x);
-  float baseline = static_cast<float>(y + f->ascent);
-  const float lineHeight = static_cast<float>(f->lineHeight);
-  for (const unsigned char* p = reinterpret_cast<const unsigned char*>(text); *p;) {
-    const std::uint32_t cp = fonts::nextCodePoint(p);
-    if (cp == '\n' || cp == '\r') continue;
-    const glyph* g = glyphOf(*f, a, cp);
-    if (g->w > 0) {
-      batchKey k = key2d(primitive::quads);
-      k.texture = a.texture;
-      k.glyphs = true;
-      if (clip) std::copy(clip, clip + 4, k.clip);
-      vertex* v = reserve(k, 4);
-      if (v == nullptr) return 0;
-      // Vertical text centres each character on the column's middle.
-      const float across = vertical ? 0.5f * static_cast<float>(f->size - g->advance) : 0.0f;
-      const float x0 = penX + across + static_cast<float>(g->left), y0 = baseline - static_cast<float>(g->top);
-      const float x1 = x0 + static_cast<float>(g->w), y1 = y0 + static_cast<float>(g->h);
-      const float s = 1.0f / static_cast<float>(atlasSide);
-      const float u0 = static_cast<float>(g->x) * s, v0 = static_cast<float>(g->y) * s;
-      const float u1 = static_cast<float>(g->x + g->w) * s, v1 = static_cast<float>(g->y + g->h) * s;
-      const float xs[4] = {x0, x1, x1, x0}, ys[4] = {y0, y0, y1, y1};
-      const float us[4] = {u0, u1, u1, u0}, vs[4] = {v0, v0, v1, v1};
-      for (int i = 0; i < 4; ++i) {
-        v[i] = vertex{};
-        v[i].x = xs[i];
-        v[i].y = ys[i];
-        v[i].u = us[i];
-        v[i].v = vs[i];
-        setColour(v[i], colour);
-      }
-    }
-    if (vertical)
-      baseline += lineHeight;
-    else
-      penX += static_cast<float>(g->advance);
-  }
+  // A run that fills the atlas empties it on the way and loses the glyphs
+  // laid out before: the second pass finds the atlas with room.
+  const unsigned emptied = a.emptied;
+  int n = layOut(*f, a, text, vertical);
+  if (a.emptied != emptied) n = layOut(*f, a, text, vertical);
+  if (n == 0) return 0;
+  batchKey k = key2d(primitive::quads);
+  k.texture = a.texture;
+  k.glyphs = true;
+  if (clip) std::copy(clip, clip + 4, k.clip);
+  if (edgeColour != nullptr)
+    for (int dy = -1; dy <= 1; ++dy)
+      for (int dx = -1; dx <= 1; ++dx)
+        if ((dx != 0 || dy != 0) && !emit(k, n, x + dx, y + dy, *edgeColour)) return 0;
+  emit(k, n, x, y, colour);
   return 0;
 }
 
@@ -172,13 +222,9 @@ int textWidthOf(int font, const char* text) { return fonts::widthOf(font, text);
 
 int drawText(int x, int y, const char* text, std::uint32_t colour, int font, std::uint32_t edgeColour, int vertical) {
   if (text == nullptr) return -1;
-  if (edgeColour != 0) {
-    // An edge of one pixel: the text in the edge colour around the place.
-    for (int dy = -1; dy <= 1; ++dy)
-      for (int dx = -1; dx <= 1; ++dx)
-        if (dx != 0 || dy != 0) drawTextRun(x + dx, y + dy, text, edgeColour, font, nullptr, vertical != 0);
-  }
-  return drawTextRun(x, y, text, colour, font, nullptr, vertical != 0);
+  // An edge of one pixel: the text in the edge colour around the place,
+  // laid out once for all nine copies.
+  return drawTextRunEdged(x, y, text, colour, edgeColour != 0 ? &edgeColour : nullptr, font, nullptr, vertical != 0);
 }
 
 int drawTextFormat(int x, int y, std::uint32_t colour, int font, const char* format, ...) {

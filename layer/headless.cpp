@@ -224,6 +224,7 @@ int clearDrawTarget() {
   return 0;
 }
 int present() { return 0; }
+long long presentedFrames() { return 0; }
 int setBlend(int, int) { return 0; }
 
 // ---------------------------------------------------------------- images
@@ -313,9 +314,14 @@ int drawBox(int x1, int y1, int x2, int y2, std::uint32_t c, int fill) {
   }
   return 0;
 }
+int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t* colours, int n) {
+  for (int i = 0; i < n; ++i) drawBox(x1[i], y1, x2[i], y2, colours[i], 1);
+  return 0;
+}
 int drawBoxF(float, float, float, float, std::uint32_t, int, float) { return 0; }
 int drawLine(int, int, int, int, std::uint32_t, int) { return 0; }
 int drawLineF(float, float, float, float, std::uint32_t, float) { return 0; }
+int drawLinesF(const float*, int, std::uint32_t, float) { return 0; }
 int drawCircle(int, int, int, std::uint32_t, int, int) { return 0; }
 int drawCircleF(float, float, float, int, std::uint32_t, int, float) { return 0; }
 int drawTriangle(int, int, int, int, int, int, std::uint32_t, int) { return 0; }

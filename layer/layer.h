@@ -170,6 +170,7 @@ int clearDroppedFiles();                      // forgets waiting paths
 int setDrawTarget(int handle);       // backBuffer or an off-screen image
 int clearDrawTarget();               // background colour, depth cleared
 int present();                       // shows the back buffer
+long long presentedFrames();         // frames shown in the window since start
 int setBlend(int mode, int amount);  // 0 none, 1 alpha with amount 0..255
 
 // ---------------------------------------------------------------- images
@@ -205,9 +206,17 @@ int deletePixelImage(int handle);                                         // har
 std::uint32_t colour(int r, int g, int b);                                    // packed colour
 colourRgba makeColourRgba(int r, int g, int b, int a);                        // four-byte vertex colour
 int drawBox(int x1, int y1, int x2, int y2, std::uint32_t colour, int fill);  // covers x1..x2-1
+// A row of n filled boxes from y1 to y2, box i from x1[i] to x2[i] in
+// colours[i], drawn in order: the same pixels as n calls of drawBox with
+// fill on. Neighbours of one colour that touch or overlap may be recorded
+// as one box.
+int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t* colours, int n);
 int drawBoxF(float x1, float y1, float x2, float y2, std::uint32_t colour, int fill, float thickness);
 int drawLine(int x1, int y1, int x2, int y2, std::uint32_t colour, int thickness);
 int drawLineF(float x1, float y1, float x2, float y2, std::uint32_t colour, float thickness);
+// n segments from (xy[4m], xy[4m+1]) to (xy[4m+2], xy[4m+3]): the same as n
+// calls of drawLineF, recorded in one go.
+int drawLinesF(const float* xy, int n, std::uint32_t colour, float thickness);
 int drawCircle(int x, int y, int radius, std::uint32_t colour, int fill, int thickness);
 int drawCircleF(float x, float y, float radius, int segments, std::uint32_t colour, int fill, float thickness);
 int drawTriangle(int x1, int y1, int x2, int y2, int x3, int y3, std::uint32_t colour, int fill);

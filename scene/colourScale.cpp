@@ -1,6 +1,7 @@
 // The colour scale: three linear ramps over 0..765, the lookup and the bar.
 #include "scene/colourScale.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -37,12 +38,23 @@ void drawColourBar(const sceneView& scene, const appConfig& cfg, int barX, int b
   drawLine(barX - 1, barY, barX - 1, barY + h, c.white, 1);
   drawLine(barX + barWidth, barY, barX + barWidth, barY + h, c.white, 1);
   const double last = barWidth > 1 ? barWidth - 1 : 1;
-  for (int x = 0; x < barWidth; ++x) {
-    int index = static_cast<int>(x / last * (numColors - 1));
-    index = index < 0 ? 0 : (index > numColors - 1 ? numColors - 1 : index);
-    // One-pixel columns as boxes: the layer keeps boxes compact.
-    drawBox(barX + x, barY - 1, barX + x + 1, barY + h + 1, c.white, 1);
-    drawBox(barX + x, barY, barX + x + 1, barY + h, scene.colourTable[index], 1);
+  // A white column one pixel taller at each end behind each coloured
+  // column; the columns do not overlap, so all the white goes first as one
+  // box, and the coloured columns follow as rows of one-pixel boxes that
+  // the layer joins where the colour stays the same.
+  if (barWidth > 0) drawBox(barX, barY - 1, barX + barWidth, barY + h + 1, c.white, 1);
+  constexpr int chunk = 256;  // columns of one call
+  int x1[chunk], x2[chunk];
+  std::uint32_t colours[chunk];
+  for (int from = 0; from < barWidth; from += chunk) {
+    const int n = std::min(chunk, barWidth - from);
+    for (int k = 0; k < n; ++k) {
+      const int x = from + k;
+      int index = static_cast<int>(x / last * (numColors - 1));
+      index = index < 0 ? 0 : (index > numColors - 1 ? numColors - 1 : index);
+      x1[k] = barX + x, x2[k] = barX + x + 1, colours[k] = scene.colourTable[index];
+    }
+    drawBoxRow(x1, x2, barY, barY + h, colours, n);
   }
   const double lo = rangeLow(scene, cfg), hi = rangeHigh(scene, cfg);
   const std::uint32_t ink = lo > hi ? c.red : c.black;

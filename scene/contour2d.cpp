@@ -16,6 +16,9 @@ void layOutCells(sceneView& scene, const appConfig& cfg) {
   scene.cellX1.assign(placed ? cx : 0, 0);
   scene.cellY0.assign(placed ? cy : 0, 0);
   scene.cellY1.assign(placed ? cy : 0, 0);
+  scene.rowColours.assign(placed ? cx : 0, 0);
+  scene.rowSlots.assign(placed ? cx : 0, 0);
+  scene.boundaryCellsKnown.fill(false);  // the boxes follow the layout
   if (!placed) return;
   for (int i = 0; i < cx; ++i) {
     scene.cellX0[i] = static_cast<int>(cfg.pixelX[i]);
@@ -27,67 +30,121 @@ void layOutCells(sceneView& scene, const appConfig& cfg) {
   }
 }
 
-void drawContour2d(const sceneView& scene, const appConfig& cfg, const array3d<double>& field) {
+void drawContour2d(sceneView& scene, const appConfig& cfg, const array3d<double>& field) {
   if (cfg.dispQuantFlag == 0) return;
   const int cx = static_cast<int>(scene.cellX0.size()), cy = static_cast<int>(scene.cellY0.size());
   if (field.data != nullptr && field.nx >= cx + 1 && field.ny >= cy + 1) {
     const double lo = rangeLow(scene, cfg), hi = rangeHigh(scene, cfg);
     const int nx = field.nx;
+    if (static_cast<int>(scene.rowColours.size()) != cx) scene.rowColours.assign(cx, 0);
+    if (static_cast<int>(scene.rowSlots.size()) != cx) scene.rowSlots.assign(cx, 0);
+    std::uint32_t* colours = scene.rowColours.data();
+    int* slots = scene.rowSlots.data();
+    const std::uint32_t* table = scene.colourTable.data();
     for (int j = 0; j < cy; ++j) {
       const double* row0 = field.data + static_cast<long>(j) * nx;
       const double* row1 = row0 + nx;
-      const int y0 = scene.cellY0[j], y1 = scene.cellY1[j];
-      for (int i = 0; i < cx; ++i) {
-        const double mean = (row0[i] + row0[i + 1] + row1[i] + row1[i + 1]) / 4.0;
-        drawBox(scene.cellX0[i], y0, scene.cellX1[i], y1, scene.colourTable[colourSlot(mean, lo, hi)], 1);
-      }
+      cellColourSlots(row0, row1, cx, lo, hi, slots);
+      for (int i = 0; i < cx; ++i) colours[i] = table[slots[i]];
+      // One call a row: cells of one colour side by side become one box.
+      drawBoxRow(scene.cellX0.data(), scene.cellX1.data(), scene.cellY0[j], scene.cellY1[j], colours, cx);
     }
   }
   drawBox(cfg.marginLeft - 1, cfg.marginTop - 1, cfg.marginLeft + cfg.domPixW + 2, cfg.marginTop + cfg.domPixH + 2,
           scene.colours.black, 0);
 }
 
-void drawBoundaryCells(const sceneView& scene, const appConfig& cfg, const array3d<int>& bcFlag, int id,
-                       std::uint32_t fill) {
+void cellColourSlots(const double* row0, const double* row1, int n, double lo, double hi, int* slots) {
+  const double span = hi - lo, top = numColors - 1;
+  // colourSlot without branches, so that the loop is vectorised: the
+  // quotient is limited to 0..31 (NaN to 0) before the conversion, and a
+  // non-finite mean, whose difference with itself is not 0, takes the slot
+  // of its own.
+  for (int i = 0; i < n; ++i) {
+    const double mean = (row0[i] + row0[i + 1] + row1[i] + row1[i + 1]) / 4.0;
+    const double q = (mean - lo) / span * top;
+    const double limited = q >= 0.0 ? (q < top ? q : top) : 0.0;
+    slots[i] = mean - mean == 0.0 ? static_cast<int>(limited) : nonFiniteSlot;
+  }
+}
+
+namespace {
+
+// The boxes of the cells of type id, in drawing order.
+void findBoundaryCells(const sceneView& scene, const array3d<int>& bcFlag, int id, std::vector<int>& boxes) {
+  boxes.clear();
   const int cx = static_cast<int>(scene.cellX0.size()), cy = static_cast<int>(scene.cellY0.size());
   if (bcFlag.data == nullptr || bcFlag.nx < cx + 1 || bcFlag.ny < cy + 1 || cx == 0) return;
   const int nx = bcFlag.nx;
   auto flag = [&](int i, int j) { return bcFlag.data[i + nx * j]; };
+  auto box = [&](int i, int j) {
+    boxes.insert(boxes.end(), {scene.cellX0[i], scene.cellY0[j], scene.cellX1[i], scene.cellY1[j]});
+  };
   for (int j = 0; j < cy; ++j)
     for (int i = 0; i < cx; ++i) {
       const bool all =
           (flag(i, j) == id) & (flag(i + 1, j) == id) & (flag(i, j + 1) == id) & (flag(i + 1, j + 1) == id);
-      if (all) drawBox(scene.cellX0[i], scene.cellY0[j], scene.cellX1[i], scene.cellY1[j], fill, 1);
+      if (all) box(i, j);
     }
   // A wall one node thick on the border has no cell with four corners: the
   // border cells take it from their two border corners.
   for (int i = 0; i < cx; ++i) {
-    if (flag(i, 0) == id && flag(i + 1, 0) == id)
-      drawBox(scene.cellX0[i], scene.cellY0[0], scene.cellX1[i], scene.cellY1[0], fill, 1);
-    if (cy > 0 && flag(i, cy) == id && flag(i + 1, cy) == id)
-      drawBox(scene.cellX0[i], scene.cellY0[cy - 1], scene.cellX1[i], scene.cellY1[cy - 1], fill, 1);
+    if (flag(i, 0) == id && flag(i + 1, 0) == id) box(i, 0);
+    if (cy > 0 && flag(i, cy) == id && flag(i + 1, cy) == id) box(i, cy - 1);
   }
   for (int j = 0; j < cy; ++j) {
-    if (flag(0, j) == id && flag(0, j + 1) == id)
-      drawBox(scene.cellX0[0], scene.cellY0[j], scene.cellX1[0], scene.cellY1[j], fill, 1);
-    if (flag(cx, j) == id && flag(cx, j + 1) == id)
-      drawBox(scene.cellX0[cx - 1], scene.cellY0[j], scene.cellX1[cx - 1], scene.cellY1[j], fill, 1);
+    if (flag(0, j) == id && flag(0, j + 1) == id) box(0, j);
+    if (flag(cx, j) == id && flag(cx, j + 1) == id) box(cx - 1, j);
   }
-  (void)cfg;
 }
 
-void drawBoundaryOutline(const appConfig& cfg, const bcOutline& outline) {
+std::size_t flagCount(const array3d<int>& bcFlag) {
+  if (bcFlag.data == nullptr || bcFlag.nx <= 0 || bcFlag.ny <= 0 || bcFlag.nz <= 0) return 0;
+  return static_cast<std::size_t>(bcFlag.nx) * bcFlag.ny * bcFlag.nz;
+}
+
+}  // namespace
+
+void checkBoundaryFlags(sceneView& scene, const array3d<int>& bcFlag) {
+  const std::size_t n = flagCount(bcFlag);
+  std::vector<int>& seen = scene.boundaryFlagsSeen;
+  if (seen.size() == n && (n == 0 || std::equal(seen.begin(), seen.end(), bcFlag.data))) return;
+  seen.assign(bcFlag.data, bcFlag.data + n);
+  scene.boundaryCellsKnown.fill(false);
+}
+
+void drawBoundaryCells(sceneView& scene, const appConfig& cfg, const array3d<int>& bcFlag, int id, std::uint32_t fill) {
+  (void)cfg;
+  if (id < 0 || id >= numColourTypes) {
+    std::vector<int> boxes;  // a type without a colour of its own: not kept
+    findBoundaryCells(scene, bcFlag, id, boxes);
+    for (std::size_t b = 0; b + 3 < boxes.size(); b += 4)
+      drawBox(boxes[b], boxes[b + 1], boxes[b + 2], boxes[b + 3], fill, 1);
+    return;
+  }
+  if (scene.boundaryFlagsSeen.size() != flagCount(bcFlag)) checkBoundaryFlags(scene, bcFlag);
+  std::vector<int>& boxes = scene.boundaryCellBoxes[id];
+  if (!scene.boundaryCellsKnown[id]) {
+    findBoundaryCells(scene, bcFlag, id, boxes);
+    scene.boundaryCellsKnown[id] = true;
+  }
+  for (std::size_t b = 0; b + 3 < boxes.size(); b += 4)
+    drawBox(boxes[b], boxes[b + 1], boxes[b + 2], boxes[b + 3], fill, 1);
+}
+
+void drawBoundaryOutline(sceneView& scene, const appConfig& cfg, const bcOutline& outline) {
   if (cfg.xCoord.empty() || cfg.yCoord.empty()) return;
   const double x0 = cfg.xCoord[0], y0 = cfg.yCoord[0], s = cfg.pixPerMetre;
   const double top = s * cfg.ly + cfg.marginTop + 0.5, left = cfg.marginLeft + 0.5;
   const int n = std::min(outline.numSegments, static_cast<int>(outline.segmentX.size() / 2));
-  const std::uint32_t ink = colour(0, 0, 0);
-  for (int m = 0; m < n; ++m) {
-    const double xa = (outline.segmentX[2 * m] - x0) * s + left, ya = top - (outline.segmentY[2 * m] - y0) * s;
-    const double xb = (outline.segmentX[2 * m + 1] - x0) * s + left, yb = top - (outline.segmentY[2 * m + 1] - y0) * s;
-    drawLineF(static_cast<float>(xa), static_cast<float>(ya), static_cast<float>(xb), static_cast<float>(yb), ink,
-              1.0f);
+  if (n <= 0) return;
+  std::vector<float>& xy = scene.outlinePoints;
+  if (xy.size() < 4 * static_cast<std::size_t>(n)) xy.resize(4 * static_cast<std::size_t>(n));
+  for (int e = 0; e < 2 * n; ++e) {
+    xy[2 * e] = static_cast<float>((outline.segmentX[e] - x0) * s + left);
+    xy[2 * e + 1] = static_cast<float>(top - (outline.segmentY[e] - y0) * s);
   }
+  drawLinesF(xy.data(), n, colour(0, 0, 0), 1.0f);
 }
 
 }  // namespace marv

@@ -28,15 +28,16 @@ std::uint32_t ownColour(const appConfig& cfg, int id) { return colour(cfg.R[id],
 
 // The boundary cells of a 2D picture: in placement every colour of the
 // bitmap table, in a run as the show flags say; then the outlines.
-void drawBoundaries2d(const sceneView& scene, const appConfig& cfg, bool placement) {
+void drawBoundaries2d(sceneView& scene, const appConfig& cfg, bool placement) {
   const array3d<int>& flags = scene.domain->bcFlag;
+  checkBoundaryFlags(scene, flags);
   if (placement || cfg.showBoundaryFlagUser == 1) drawBoundaryCells(scene, cfg, flags, 8, scene.colours.lightGrey);
   if (placement || cfg.showBoundaryFlagBlack == 1) drawBoundaryCells(scene, cfg, flags, 1, scene.colours.grey);
   for (int id = cfg.firstInletType; id <= cfg.lastInletType; ++id)
     if (placement || boundaryShown(cfg, id) == 1) drawBoundaryCells(scene, cfg, flags, id, ownColour(cfg, id));
   if (!placement && !cfg.polygonFrames) return;
   for (int id = scene.domain->firstType; id < scene.domain->endType && id < numColourTypes; ++id)
-    if (cfg.bcTypePresent[id]) drawBoundaryOutline(cfg, scene.domain->outlines[id]);
+    if (cfg.bcTypePresent[id]) drawBoundaryOutline(scene, cfg, scene.domain->outlines[id]);
 }
 
 void drawRun3d(sceneView& scene, appConfig& cfg, fieldViews& views) {

@@ -90,8 +90,17 @@ struct sceneView {
   int plainKeys = 1;        // no modifier held: the wheel zooms
 
   // ---------------------------------------------------------------- 2D picture
-  std::vector<int> cellX0, cellX1;  // pixel columns of each column of cells, nx - 1 of them
-  std::vector<int> cellY0, cellY1;  // pixel rows of each row of cells, ny - 1 of them (top, bottom)
+  std::vector<int> cellX0, cellX1;        // pixel columns of each column of cells, nx - 1 of them
+  std::vector<int> cellY0, cellY1;        // pixel rows of each row of cells, ny - 1 of them (top, bottom)
+  std::vector<std::uint32_t> rowColours;  // colours of one row of cells, nx - 1 of them, scratch of the frame
+  std::vector<int> rowSlots;              // their colour table slots, the same
+  // Boundary cells of each colour id as boxes x1 y1 x2 y2 [px], found once
+  // for the flags kept in boundaryFlagsSeen: the domain does not change
+  // while a run steps, the check costs one comparison a frame.
+  std::vector<int> boundaryFlagsSeen;
+  std::array<std::vector<int>, numColourTypes> boundaryCellBoxes;
+  std::array<bool, numColourTypes> boundaryCellsKnown{};
+  std::vector<float> outlinePoints;  // segment ends of one outline [px], scratch of the frame
 
   // ---------------------------------------------------------------- boundaries
   std::array<std::vector<vertex3d>, numColourTypes> boundaryVertices;  // three per triangle
