@@ -1,8 +1,8 @@
 // Record files of a thermo cavity run by the batch driver: a restart continues every one line for line.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <filesystem>
-#include <regex>
 #include <string>
 
 #include "batchRun.h"
@@ -21,11 +21,30 @@ const fs::path example = fs::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "
 // Each line whose first word is key (in param.txt after its "NNN:") gets
 // value as its second word; the rest of the line goes. The example holds
 // nfile twice. A parameter that no line holds is added before "#End of file".
-std::string setKey(std::string text, const std::string& key, const std::string& value, bool numbered) {
-  const std::regex line("(^|\n)(" + std::string(numbered ? "[0-9]+:" : "") + ")" + key + "( [^\n]*)?(?=\n|$)");
-  if (std::regex_search(text, line)) return std::regex_replace(text, line, "$1$2" + key + " " + value);
-  const std::size_t end = text.find("#End of file");
-  return numbered && end != std::string::npos ? text.insert(end, "099:" + key + " " + value + "\n") : text;
+std::string setKey(const std::string& text, const std::string& key, const std::string& value, bool numbered) {
+  std::string out;
+  bool found = false;
+  std::size_t start = 0;
+  while (start < text.size()) {
+    std::size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string line = text.substr(start, end - start);
+    std::size_t word = 0;
+    if (numbered) {
+      while (word < line.size() && std::isdigit(static_cast<unsigned char>(line[word]))) ++word;
+      word = word > 0 && word < line.size() && line[word] == ':' ? word + 1 : std::string::npos;
+    }
+    if (word != std::string::npos && line.compare(word, key.size(), key) == 0 &&
+        (word + key.size() == line.size() || line[word + key.size()] == ' ')) {
+      line = line.substr(0, word) + key + " " + value;
+      found = true;
+    }
+    out += line + (end < text.size() ? "\n" : "");
+    start = end + 1;
+  }
+  const std::size_t end = out.find("#End of file");
+  if (!found && numbered && end != std::string::npos) out.insert(end, "099:" + key + " " + value + "\n");
+  return out;
 }
 
 // Sets each key of a param.txt (numbered) or viz.txt file.
