@@ -5,6 +5,7 @@
 #include <jpeglib.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <climits>
 #include <csetjmp>
 #include <cstdint>
@@ -132,6 +133,26 @@ bool pngChunksFit(const std::uint8_t* data, std::size_t size) {
   return false;  // no IEND: cut off
 }
 
+// A binary PNM head (P5, P6) whose width, height or largest value has more
+// digits than an int holds: the decoder would overflow reading it. Nine
+// digits always fit; longer numbers are far past any side we accept.
+bool pnmNumbersFit(const std::uint8_t* data, std::size_t size) {
+  if (size < 2 || data[0] != 'P' || (data[1] != '5' && data[1] != '6')) return true;
+  std::size_t at = 2;
+  for (int number = 0; number < 3; ++number) {
+    while (at < size && (std::isspace(data[at]) || data[at] == '#')) {
+      if (data[at] == '#')
+        while (at < size && data[at] != '\n' && data[at] != '\r') ++at;
+      else
+        ++at;
+    }
+    std::size_t digits = 0;
+    while (at < size && std::isdigit(data[at])) ++at, ++digits;
+    if (digits > 9) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 // JPEG goes through libjpeg-turbo, the library the program writes its
@@ -171,6 +192,7 @@ bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   image = rgbaImage{};
   if (data == nullptr || size == 0 || size > maxImageFileBytes) return false;
   if (size >= 3 && data[0] == 0xFF && data[1] == 0xD8 && data[2] == 0xFF) return decodeJpeg(data, size, image);
+  if (!pnmNumbersFit(data, size)) return false;
   int w = 0, h = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &w, &h, &channels)) return false;
   // A BMP whose rows run top-down states a negative height; the size
