@@ -133,13 +133,15 @@ bool pngChunksFit(const std::uint8_t* data, std::size_t size) {
   return false;  // no IEND: cut off
 }
 
-// A binary PNM head (P5, P6) whose width, height or largest value has more
-// digits than an int holds: the decoder would overflow reading it. Nine
-// digits always fit; longer numbers are far past any side we accept.
+// A binary PNM (P5, P6) is decoded only with a head of three numbers of at
+// most nine digits each (the decoder's number reader overflows on longer
+// ones), eight-bit samples (its 16-bit path reads past short files) and all
+// the pixel bytes that the head promises.
 bool pnmNumbersFit(const std::uint8_t* data, std::size_t size) {
   if (size < 2 || data[0] != 'P' || (data[1] != '5' && data[1] != '6')) return true;
   std::size_t at = 2;
-  for (int number = 0; number < 3; ++number) {
+  long long value[3] = {0, 0, 0};
+  for (long long& number : value) {
     while (at < size && (std::isspace(data[at]) || data[at] == '#')) {
       if (data[at] == '#')
         while (at < size && data[at] != '\n' && data[at] != '\r') ++at;
@@ -147,10 +149,12 @@ bool pnmNumbersFit(const std::uint8_t* data, std::size_t size) {
         ++at;
     }
     std::size_t digits = 0;
-    while (at < size && std::isdigit(data[at])) ++at, ++digits;
-    if (digits > 9) return false;
+    for (; at < size && std::isdigit(data[at]); ++at, ++digits) number = number * 10 + (data[at] - '0');
+    if (digits == 0 || digits > 9) return false;
   }
-  return true;
+  if (value[0] <= 0 || value[1] <= 0 || value[2] <= 0 || value[2] > 255 || at >= size) return false;
+  const long long samples = value[0] * value[1] * (data[1] == '5' ? 1 : 3);
+  return static_cast<long long>(size - at - 1) >= samples;
 }
 
 }  // namespace
