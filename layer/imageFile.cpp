@@ -149,7 +149,8 @@ bool pnmNumbersFit(const std::uint8_t* data, std::size_t size) {
         ++at;
     }
     std::size_t digits = 0;
-    for (; at < size && std::isdigit(data[at]); ++at, ++digits) number = number * 10 + (data[at] - '0');
+    for (; at < size && std::isdigit(data[at]); ++at, ++digits)
+      if (digits < 9) number = number * 10 + (data[at] - '0');
     if (digits == 0 || digits > 9) return false;
   }
   if (value[0] <= 0 || value[1] <= 0 || value[2] <= 0 || value[2] > 255 || at >= size) return false;
