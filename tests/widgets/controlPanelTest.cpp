@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
+#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "layer/inputScript.h"
@@ -80,16 +83,12 @@ class panelRun : public ::testing::Test {
 };
 
 TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesIt) {
-  frame(pointer(400, 400));
-  EXPECT_EQ(cfg.panelBusy, 0);
   frame(pointer(cfg.buttonSize + 1, 1));
   EXPECT_EQ(cfg.panelBusy, 0) << "just beside the corner";
   frame(pointer(cfg.buttonSize, cfg.buttonSize));
   EXPECT_EQ(cfg.panelBusy, 1);
-  EXPECT_LE(panel.slideY, 0);
   open();
-  EXPECT_EQ(panel.panelWidth, 16 * (10 + 64) + 10);
-  EXPECT_EQ(panel.panelHeight, 3 * (10 + 64) + 10);
+  EXPECT_EQ(std::pair(panel.panelWidth, panel.panelHeight), std::pair(16 * (10 + 64) + 10, 3 * (10 + 64) + 10));
   frame(pointer(panel.panelWidth, panel.panelHeight));
   EXPECT_EQ(cfg.panelBusy, 1) << "the far corner is still on the panel";
   frame(pointer(panel.panelWidth + 1, 100));
@@ -97,52 +96,37 @@ TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesIt) {
 }
 
 TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQuantity) {
-  struct flagButton {
-    const char* label;
-    int appConfig::*whole;
-    std::uint8_t appConfig::*byte;
-  };
-  const flagButton buttons[] = {
-      {"Velocity vector", &appConfig::showVectorFlag, nullptr},
-      {"Uncorrelated velocity vector", &appConfig::showCorrVectorFlag, nullptr},
-      {"Stream line", &appConfig::showStreamlineFlag, nullptr},
-      {"Tracer particle", &appConfig::showTracerParticleFlag, nullptr},
-      {"Particle contour", &appConfig::showContourPaticlesFlag, nullptr},
-      {"XY plane", &appConfig::showCrosssectionXYFlag, nullptr},
-      {"YZ plane", &appConfig::showCrosssectionYZFlag, nullptr},
-      {"XZ plane", &appConfig::showCrosssectionXZFlag, nullptr},
-      {"Color object", &appConfig::nonBcObjectColorFlag, nullptr},
-      {"Color boundary", &appConfig::showQColorOnBoundaryFlag, nullptr},
-      {"STL BC", &appConfig::showBoundaryFlagSTL, nullptr},
-      {"Non-preset BC", &appConfig::showBoundaryFlagUser, nullptr},
-      {"Black BC", &appConfig::showBoundaryFlagBlack, nullptr},
-      {"Orientation axes", &appConfig::showOrientationAxesFlag, nullptr},
-      {"Outline", &appConfig::showOutlineFlag, nullptr},
-      {"Camera target", &appConfig::showCameraTargetFlag, nullptr},
-      {"Poly-frames", nullptr, &appConfig::polygonFrames},
-      {"Immersed BC", &appConfig::showGhostSolidFlag, nullptr},
-      {"Scaling incl. solid region", &appConfig::minMaxFlag, nullptr},
-      {"Shortcut key list", &appConfig::showHelpShortcutFlag, nullptr},
-      {"Pause simulation", &appConfig::quitPromptFlag, nullptr},
-      {"Blue BC", &appConfig::showBoundaryFlagBlue, nullptr},
-      {"Red BC", &appConfig::showBoundaryFlagRed, nullptr},
-      {"Green BC", &appConfig::showBoundaryFlagGreen, nullptr},
-      {"Force", nullptr, &appConfig::showForce},
-      {"Heat loss", nullptr, &appConfig::showHeatLoss},
-      {"Yellow BC", &appConfig::showBoundaryFlagMagenta, nullptr},
-      {"Cyan BC", &appConfig::showBoundaryFlagCyan, nullptr},
-  };
+  // The on/off buttons and their flags, in the same order.
+  std::vector<std::string> labels;
+  std::istringstream list(
+      "Velocity vector|Uncorrelated velocity vector|Stream line|Tracer particle|Particle contour|XY plane|YZ plane|"
+      "XZ plane|Color object|Color boundary|STL BC|Non-preset BC|Black BC|Orientation axes|Outline|Camera target|"
+      "Immersed BC|Scaling incl. solid region|Shortcut key list|Pause simulation|Blue BC|Red BC|Green BC|Yellow BC|"
+      "Cyan BC|Poly-frames|Force|Heat loss");
+  for (std::string label; std::getline(list, label, '|');) labels.push_back(label);
+  using c = appConfig;
+  int c::*const flags[] = {&c::showVectorFlag,           &c::showCorrVectorFlag,      &c::showStreamlineFlag,
+                           &c::showTracerParticleFlag,   &c::showContourPaticlesFlag, &c::showCrosssectionXYFlag,
+                           &c::showCrosssectionYZFlag,   &c::showCrosssectionXZFlag,  &c::nonBcObjectColorFlag,
+                           &c::showQColorOnBoundaryFlag, &c::showBoundaryFlagSTL,     &c::showBoundaryFlagUser,
+                           &c::showBoundaryFlagBlack,    &c::showOrientationAxesFlag, &c::showOutlineFlag,
+                           &c::showCameraTargetFlag,     &c::showGhostSolidFlag,      &c::minMaxFlag,
+                           &c::showHelpShortcutFlag,     &c::quitPromptFlag,          &c::showBoundaryFlagBlue,
+                           &c::showBoundaryFlagRed,      &c::showBoundaryFlagGreen,   &c::showBoundaryFlagMagenta,
+                           &c::showBoundaryFlagCyan};
+  std::uint8_t c::*const byteFlags[] = {&c::polygonFrames, &c::showForce, &c::showHeatLoss};
   open();
-  for (const flagButton& b : buttons) {
-    SCOPED_TRACE(b.label);
-    const auto value = [&] { return b.whole ? cfg.*b.whole : cfg.*b.byte; };
+  // Two clicks: over and back, the panel staying open.
+  const auto twice = [&](const std::string& label, const std::function<int()>& value) {
     const int before = value();
-    clickButton(indexOf(b.label));
-    EXPECT_EQ(value(), before == 0 ? 1 : 0);
-    clickButton(indexOf(b.label));
-    EXPECT_EQ(value(), before == 0 ? 0 : 1);
-    EXPECT_EQ(cfg.panelBusy, 1);
-  }
+    clickButton(indexOf(label));
+    const int once = value();
+    clickButton(indexOf(label));
+    EXPECT_EQ(std::vector<int>({once, value(), cfg.panelBusy}), std::vector<int>({before == 0, before != 0, 1}))
+        << label;
+  };
+  for (int n = 0; n < 25; ++n) twice(labels[n], [&] { return cfg.*flags[n]; });
+  for (int n = 0; n < 3; ++n) twice(labels[25 + n], [&] { return int(cfg.*byteFlags[n]); });
 
   // Shift + L's streamlines from mesh points show as on, and go to 1.
   cfg.showStreamlineFlag = 2;
@@ -159,10 +143,8 @@ TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQu
   }
   clickButton(indexOf("p-p0"));
   EXPECT_EQ(cfg.dispQuantFlag, 8) << "a click on the selected quantity keeps it";
-  EXPECT_EQ(panel.buttons[indexOf("p-p0")].state, 1);
   clickButton(indexOf("Age variable"));
-  EXPECT_EQ(cfg.dispQuantFlag, 8) << "no age variable in this run";
-  EXPECT_EQ(panel.buttons[indexOf("Age variable")].state, 0);
+  EXPECT_EQ(cfg.dispQuantFlag * 10 + panel.buttons[indexOf("Age variable")].state, 80) << "no age variable in this run";
   cfg.ageFlag = 1;
   clickButton(indexOf("Age variable"));
   EXPECT_EQ(cfg.dispQuantFlag, 11);
@@ -174,20 +156,19 @@ TEST_F(panelRun, lightingTurnsTheEdgesTheOtherWayAndResetIsAOneShot) {
   cfg.useLightingFlag = 0;
   cfg.polygonFrames = 1;
   // Lighting turns the edges the other way; the edges can then be changed by themselves.
-  const auto lightAndEdges = [&] { return std::pair{int(cfg.useLightingFlag), int(cfg.polygonFrames)}; };
-  clickButton(indexOf("Lighting"));
-  EXPECT_EQ(lightAndEdges(), std::pair(1, 0));
-  clickButton(indexOf("Poly-frames"));
-  EXPECT_EQ(lightAndEdges(), std::pair(1, 1));
-  clickButton(indexOf("Lighting"));
-  EXPECT_EQ(lightAndEdges(), std::pair(0, 1));
+  std::vector<int> seen;
+  for (const char* label : {"Lighting", "Poly-frames", "Lighting"}) {
+    clickButton(indexOf(label));
+    seen.insert(seen.end(), {int(cfg.useLightingFlag), int(cfg.polygonFrames)});
+  }
+  EXPECT_EQ(seen, (std::vector<int>{1, 0, 1, 1, 0, 1}));
 
-  clickButton(indexOf("Reset camera"));
-  EXPECT_EQ(scene.resetCameraFlag, 1);
-  EXPECT_EQ(panel.buttons[indexOf("Reset camera")].state, 1) << "in the frame of the click";
+  const int reset = indexOf("Reset camera");
+  clickButton(reset);
+  EXPECT_EQ(scene.resetCameraFlag * 10 + panel.buttons[reset].state, 11) << "on in the frame of the click";
   scene.resetCameraFlag = 0;  // the frame acts on it
-  frame(pointer(centreX(indexOf("Reset camera")), centreY(indexOf("Reset camera"))));
-  EXPECT_EQ(panel.buttons[indexOf("Reset camera")].state, 0) << "never stays on";
+  frame(pointer(centreX(reset), centreY(reset)));
+  EXPECT_EQ(panel.buttons[reset].state, 0) << "never stays on";
 
   cfg.manualMinFlag = cfg.manualMaxFlag = 1;
   clickButton(indexOf("Auto scale"));
@@ -197,8 +178,7 @@ TEST_F(panelRun, lightingTurnsTheEdgesTheOtherWayAndResetIsAOneShot) {
 TEST_F(panelRun, theQuickSnapshotBesideTheClosedCornerAsksForOnePicture) {
   const int x = panel.triggerWidth + 2 * cfg.textGap + cfg.buttonSize / 2, y = cfg.textGap + cfg.buttonSize / 2;
   click(x, y);
-  EXPECT_EQ(cfg.snapshotRequested, 1);
-  EXPECT_EQ(cfg.panelBusy, 0) << "the button lies beside the corner that opens the panel";
+  EXPECT_EQ(cfg.snapshotRequested * 10 + cfg.panelBusy, 10) << "the button lies beside the corner that opens the panel";
   cfg.snapshotRequested = 0;  // the driver saves and clears
   frame(pointer(x, y));
   EXPECT_EQ(cfg.snapshotRequested, 0);
@@ -206,52 +186,36 @@ TEST_F(panelRun, theQuickSnapshotBesideTheClosedCornerAsksForOnePicture) {
 
 TEST_F(panelRun, scaleLimitPromptsKeepOnlyTheNumberAndCancelLeavesTheLimitOff) {
   EXPECT_DOUBLE_EQ(scaleLimitOf(" -2.5e-3 K"), -2.5e-3);
-  struct answer {
-    const char* label;
-    const char* typed;
-    int key;
-    int flag;
-    double value;
-  };
-  const answer answers[] = {
-      {"Min scale", "1.5x", keyEnter, 1, 1.5},
-      {"Max scale", "abc", keyEnter, 1, 0.0},
-      {"Min scale", "", keyEnter, 1, 0.0},
-      {"Max scale", "7", keyEsc, 0, -1.0},
-  };
+  // Button, typed text, closing key, then the limit's flag and value.
+  const std::tuple<const char*, const char*, int, int, double> answers[] = {{"Min scale", "1.5x", keyEnter, 1, 1.5},
+                                                                            {"Max scale", "abc", keyEnter, 1, 0.0},
+                                                                            {"Min scale", "", keyEnter, 1, 0.0},
+                                                                            {"Max scale", "7", keyEsc, 0, -1.0}};
   open();
-  for (const answer& a : answers) {
-    SCOPED_TRACE(std::string(a.label) + " " + a.typed);
-    const bool isMin = std::string(a.label) == "Min scale";
+  for (const auto& [label, text, key, flag, value] : answers) {
+    SCOPED_TRACE(std::string(label) + " " + text);
+    const bool isMin = std::string(label) == "Min scale";
     cfg.manualMinFlag = cfg.manualMaxFlag = 0;
     cfg.manualMinValue = cfg.manualMaxValue = -1.0;
-    const int i = indexOf(a.label);
-    const int x = centreX(i), y = centreY(i);
-    // The click's release opens the prompt, which then plays the frames
-    // after it in its own loop.
-    inputFrame typed = pointer(x, y);
-    typed.typed = a.typed;
-    inputFrame ended = pointer(x, y);
-    // Enter is seen by the field as it goes down; Esc only while held.
-    if (a.key == keyEnter)
-      ended.keysTapped = {a.key};
-    else
-      ended.keysHeld = {a.key};
-    inputFrame giveUp = pointer(x, y);  // ends a prompt that missed its answer, so that a fault fails and never hangs
-    giveUp.keysHeld = {keyEsc};
+    const int i = indexOf(label), x = centreX(i), y = centreY(i);
+    // The click's release opens the prompt, which plays the frames after it
+    // in its own loop. Enter is seen by the field as it goes down, Esc only
+    // while held; a last Esc ends a prompt that missed its answer.
+    inputFrame typed = pointer(x, y), ended = pointer(x, y), giveUp = marvtest::holding(keyEsc, x, y);
+    typed.typed = text;
+    (key == keyEnter ? ended.keysTapped : ended.keysHeld) = {key};
     setInputScript({pointer(x, y), pointer(x, y, true), pointer(x, y), typed, ended, pointer(x, y), giveUp}, false);
     for (int f = 0; f < 3; ++f) {
       processMessages();
       handleFrameInput(input, cfg);
       runControlPanel(panel, cfg);
     }
-    EXPECT_EQ(isMin ? cfg.manualMinFlag : cfg.manualMaxFlag, a.flag);
-    EXPECT_DOUBLE_EQ(isMin ? cfg.manualMinValue : cfg.manualMaxValue, a.value);
+    EXPECT_EQ(isMin ? cfg.manualMinFlag : cfg.manualMaxFlag, flag);
+    EXPECT_DOUBLE_EQ(isMin ? cfg.manualMinValue : cfg.manualMaxValue, value);
     frame(pointer(x, y));
-    EXPECT_EQ(panel.buttons[i].state, a.flag) << "a cancelled prompt takes the button out";
-    // The key that closed the prompt is no shortcut afterwards.
+    EXPECT_EQ(panel.buttons[i].state, flag) << "a cancelled prompt takes the button out";
     frame(pointer(x, y));
-    EXPECT_EQ(cfg.quitPromptFlag, 0);
+    EXPECT_EQ(cfg.quitPromptFlag, 0) << "the key that closed the prompt is no shortcut afterwards";
   }
 }
 
