@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/appConfig.h"
@@ -56,45 +58,34 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
       EXPECT_EQ(colorCode(got.r, got.g, got.b), colorCode(want.r, want.g, want.b)) << "at x=" << x << " y=" << y;
     }
 
+  // Colour codes at the points after a drawing, against the expected colours.
+  const rgb bg{9, 9, 9}, blue{0, 0, 255}, green{0, 255, 0}, brown{90, 60, 30}, yellow{255, 255, 0}, box{200, 100, 50};
+  const auto check = [&](const char* what, const std::function<void()>& draw,
+                         std::vector<std::pair<std::pair<int, int>, rgb>> expected) {
+    clearDrawTarget();
+    draw();
+    captureToPixelImage(0, 0, 6, 4, pixels);
+    for (const auto& [at, want] : expected) {
+      const rgb got = pixelAt(pixels, at.first, at.second);
+      EXPECT_EQ(colorCode(got.r, got.g, got.b), colorCode(want.r, want.g, want.b))
+          << what << " at " << at.first << "," << at.second;
+    }
+  };
   // A part of the picture, mirrored across, at its own size.
-  clearDrawTarget();
-  drawImageRect(1, 1, 1, 0, 2, 2, image, 0, 1, 0);
-  captureToPixelImage(0, 0, 6, 4, pixels);
-  EXPECT_EQ(pixelAt(pixels, 1, 1).b, 255) << "source (2, 0) lands first";
-  EXPECT_EQ(pixelAt(pixels, 2, 1).g, 255) << "then source (1, 0)";
-  EXPECT_EQ(pixelAt(pixels, 1, 2).r, 90) << "source (2, 1), mirrored to the left";
-  EXPECT_EQ(pixelAt(pixels, 0, 0).r, 9) << "the rest keeps the background";
-  EXPECT_EQ(pixelAt(pixels, 3, 1).r, 9);
-
+  check("part", [&] { drawImageRect(1, 1, 1, 0, 2, 2, image, 0, 1, 0); },
+        {{{1, 1}, blue}, {{2, 1}, green}, {{1, 2}, brown}, {{0, 0}, bg}, {{3, 1}, bg}});
   // Corners right to left mirror the picture.
-  clearDrawTarget();
-  drawImageStretched(6, 0, 0, 4, image, 0);
-  captureToPixelImage(0, 0, 6, 4, pixels);
-  EXPECT_EQ(pixelAt(pixels, 0, 0).b, 255) << "source (2, 0) on the left";
-  EXPECT_EQ(pixelAt(pixels, 5, 3).r, 255) << "source (0, 1) on the right";
-  EXPECT_EQ(pixelAt(pixels, 5, 3).g, 255);
-
+  check("mirrored", [&] { drawImageStretched(6, 0, 0, 4, image, 0); }, {{{0, 0}, blue}, {{5, 3}, yellow}});
   // A box covers x1..x2-1, and a copy of the target keeps it.
+  const int copy = makeImage(6, 4, 1);
   clearDrawTarget();
   drawBox(4, 0, 6, 2, colour(200, 100, 50), 1);
-  const int copy = makeImage(6, 4, 1);
   ASSERT_EQ(captureScreen(0, 0, 6, 4, copy), 0);
-  clearDrawTarget();
-  drawImage(0, 0, copy, 0);
-  captureToPixelImage(0, 0, 6, 4, pixels);
-  EXPECT_EQ(pixelAt(pixels, 4, 0).r, 200);
-  EXPECT_EQ(pixelAt(pixels, 5, 1).g, 100);
-  EXPECT_EQ(pixelAt(pixels, 3, 0).r, 9);
-  EXPECT_EQ(pixelAt(pixels, 4, 2).r, 9);
-
+  check("copied box", [&] { drawImage(0, 0, copy, 0); }, {{{4, 0}, box}, {{5, 1}, box}, {{3, 0}, bg}, {{4, 2}, bg}});
   // With a colour key, the keyed pixels of a picture loaded later are not drawn.
   setTransparentColour(255, 0, 255);
   const int keyed = loadImage(path.c_str(), 1);
-  clearDrawTarget();
-  drawImage(0, 0, keyed, 1);
-  captureToPixelImage(0, 0, 6, 4, pixels);
-  EXPECT_EQ(pixelAt(pixels, 0, 0).r, 9) << "magenta is keyed out";
-  EXPECT_EQ(pixelAt(pixels, 1, 0).g, 255);
+  check("keyed", [&] { drawImage(0, 0, keyed, 1); }, {{{0, 0}, bg}, {{1, 0}, green}});
   drawImage(0, 0, keyed, 0);
   captureToPixelImage(0, 0, 6, 4, pixels);
   EXPECT_NE(pixelAt(pixels, 0, 0).r, 9) << "drawn opaque without the transparent flag";
