@@ -296,21 +296,4 @@ TEST_F(offscreenRender, screenJpegHasTheRectangleSizeAndHalvedChroma) {
   EXPECT_NE(saveScreenJpeg(200, 200, 300, 300, path.c_str(), 80, 1), 0) << "nothing of the target inside";
 }
 
-TEST_F(offscreenRender, resourcePicturesCutIntoCellsThatDraw) {
-  int tiles[20];
-  ASSERT_EQ(loadImageSetResource(777, 20, 10, 2, 64, 64, tiles), 0);
-  for (int i = 0; i < 20; ++i) {
-    int w = 0, h = 0;
-    imageSize(tiles[i], &w, &h);
-    EXPECT_EQ(w * 1000 + h, 64064) << "tile " << i;
-  }
-  // A tile drawn at another size shows something other than the background.
-  drawImageStretched(0, 0, 128, 128, tiles[3], 1);
-  const std::vector<std::uint8_t> p = marvtest::grabPixels(0, 0, 128, height);
-  int coloured = 0;
-  for (std::size_t i = 0; i < p.size(); i += 4) coloured += p[i] + p[i + 1] + p[i + 2] > 0;
-  EXPECT_GT(coloured, 1600) << "a tenth of the picture at least";
-  for (int h : tiles) deleteImage(h);
-}
-
 }  // namespace
