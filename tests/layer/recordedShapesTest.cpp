@@ -60,59 +60,51 @@ class recordedShapes : public ::testing::Test {
   }
 };
 
-TEST_F(recordedShapes, boxRowDrawsWhatItsBoxesDrawWithAndWithoutBlending) {
+TEST_F(recordedShapes, eachCompactRecordingDrawsWhatItsPlainCallsDraw) {
   // Cells that overlap their right neighbour by one column, as the contour's
   // do; runs of one colour, a reversed box and an empty one in between.
-  const std::uint32_t red = colour(220, 30, 30), blue = colour(30, 30, 220);
-  const std::vector<int> x1{2, 9, 16, 23, 30, 44, 40, 51, 58, 58};
-  const std::vector<int> x2{10, 17, 24, 31, 38, 41, 52, 59, 66, 58};
+  const std::uint32_t red = colour(220, 30, 30), blue = colour(30, 30, 220), yellow = colour(250, 250, 0);
+  const std::vector<int> x1{2, 9, 16, 23, 30, 44, 40, 51, 58, 58}, x2{10, 17, 24, 31, 38, 41, 52, 59, 66, 58};
   const std::vector<std::uint32_t> colours{red, red, blue, red, red, red, red, blue, blue, red};
   const int n = static_cast<int>(x1.size());
-  for (const int blend : {0, 1}) {
-    auto row = [&] {
-      setBlend(blend, 128);
-      drawBoxRow(x1.data(), x2.data(), 30, 8, colours.data(), n);
-    };
-    auto boxes = [&] {
-      setBlend(blend, 128);
-      for (int i = 0; i < n; ++i) drawBox(x1[i], 8, x2[i], 30, colours[i], 1);
-    };
-    const std::vector<int> expected = picture(boxes);
-    EXPECT_EQ(differing(picture(row), expected), 0) << "blend " << blend;
-    // The drawing is not empty: the row covers what it should.
-    EXPECT_NE(differing(expected, picture([] {})), 0);
-  }
-}
-
-TEST_F(recordedShapes, edgedTextIsTheTextOverItsEightShiftedCopies) {
-  const std::uint32_t ink = colour(0, 0, 0), edge = colour(255, 255, 255);
-  const char* text = "*|U| 1.5e-03 s";
-  auto edged = [&] { drawText(4, 12, text, ink, -1, edge, 0); };
-  auto copies = [&] {
-    for (int dy = -1; dy <= 1; ++dy)
-      for (int dx = -1; dx <= 1; ++dx)
-        if (dx != 0 || dy != 0) drawText(4 + dx, 12 + dy, text, edge, -1, 0, 0);
-    drawText(4, 12, text, ink, -1, 0, 0);
-  };
-  const std::vector<int> expected = picture(copies);
-  EXPECT_EQ(differing(picture(edged), expected), 0);
-  EXPECT_GT(differing(expected, picture([] {})), 50);
-}
-
-TEST_F(recordedShapes, segmentListDrawsWhatItsSegmentsDraw) {
-  // Slanted, axis-aligned, a point (nothing drawn) and a thick one.
+  // Segments slanted, axis-aligned, a point (nothing drawn) and a thick one.
   const std::vector<float> xy{3.5f,  4.0f,  40.2f, 30.7f, 50.0f, 10.0f, 90.0f, 10.0f,
                               60.0f, 40.0f, 60.0f, 40.0f, 70.0f, 20.0f, 80.5f, 44.0f};
-  const int n = static_cast<int>(xy.size()) / 4;
-  for (const float thickness : {1.0f, 3.0f}) {
-    const std::uint32_t ink = colour(250, 250, 0);
-    auto list = [&] { drawLinesF(xy.data(), n, ink, thickness); };
-    auto single = [&] {
-      for (int m = 0; m < n; ++m) drawLineF(xy[4 * m], xy[4 * m + 1], xy[4 * m + 2], xy[4 * m + 3], ink, thickness);
-    };
-    const std::vector<int> expected = picture(single);
-    EXPECT_EQ(differing(picture(list), expected), 0) << "thickness " << thickness;
-    EXPECT_GT(differing(expected, picture([] {})), 60);
+  const char* text = "*|U| 1.5e-03 s";
+  struct drawing {
+    const char* what;
+    std::function<void()> recorded, plain;
+  };
+  std::vector<drawing> cases;
+  for (const int blend : {0, 1})
+    cases.push_back({"box row",
+                     [&, blend] {
+                       setBlend(blend, 128);
+                       drawBoxRow(x1.data(), x2.data(), 30, 8, colours.data(), n);
+                     },
+                     [&, blend] {
+                       setBlend(blend, 128);
+                       for (int i = 0; i < n; ++i) drawBox(x1[i], 8, x2[i], 30, colours[i], 1);
+                     }});
+  // An edged text is the text over its eight shifted copies in the edge colour.
+  cases.push_back({"edged text", [&] { drawText(4, 12, text, colour(0, 0, 0), -1, colour(255, 255, 255), 0); },
+                   [&] {
+                     for (int dy = -1; dy <= 1; ++dy)
+                       for (int dx = -1; dx <= 1; ++dx)
+                         if (dx != 0 || dy != 0) drawText(4 + dx, 12 + dy, text, colour(255, 255, 255), -1, 0, 0);
+                     drawText(4, 12, text, colour(0, 0, 0), -1, 0, 0);
+                   }});
+  for (const float thickness : {1.0f, 3.0f})
+    cases.push_back({"segment list", [&, thickness] { drawLinesF(xy.data(), 4, yellow, thickness); },
+                     [&, thickness] {
+                       for (int m = 0; m < 4; ++m)
+                         drawLineF(xy[4 * m], xy[4 * m + 1], xy[4 * m + 2], xy[4 * m + 3], yellow, thickness);
+                     }});
+  const std::vector<int> empty = picture([] {});
+  for (const drawing& d : cases) {
+    const std::vector<int> expected = picture(d.plain);
+    EXPECT_EQ(differing(picture(d.recorded), expected), 0) << d.what;
+    EXPECT_GT(differing(expected, empty), 50) << d.what << " draws something";
   }
 }
 
