@@ -72,22 +72,17 @@ class editorCase : public ::testing::Test {
 const char* const threeRows = "1:nx 5\n2:latts 10\n3:ny 6\n";
 
 TEST(ValueFilter, NumbersPassAndEverythingElseIsRefused) {
-  const parameterEntry latts = lookupParameter("latts");
-  struct row {
-    const char* text;
-    bool ok;
-    const char* kept;
+  // What the value keeps, or "refused" where it is refused and left unchanged.
+  const auto filtered = [](const char* name, const char* text) {
+    std::string out = "refused";
+    filterValue(lookupParameter(name), text, out);
+    return out;
   };
-  for (const row& r : {row{"1,000", true, "1000"}, row{" 2.5e-3 ", true, "2.5e-3"}, row{"-7", true, "-7"},
-                       row{"abc", false, ""}, row{"", false, ""}, row{"10abc", false, ""}, row{"1e999", false, ""},
-                       row{"0x10", false, ""}, row{"inf", false, ""}, row{"-", false, ""}}) {
-    std::string out = "unchanged";
-    EXPECT_EQ(filterValue(latts, r.text, out), r.ok) << r.text;
-    EXPECT_EQ(out, r.ok ? std::string(r.kept) : std::string("unchanged")) << r.text;
-  }
-  std::string out;
-  EXPECT_TRUE(filterValue(lookupParameter("uinb"), "-", out)) << "an inflow value may be the dash";
-  EXPECT_EQ(out, "-");
+  std::string all;
+  for (const char* text : {"1,000", " 2.5e-3 ", "-7", "abc", "", "10abc", "1e999", "0x10", "inf", "-"})
+    all += filtered("latts", text) + "|";
+  EXPECT_EQ(all, "1000|2.5e-3|-7|refused|refused|refused|refused|refused|refused|refused|");
+  EXPECT_EQ(filtered("uinb", "-"), "-") << "an inflow value may be the dash";
 }
 
 TEST_F(editorCase, TypedValueIsCommittedWhenTheSelectionMovesAndWrittenOnAccept) {
@@ -137,17 +132,16 @@ TEST_F(editorCase, AddedRowsTakeTheSelectedPlaceAndDeltatGreysCfl) {
   ASSERT_EQ(run({add(), add(), add(), add(), press(keyEsc)}), -1);
   ASSERT_EQ(editor.count, 6);
   // Each new row went in at the selected row, which then selects it.
-  const auto& e = editor.entries;
-  EXPECT_EQ(e[0].enabled, 0) << "cfl is greyed by deltat";
-  EXPECT_EQ(e[1].name, "deltat");
-  EXPECT_EQ(e[2].name, "frobnicate");
-  EXPECT_EQ(e[2].index, unknownParameter);
-  EXPECT_EQ(e[2].listNumber, -1) << "an unknown name shows no number";
-  EXPECT_EQ(e[3].description, "---- Notes ----");
-  EXPECT_EQ(e[3].isTextLine, 1);
-  EXPECT_EQ(e[4].name + " " + std::to_string(e[4].index) + " " + e[4].description + " " + e[4].value,
-            "latts 16 End time step. 0");
-  EXPECT_EQ(e[5].name, "ny");
+  std::string rows;
+  for (int i = 0; i < 6; ++i)
+    rows += (editor.entries[i].isTextLine ? editor.entries[i].description : editor.entries[i].name) + "|";
+  EXPECT_EQ(rows, "cfl|deltat|frobnicate|---- Notes ----|latts|ny|");
+  EXPECT_EQ(editor.entries[0].enabled, 0) << "cfl is greyed by deltat";
+  EXPECT_EQ(std::pair(editor.entries[2].index, editor.entries[2].listNumber), std::pair(unknownParameter, -1))
+      << "an unknown name shows no number";
+  EXPECT_EQ(
+      std::to_string(editor.entries[4].index) + " " + editor.entries[4].description + " " + editor.entries[4].value,
+      "16 End time step. 0");
 }
 
 TEST_F(editorCase, AnUnpickedChoiceIsRefusedUntilAnOptionIsChosen) {
