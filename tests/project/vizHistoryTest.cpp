@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -47,10 +46,8 @@ TEST(VizFile, RoundTripAndReaderRules) {
   marvtest::inFolder here(marvtest::scratchFolder("viz"));
   std::filesystem::create_directory("input");
   appConfig written = domain();
-  written.useLightingFlag = 1;
   written.cameraRadius = 123.5f;
   written.manualMaxValue = -3.25e-7;
-  written.numTracerParticles = 77;
   marv::syncViz(written, 1);
   EXPECT_FALSE(std::filesystem::exists("input/viz.txt.tmp"));
   appConfig read = domain();
@@ -70,25 +67,17 @@ TEST(VizFile, RoundTripAndReaderRules) {
   EXPECT_EQ(marv::formatVizFile(cfg).find("bogusKey"), std::string::npos);
 }
 
-TEST(VizFile, MissingAndDamagedFilesLeaveDefaults) {
+// Noise is the fuzz target's; these are the values at the ends of the number types.
+TEST(VizFile, MissingFilesLeaveDefaultsAndExtremeValuesSaturate) {
   marvtest::inFolder here(marvtest::scratchFolder("vizbad"));
   appConfig cfg;
   marv::syncViz(cfg, 0);
   EXPECT_EQ(marv::formatVizFile(cfg), marv::formatVizFile(appConfig{}));
-
   std::filesystem::create_directory("input");
-  std::mt19937 random(5);
-  std::string noise;
-  for (int i = 0; i < 20000; ++i) noise.push_back(static_cast<char>(random() & 255));
-  for (const std::string& text : {noise, std::string(5000, 'x') + " 1\n", std::string("numProbes"),
-                                  std::string("numProbes 1e300\nshowForce nan\ncameraRadius 1e300\n")}) {
-    marvtest::writeText("input/viz.txt", text);
-    appConfig damaged;
-    marv::syncViz(damaged, 0);
-    EXPECT_EQ(countLines(marv::formatVizFile(damaged)), 71);
-  }
+  marvtest::writeText("input/viz.txt", "numProbes 1e300\nshowForce nan\ncameraRadius 1e300\n");
   appConfig huge;
   marv::syncViz(huge, 0);
+  EXPECT_EQ(countLines(marv::formatVizFile(huge)), 71);
   EXPECT_EQ(huge.numProbes, 2147483647) << "whole numbers saturate";
   EXPECT_EQ(huge.showForce, 0) << "nan reads as 0";
 }
