@@ -57,23 +57,18 @@ class panelRun : public ::testing::Test {
     ASSERT_EQ(panel.slideY, 0);
   }
   // The centre of button i of the panel at rest.
-  int centreX(int i) const {
-    return cfg.mediumSize + panelButtonAt(i).column * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
-  }
-  int centreY(int i) const {
-    return cfg.mediumSize + (panelButtonAt(i).row - 1) * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2;
-  }
+  int centreX(int i) const { return centre(panelButtonAt(i).column); }
+  int centreY(int i) const { return centre(panelButtonAt(i).row - 1); }
+  int centre(int cell) const { return cfg.mediumSize + cell * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2; }
   void click(int x, int y) {
-    frame(pointer(x, y));
-    frame(pointer(x, y, true));
-    frame(pointer(x, y));
+    for (const inputFrame& f : marvtest::click(x, y)) frame(f);
   }
-  void clickButton(int i) { click(centreX(i), centreY(i)); }
+  void clickButton(const std::string& label) { click(centreX(indexOf(label)), centreY(indexOf(label))); }
   int indexOf(const std::string& label) const {
-    for (int i = 0; i < panelButtonCount; ++i)
-      if (label == panelButtonAt(i).label) return i;
-    ADD_FAILURE() << "no button " << label;
-    return 0;
+    int i = 0;
+    while (i < panelButtonCount - 1 && label != panelButtonAt(i).label) ++i;
+    EXPECT_EQ(label, panelButtonAt(i).label);
+    return i;
   }
 
   appConfig cfg;
@@ -119,9 +114,9 @@ TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQu
   // Two clicks: over and back, the panel staying open.
   const auto twice = [&](const std::string& label, const std::function<int()>& value) {
     const int before = value();
-    clickButton(indexOf(label));
+    clickButton(label);
     const int once = value();
-    clickButton(indexOf(label));
+    clickButton(label);
     EXPECT_EQ(std::vector<int>({once, value(), cfg.panelBusy}), std::vector<int>({before == 0, before != 0, 1}))
         << label;
   };
@@ -138,15 +133,15 @@ TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQu
   const std::pair<const char*, int> quantities[] = {
       {"Density", 1}, {"U", 2}, {"V", 3}, {"W", 4}, {"|U|", 5}, {"Temperature", 6}, {"Mass fraction", 7}, {"p-p0", 8}};
   for (const auto& [label, value] : quantities) {
-    clickButton(indexOf(label));
+    clickButton(label);
     EXPECT_EQ(cfg.dispQuantFlag, value) << label;
   }
-  clickButton(indexOf("p-p0"));
+  clickButton("p-p0");
   EXPECT_EQ(cfg.dispQuantFlag, 8) << "a click on the selected quantity keeps it";
-  clickButton(indexOf("Age variable"));
+  clickButton("Age variable");
   EXPECT_EQ(cfg.dispQuantFlag * 10 + panel.buttons[indexOf("Age variable")].state, 80) << "no age variable in this run";
   cfg.ageFlag = 1;
-  clickButton(indexOf("Age variable"));
+  clickButton("Age variable");
   EXPECT_EQ(cfg.dispQuantFlag, 11);
   for (const auto& [label, value] : quantities) EXPECT_EQ(panel.buttons[indexOf(label)].state, 0) << label;
 }
@@ -158,30 +153,21 @@ TEST_F(panelRun, lightingTurnsTheEdgesTheOtherWayAndResetIsAOneShot) {
   // Lighting turns the edges the other way; the edges can then be changed by themselves.
   std::vector<int> seen;
   for (const char* label : {"Lighting", "Poly-frames", "Lighting"}) {
-    clickButton(indexOf(label));
+    clickButton(label);
     seen.insert(seen.end(), {int(cfg.useLightingFlag), int(cfg.polygonFrames)});
   }
   EXPECT_EQ(seen, (std::vector<int>{1, 0, 1, 1, 0, 1}));
 
   const int reset = indexOf("Reset camera");
-  clickButton(reset);
+  clickButton("Reset camera");
   EXPECT_EQ(scene.resetCameraFlag * 10 + panel.buttons[reset].state, 11) << "on in the frame of the click";
   scene.resetCameraFlag = 0;  // the frame acts on it
   frame(pointer(centreX(reset), centreY(reset)));
   EXPECT_EQ(panel.buttons[reset].state, 0) << "never stays on";
 
   cfg.manualMinFlag = cfg.manualMaxFlag = 1;
-  clickButton(indexOf("Auto scale"));
+  clickButton("Auto scale");
   EXPECT_EQ(cfg.manualMinFlag + cfg.manualMaxFlag, 0);
-}
-
-TEST_F(panelRun, theQuickSnapshotBesideTheClosedCornerAsksForOnePicture) {
-  const int x = panel.triggerWidth + 2 * cfg.textGap + cfg.buttonSize / 2, y = cfg.textGap + cfg.buttonSize / 2;
-  click(x, y);
-  EXPECT_EQ(cfg.snapshotRequested * 10 + cfg.panelBusy, 10) << "the button lies beside the corner that opens the panel";
-  cfg.snapshotRequested = 0;  // the driver saves and clears
-  frame(pointer(x, y));
-  EXPECT_EQ(cfg.snapshotRequested, 0);
 }
 
 TEST_F(panelRun, scaleLimitPromptsKeepOnlyTheNumberAndCancelLeavesTheLimitOff) {
@@ -224,7 +210,7 @@ TEST_F(panelRun, leavingThePanelSavesVizTxtOnceTheRunHasStepped) {
   std::filesystem::create_directories("input");
   cfg.ts = 0;
   open();
-  clickButton(indexOf("Velocity vector"));
+  clickButton("Velocity vector");
   frame(pointer(600, 600));
   EXPECT_FALSE(std::filesystem::exists("input/viz.txt")) << "no save at step 0";
   cfg.ts = 1;
@@ -234,17 +220,26 @@ TEST_F(panelRun, leavingThePanelSavesVizTxtOnceTheRunHasStepped) {
   EXPECT_NE(marvtest::readText("input/viz.txt").find("showVectorFlag"), std::string::npos);
 }
 
-TEST_F(panelRun, analysisArrowsStepBackAndForth) {
-  cfg.analysisMode = 1;
-  const int y = (cfg.screenHeight - 192) / 2 + 96;
-  click(2 * cfg.textGap + 32, y);
-  EXPECT_EQ(cfg.analysisDirection, -1);
-  click(cfg.screenWidth - 64 - 2 * cfg.textGap + 32, y);
-  EXPECT_EQ(cfg.analysisDirection, 1);
-  cfg.analysisMode = 0;
-  cfg.analysisDirection = 0;
-  click(2 * cfg.textGap + 32, y);
-  EXPECT_EQ(cfg.analysisDirection, 0) << "no arrows outside Analysis mode";
+// Beside the closed panel: the quick snapshot and, in Analysis mode, the arrows.
+TEST_F(panelRun, theQuickSnapshotAsksForOnePictureAndAnalysisArrowsStepBackAndForth) {
+  const int x = panel.triggerWidth + 2 * cfg.textGap + cfg.buttonSize / 2, y = cfg.textGap + cfg.buttonSize / 2;
+  click(x, y);
+  EXPECT_EQ(cfg.snapshotRequested * 10 + cfg.panelBusy, 10) << "the button lies beside the corner that opens the panel";
+  cfg.snapshotRequested = 0;  // the driver saves and clears
+  frame(pointer(x, y));
+  EXPECT_EQ(cfg.snapshotRequested, 0);
+
+  const int arrowY = (cfg.screenHeight - 192) / 2 + 96, back = 2 * cfg.textGap + 32;
+  std::vector<int> directions;
+  for (const int mode : {1, 0}) {
+    cfg.analysisMode = mode;
+    cfg.analysisDirection = 0;
+    click(back, arrowY);
+    directions.push_back(cfg.analysisDirection);
+    click(cfg.screenWidth - 64 - 2 * cfg.textGap + 32, arrowY);
+    directions.push_back(cfg.analysisDirection);
+  }
+  EXPECT_EQ(directions, (std::vector<int>{-1, 1, 0, 0})) << "no arrows outside Analysis mode";
 }
 
 }  // namespace
