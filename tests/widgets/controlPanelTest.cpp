@@ -8,13 +8,8 @@
 #include <tuple>
 #include <vector>
 
-#include "layer/inputScript.h"
-#include "layer/layer.h"
-#include "scene/inputState.h"
-#include "scene/sceneView.h"
-#include "screenScript.h"
 #include "testSupport.h"
-#include "widgets/controlPanel.h"
+#include "tests/widgets/panelSupport.h"
 
 namespace {
 
@@ -22,47 +17,20 @@ using namespace marv;
 
 using marvtest::pointer;
 
-class panelRun : public ::testing::Test {
+class panelRun : public ::testing::Test, protected marvtest::panelDriver {
  protected:
   void SetUp() override {
     setGraphicsMode(1280, 720, 32, 60);
-    cfg.screenWidth = 1280;
-    cfg.screenHeight = 720;
     cfg.mediumSize = 10;
-    cfg.textHeight = 20;
-    cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
-    resetInputState(input);
-    panel.scene = &scene;
-    constructControlPanel(panel, cfg);
-    panel.slideMs = 1;  // the tests need the panel where it comes to rest
+    start();
   }
   void TearDown() override {
     destroyControlPanel(panel);
     stopLayer();
   }
-
-  // The driver's order for one frame: input, then the panel.
-  void frame(const inputFrame& f) {
-    setInputScript({f}, false);
-    processMessages();
-    handleFrameInput(input, cfg);
-    runControlPanel(panel, cfg);
-  }
-  void open() {
-    for (int i = 0; i < 50 && (cfg.panelBusy == 0 || panel.slideY != 0); ++i) {
-      frame(pointer(5, 5));
-      waitMs(2);
-    }
-    ASSERT_EQ(cfg.panelBusy, 1);
-    ASSERT_EQ(panel.slideY, 0);
-  }
   // The centre of button i of the panel at rest.
   int centreX(int i) const { return centre(panelButtonAt(i).column); }
   int centreY(int i) const { return centre(panelButtonAt(i).row - 1); }
-  int centre(int cell) const { return cfg.mediumSize + cell * (cfg.mediumSize + cfg.buttonSize) + cfg.buttonSize / 2; }
-  void click(int x, int y) {
-    for (const inputFrame& f : marvtest::click(x, y)) frame(f);
-  }
   void clickButton(const std::string& label) { click(centreX(indexOf(label)), centreY(indexOf(label))); }
   int indexOf(const std::string& label) const {
     int i = 0;
@@ -70,11 +38,6 @@ class panelRun : public ::testing::Test {
     EXPECT_EQ(label, panelButtonAt(i).label);
     return i;
   }
-
-  appConfig cfg;
-  inputState input;
-  sceneView scene;
-  controlPanel panel;
 };
 
 TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesIt) {

@@ -14,12 +14,11 @@
 #include "layer/layer.h"
 #include "renderSupport.h"
 #include "result/stepResults.h"
-#include "scene/inputState.h"
 #include "scene/sceneView.h"
 #include "scene/shortcutList.h"
 #include "screenScript.h"
 #include "testSupport.h"
-#include "widgets/controlPanel.h"
+#include "tests/widgets/panelSupport.h"
 #include "widgets/textBox.h"
 
 namespace {
@@ -171,47 +170,25 @@ TEST_F(widgetRender, screenshotsOfTheWidgetsInBothLanguages) {
 }
 
 // The control panel over a grey picture in a window of 1280 x 720.
-class panelRender : public marvtest::offscreenSuite<1280, 720> {
+class panelRender : public marvtest::offscreenSuite<1280, 720>, protected marvtest::panelDriver {
  protected:
   void SetUp() override {
     offscreenSuite::SetUp();
-    cfg.screenWidth = width;
-    cfg.screenHeight = height;
-    cfg.textHeight = 20;
     buildFonts(cfg);
-    cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
-    resetInputState(input);
-    constructControlPanel(panel, cfg);
-    panel.slideMs = 1;
+    start();
   }
   void TearDown() override {
     destroyControlPanel(panel);
     deleteFonts(cfg);
   }
-  // One frame as the run draws it: a grey picture, then the panel.
-  void frame(const inputFrame& f) {
-    setInputScript({f}, false);
-    processMessages();
-    handleFrameInput(input, cfg);
-    setBackgroundColour(90, 100, 110, 255);
-    clearDrawTarget();
-    runControlPanel(panel, cfg);
-    waitMs(2);
-  }
-
-  appConfig cfg;
-  inputState input;
-  controlPanel panel;
 };
 
 TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
-  for (int i = 0; i < 10; ++i) frame(marvtest::pointer(5, 5));
-  ASSERT_EQ(cfg.panelBusy + panel.slideY, 1) << "open and at rest";
+  open();
   cfg.showVectorFlag = 1;
   cfg.dispQuantFlag = 5;
   // Hover the "Outline" button so that its caption shows.
-  const int pitch = cfg.mediumSize + cfg.buttonSize, x = cfg.mediumSize + pitch + cfg.buttonSize / 2;
-  frame(marvtest::pointer(x, x));
+  frame(marvtest::pointer(centre(1), centre(1)));
   const auto sum = [](int px, int py) {
     const std::vector<std::uint8_t> p = marvtest::grabPixels(px, py, px + 1, py + 1);
     return p[0] + p[1] + p[2];
@@ -223,7 +200,7 @@ TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
   // The snapshot button asks, the run loop saves.
   marvtest::inFolder inside(marvtest::scratchFolder("snapshot"));
   std::filesystem::create_directories("figs");
-  for (const inputFrame& f : marvtest::click(x + 10 * pitch, x + pitch)) frame(f);
+  click(centre(11), centre(2));
   ASSERT_EQ(cfg.snapshotRequested, 1);
   saveSnapshot(cfg);
   int jpegs = 0;
