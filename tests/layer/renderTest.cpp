@@ -1,15 +1,18 @@
-// The OpenGL backend checked by the pixel on whatever OpenGL the machine has (Mesa through EGL in CI).
+// The OpenGL backend checked by the pixel on whatever OpenGL the machine has (Mesa through EGL in CI): shapes,
+// text, targets, the compact recordings against the plain calls, and the menu bar.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "layer/glCore.h"
 #include "layer/layer.h"
+#include "layer/menuDraw.h"
 #include "renderSupport.h"
 #include "scene/savedPicture.h"
 #include "testSupport.h"
@@ -282,6 +285,105 @@ TEST_F(offscreenRender, screenJpegHasTheRectangleSizeAndHalvedChroma) {
   std::remove(path.c_str());
   EXPECT_NE(saveScreenJpeg(0, 0, 10, 10, "/no/such/folder/shot.jpg", 80, 1), 0);
   EXPECT_NE(saveScreenJpeg(200, 200, 300, 300, path.c_str(), 80, 1), 0) << "nothing of the target inside";
+}
+
+// The compact ways of recording a frame draw the same pixels as the plain calls they stand for.
+class recordedShapes : public marvtest::offscreenSuite<96, 48> {
+ protected:
+  // The red, green and blue of one drawing on a grey background.
+  std::vector<std::uint8_t> picture(const std::function<void()>& draw) {
+    setBackgroundColour(90, 90, 90, 255);
+    clearDrawTarget();
+    draw();
+    setBlend(0, 0);
+    std::vector<std::uint8_t> p = marvtest::grabPixels(0, 0, width, height);
+    for (std::size_t i = 3; i < p.size(); i += 4) p[i] = 0;
+    return p;
+  }
+  static int differing(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) {
+    int n = 0;
+    for (std::size_t i = 0; i < a.size(); i += 4) n += a[i] != b[i] || a[i + 1] != b[i + 1] || a[i + 2] != b[i + 2];
+    return n;
+  }
+};
+
+TEST_F(recordedShapes, eachCompactRecordingDrawsWhatItsPlainCallsDraw) {
+  // Cells that overlap their right neighbour by one column, as the contour's
+  // do; runs of one colour, a reversed box and an empty one in between.
+  const std::uint32_t red = colour(220, 30, 30), blue = colour(30, 30, 220), yellow = colour(250, 250, 0);
+  const std::vector<int> x1{2, 9, 16, 23, 30, 44, 40, 51, 58, 58}, x2{10, 17, 24, 31, 38, 41, 52, 59, 66, 58};
+  const std::vector<std::uint32_t> colours{red, red, blue, red, red, red, red, blue, blue, red};
+  const int n = static_cast<int>(x1.size());
+  // Segments slanted, axis-aligned, a point (nothing drawn) and a thick one.
+  const std::vector<float> xy{3.5f,  4.0f,  40.2f, 30.7f, 50.0f, 10.0f, 90.0f, 10.0f,
+                              60.0f, 40.0f, 60.0f, 40.0f, 70.0f, 20.0f, 80.5f, 44.0f};
+  const char* text = "*|U| 1.5e-03 s";
+  struct drawing {
+    const char* what;
+    std::function<void()> recorded, plain;
+  };
+  std::vector<drawing> cases;
+  for (const int blend : {0, 1})
+    cases.push_back({"box row",
+                     [&, blend] {
+                       setBlend(blend, 128);
+                       drawBoxRow(x1.data(), x2.data(), 30, 8, colours.data(), n);
+                     },
+                     [&, blend] {
+                       setBlend(blend, 128);
+                       for (int i = 0; i < n; ++i) drawBox(x1[i], 8, x2[i], 30, colours[i], 1);
+                     }});
+  // An edged text is the text over its eight shifted copies in the edge colour.
+  cases.push_back({"edged text", [&] { drawText(4, 12, text, colour(0, 0, 0), -1, colour(255, 255, 255), 0); },
+                   [&] {
+                     for (int dy = -1; dy <= 1; ++dy)
+                       for (int dx = -1; dx <= 1; ++dx)
+                         if (dx != 0 || dy != 0) drawText(4 + dx, 12 + dy, text, colour(255, 255, 255), -1, 0, 0);
+                     drawText(4, 12, text, colour(0, 0, 0), -1, 0, 0);
+                   }});
+  for (const float thickness : {1.0f, 3.0f})
+    cases.push_back({"segment list", [&, thickness] { drawLinesF(xy.data(), 4, yellow, thickness); },
+                     [&, thickness] {
+                       for (int m = 0; m < 4; ++m)
+                         drawLineF(xy[4 * m], xy[4 * m + 1], xy[4 * m + 2], xy[4 * m + 3], yellow, thickness);
+                     }});
+  const std::vector<std::uint8_t> empty = picture([] {});
+  for (const drawing& d : cases) {
+    const std::vector<std::uint8_t> expected = picture(d.plain);
+    EXPECT_EQ(differing(picture(d.recorded), expected), 0) << d.what;
+    EXPECT_GT(differing(expected, empty), 50) << d.what << " draws something";
+  }
+}
+
+// The menu bar over a black picture: a greyed item looks grey, an open menu covers the picture below.
+class menuDrawing : public marvtest::offscreenSuite<400, 240> {};
+
+TEST_F(menuDrawing, greyedItemsAreDrawnGreyAndTheOpenMenuCoversThePicture) {
+  menu::menuModel m = menu::mainMenu();
+  m.shown = true;
+  m.measure = menu::menuTextWidth;
+  m.canvasWidth = width;
+  menu::setItemEnabled(m, menu::commandNewProject, false);
+  menu::keyPressed(m, 0, 'F', true);
+  setBackgroundColour(0, 0, 0, 255);
+  clearDrawTarget();
+  menu::drawMenu(m);
+  // Darkest red in an item: text leaves dark pixels, a greyed caption only mid-grey ones.
+  const menu::rect list = menu::openListRect(m);
+  const auto darkest = [&](int item) {
+    const menu::rect r = menu::itemRect(m, 0, item, list.x1, list.y1);
+    const std::vector<std::uint8_t> p = marvtest::grabPixels(r.x1, r.y1, r.x2, r.y2);
+    int least = 255;
+    for (std::size_t i = 0; i < p.size(); i += 4) least = std::min<int>(least, p[i]);
+    return least;
+  };
+  EXPECT_LT(darkest(3), 90) << "an enabled caption is dark";
+  EXPECT_GT(darkest(0), 120) << "a greyed caption is light grey";
+  EXPECT_GT(marvtest::grabPixels((list.x1 + list.x2) / 2, list.y2 - 2, (list.x1 + list.x2) / 2 + 1, list.y2 - 1)[0],
+            200)
+      << "the menu's back hides the black picture";
+  EXPECT_EQ(marvtest::grabPixels(list.x2 + 40, list.y2 - 2, list.x2 + 41, list.y2 - 1)[0], 0)
+      << "beside the menu the picture shows";
 }
 
 }  // namespace
