@@ -65,16 +65,11 @@ class shownBox : public ::testing::Test {
     stopLayer();
   }
 
-  int frame(const char* text) {
-    processMessages();
-    return showTextBox(box, text, 1, 0);
-  }
-
   // Plays the frames with the box shown non-blocking in each; the answers.
   std::vector<int> play(const std::vector<inputFrame>& frames, const char* text = "Enter a name.") {
     setInputScript(frames, false);
     std::vector<int> answers;
-    while (inputScriptFramesLeft() > 0) answers.push_back(frame(text));
+    while (inputScriptFramesLeft() > 0 && processMessages() == 0) answers.push_back(showTextBox(box, text, 1, 0));
     return answers;
   }
 
@@ -138,7 +133,7 @@ TEST_F(shownBox, theInputTakesTheKeyboardTakesLongTextWholeAndEnterAnswersYes) {
 
 TEST_F(shownBox, buttonsAndEscGiveTheAnswersOfTheirSet) {
   setTextBoxButtons(box, 5);
-  ASSERT_EQ(frame("Remove?"), 0);
+  ASSERT_EQ(play({{}}, "Remove?"), std::vector<int>{0});
   EXPECT_EQ(play(marvtest::click(box.okButton.centreX, box.okButton.centreY), "Remove?"), (std::vector<int>{0, 0, 1}));
   EXPECT_EQ(play(marvtest::click(box.cancelButton.centreX, box.cancelButton.centreY), "Remove?").back(), -1);
   const inputFrame esc = marvtest::holding(keyEsc);
@@ -149,11 +144,11 @@ TEST_F(shownBox, buttonsAndEscGiveTheAnswersOfTheirSet) {
   EXPECT_EQ(play({marvtest::holding(keyEnter)}, "Done."), (std::vector<int>{1}));
 
   setTextBoxButtons(box, 8);
-  ASSERT_EQ(frame("Back."), 0);
+  play({{}}, "Back.");
   EXPECT_EQ(play(marvtest::click(box.prevButton.centreX, box.prevButton.centreY), "Back.").back(), -1);
 
   setTextBoxButtons(box, 0);
-  EXPECT_EQ(frame("Note."), -1) << "a box without buttons answers at once";
+  EXPECT_EQ(play({{}}, "Note."), std::vector<int>{-1}) << "a box without buttons answers at once";
 }
 
 TEST_F(shownBox, aBlockingBoxRunsItsOwnFramesUntilAnsweredAndHandsTheKeyboardBack) {
