@@ -67,13 +67,9 @@ TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   const fs::path source = root / "source" / "input";
   for (const char* bitmap : {"bcXY0.bmp", "bcZX3.bmp"})
     marvtest::writeBmp(source / bitmap, 4, 4, [](int, int) { return marvtest::rgb{}; });
-  for (const auto& [file, text] :
-       std::initializer_list<std::pair<const char*, const char*>>{{"bcXY1.bmp", "not a picture"},
-                                                                  {"bc.stl", "solid x\nendsolid x\n"},
-                                                                  {"param.txt", "1:nx 9\n"},
-                                                                  {"viz.txt", "showVectorFlag 1\n"},
-                                                                  {"bmp.txt", "x\n"}})
-    marvtest::writeText(source / file, text);
+  for (const char* other : {"bcXY1.bmp", "viz.txt", "bmp.txt"}) marvtest::writeText(source / other, "x\n");
+  marvtest::writeText(source / "bc.stl", "solid x\nendsolid x\n");
+  marvtest::writeText(source / "param.txt", "1:nx 9\n");
 
   c.wizard.newProject = 1;
   projectFromPath(c.wizard, (root / "fresh").string(), true);
@@ -90,25 +86,20 @@ TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n");
   EXPECT_EQ(fs::path(c.cfg.absProjPath), fs::canonical(root / "fresh") / "");
 
-  // The same folder again is refused, with the folder named.
+  // The same folder again is refused as a new project, with the folder named;
+  // as an existing one it keeps its files and gets its missing folders back.
   fs::current_path(c.start);
   ASSERT_EQ(openProjectFolder(c.wizard, c.cfg), -1);
   EXPECT_EQ(c.wizard.message, "Project directory is not valid. [filepath] " + (root / "fresh").string() + "/.");
-  EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n") << "nothing of the existing project changes";
-  fs::remove_all(root);
-}
-
-TEST(ProjectFolder, ExistingProjectKeepsItsFilesAndGetsMissingFolders) {
-  wizardCase c;
-  const fs::path root = marvtest::scratchFolder("wizard-open");
-  marvtest::writeText(root / "old" / "input" / "param.txt", "1:nx 7\n");
-  marvtest::writeText(root / "old" / "dump" / "keep.txt", "k");
+  fs::remove_all(root / "fresh" / "figs");
+  marvtest::writeText(root / "fresh" / "dump" / "keep.txt", "k");
   c.wizard.newProject = 0;
-  projectFromPath(c.wizard, (root / "old" / "input" / "param.txt").string(), false);
+  projectFromPath(c.wizard, (input / "param.txt").string(), false);
   ASSERT_EQ(openProjectFolder(c.wizard, c.cfg), 1);
-  EXPECT_TRUE(fs::is_directory(root / "old" / "figs"));
-  EXPECT_EQ(marvtest::readText(root / "old" / "dump" / "keep.txt"), "k");
-  EXPECT_EQ(marvtest::readText(root / "old" / "input" / "param.txt"), "1:nx 7\n");
+  EXPECT_TRUE(fs::is_directory(root / "fresh" / "figs"));
+  EXPECT_EQ(marvtest::readText(root / "fresh" / "dump" / "keep.txt") + marvtest::readText(input / "param.txt"),
+            "k1:nx 9\n");
+  fs::current_path(c.start);
   fs::remove_all(root);
 }
 
@@ -128,31 +119,27 @@ TEST(StartScreen, RowsFireOnlyForAPressThatBeganOnThem) {
   EXPECT_EQ(play(runStartScreen, c, marvtest::click(ax, ay)), 4);
 }
 
-TEST(StartScreen, ProceedOpensTheLastProjectAndEscCancels) {
+TEST(StartScreen, ProceedOpensTheLastProjectEnterCountsOnlyAfterTheDebounceAndEscCancels) {
   wizardCase c;
   c.cfg.absProjPath = "/somewhere/box/";
   EXPECT_EQ(play(runStartScreen, c, marvtest::click(c.cfg.proceedX + 10, c.cfg.proceedY + 10)), 1);
   EXPECT_EQ(c.chosen, "/somewhere/box/input/param.txt");
   EXPECT_EQ(c.wizard.newProject, 0);
-  c.chosen.clear();  // a path in the buffer would end the screen at once
+  c.chosen.clear();  // a path in the buffer ends the screen at once
   EXPECT_EQ(play(runStartScreen, c, marvtest::press(keyEsc)), -1);
-}
 
-TEST(StartScreen, EnterCountsOnlyAfterTheDebounce) {
-  wizardCase c;
   screenInput in;
   in.enter = true;
   in.now = 100000;
-  c.cfg.lastKeyMs = in.now - 400;  // Enter still held from the screen before
+  c.cfg.absProjPath = appConfig{}.absProjPath;  // no project before
+  c.cfg.lastKeyMs = in.now - 400;               // Enter still held from the screen before
   EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, in), 0);
   EXPECT_TRUE(c.chosen.empty());
   c.cfg.lastKeyMs = in.now - 401;
   EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, in), 1);
   EXPECT_EQ(c.chosen, "./input/param.txt") << "no project before: the start folder";
-
-  // A path that a menu command put in the buffer ends the screen at once.
   c.chosen = "/x/input/param.txt";
-  EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, screenInput{}), 1);
+  EXPECT_EQ(startScreenFrame(c.wizard, c.cfg, screenInput{}), 1) << "a path that a menu command put in the buffer";
 }
 
 std::string askedTitle;
