@@ -40,7 +40,10 @@ class panelRun : public ::testing::Test, protected marvtest::panelDriver {
   }
 };
 
-TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesIt) {
+// Leaving saves viz.txt, once the run has stepped.
+TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesItAndSavesTheView) {
+  marvtest::inFolder inside(marvtest::scratchFolder("panel"));
+  std::filesystem::create_directories("input");
   frame(pointer(cfg.buttonSize + 1, 1));
   EXPECT_EQ(cfg.panelBusy, 0) << "just beside the corner";
   frame(pointer(cfg.buttonSize, cfg.buttonSize));
@@ -51,6 +54,13 @@ TEST_F(panelRun, theCornerOpensItTheRunIsHeldAndLeavingClosesIt) {
   EXPECT_EQ(cfg.panelBusy, 1) << "the far corner is still on the panel";
   frame(pointer(panel.panelWidth + 1, 100));
   EXPECT_EQ(cfg.panelBusy, 0);
+  EXPECT_FALSE(std::filesystem::exists("input/viz.txt")) << "no save at step 0";
+  cfg.ts = 1;
+  open();
+  clickButton("Velocity vector");
+  frame(pointer(600, 600));
+  EXPECT_NE(marvtest::readText("input/viz.txt").find("\nshowVectorFlag" + std::string(27, ' ') + "1\n"),
+            std::string::npos);
 }
 
 TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQuantity) {
@@ -166,21 +176,6 @@ TEST_F(panelRun, scaleLimitPromptsKeepOnlyTheNumberAndCancelLeavesTheLimitOff) {
     frame(pointer(x, y));
     EXPECT_EQ(cfg.quitPromptFlag, 0) << "the key that closed the prompt is no shortcut afterwards";
   }
-}
-
-TEST_F(panelRun, leavingThePanelSavesVizTxtOnceTheRunHasStepped) {
-  marvtest::inFolder inside(marvtest::scratchFolder("panel"));
-  std::filesystem::create_directories("input");
-  cfg.ts = 0;
-  open();
-  clickButton("Velocity vector");
-  frame(pointer(600, 600));
-  EXPECT_FALSE(std::filesystem::exists("input/viz.txt")) << "no save at step 0";
-  cfg.ts = 1;
-  open();
-  frame(pointer(600, 600));
-  ASSERT_TRUE(std::filesystem::exists("input/viz.txt"));
-  EXPECT_NE(marvtest::readText("input/viz.txt").find("showVectorFlag"), std::string::npos);
 }
 
 // Beside the closed panel: the quick snapshot and, in Analysis mode, the arrows.
