@@ -28,7 +28,6 @@ TEST(Array3d, EmptyForNonPositiveSizesIFastestViewsAndCountsBeyondThirtyTwoBitsR
       ASSERT_EQ(a.data[c], c % n + 100 * (c / n % (n + 1)) + 10000 * (c / (n * (n + 1))))
           << " at n=" << n << " c=" << c;
   }
-
   EXPECT_THROW(ownedArray3d<double>(65536, 65536, 1), std::length_error);
   EXPECT_THROW(ownedArray3d<int>(2000, 2000, 2000), std::length_error);
   EXPECT_EQ(checkedElementCount(46340, 46340, 1), 46340 * 46340);

@@ -34,7 +34,6 @@ TEST(lineTriangleHit, segmentsThroughTheInsideHitAtThePlaneAndOthersMiss) {
                          lineTriangleHit({10, 10, 0}, {10, 10, 0}, p1, p2, p3).hit,
                          lineTriangleHit({10, 10, -1}, {10, 10, 9}, p1, p1, p3).hit}),
             (std::vector{1, 1, 0, 0, 0, 0, 0, 0}));
-
   // A mouse ray through a cell of a scene some thousand pixels wide.
   const vec3 q1{3000.0f, 2000.0f, 1500.0f}, q2{3000.5f, 2000.0f, 1500.0f}, q3{3000.0f, 2000.5f, 1500.0f};
   const hitResult far = lineTriangleHit({3000.1f, 2000.1f, -50000.0f}, {3000.1f, 2000.1f, 50000.0f}, q1, q2, q3);

@@ -111,7 +111,6 @@ TEST(pictureFiles, loadImageOfTheHeadlessBackendKnowsSizesAndRefusesJunk) {
   for (const char* path : {junk.c_str(), dir.c_str(), "/no/such/file.png", static_cast<const char*>(nullptr)})
     EXPECT_LT(loadImage(path, 0), 0) << (path ? path : "null");
   std::remove(junk.c_str());
-
   const int tile = loadImageResource(777);
   int w = 0, h = 0;
   EXPECT_EQ(imageSize(tile, &w, &h), 0);
@@ -130,7 +129,6 @@ TEST(jpegFiles, writtenImagesReadBackAndBadOnesFail) {
   EXPECT_EQ(std::pair(picture.width, picture.height), std::pair(24, 10));
   EXPECT_NEAR(picture.pixels[4 * 25 + 2], 220, 8) << "blue of a pixel inside";
   EXPECT_EQ(picture.pixels[4 * 25 + 3], 255) << "opaque";
-
   EXPECT_FALSE(writeJpegFile("/no/such/folder/x.jpg", rgba.data(), 16, 8, 80, 1) ||
                writeJpegFile(path, rgba.data(), 0, 8, 80, 1) || writeJpegFile(path, nullptr, 16, 8, 80, 1));
   EXPECT_TRUE(writeJpegFile(path, rgba.data(), 15, 7, 200, 1)) << "odd sizes with halved chroma, quality clamped";

@@ -29,14 +29,12 @@ TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
   inputFrame move = marvtest::frameAt(41, 30, mouseLeft | mouseRight, {keyX}, {keyEsc});
   press.wheel = -2, move.wheel = 3;
   setInputScript({press, move, marvtest::pointer(41, 30)}, true);
-
   EXPECT_EQ(mouseButtons(), 0) << "nothing arrives before the first processMessages";
   ASSERT_EQ(processMessages(), 0);
   int x = 0, y = 0;
   mousePosition(&x, &y);
   EXPECT_EQ((std::vector<int>{x, y, mouseButtons(), keyDown(keyLeftShift), keyDown(keyX), anyKeyDown(1)}),
             (std::vector<int>{40, 30, mouseLeft, 1, 1, 1}));
-
   ASSERT_EQ(processMessages(), 0);
   EXPECT_EQ(mouseButtons(), mouseLeft | mouseRight);
   std::uint8_t table[256];
@@ -46,12 +44,10 @@ TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
   EXPECT_EQ(held * 10 + table[keyX], 11) << "X alone is held: a missing key is released, a tapped one not held";
   // Notches add up until a clearing call (braced lists run in order).
   EXPECT_EQ((std::vector<int>{mouseWheel(0), mouseWheel(1), mouseWheel(1)}), (std::vector<int>{1, 1, 0}));
-
   ASSERT_EQ(processMessages(), 0);
   EXPECT_EQ(anyKeyDown(7) + inputScriptFramesLeft(), 0);
   EXPECT_EQ((std::vector<int>{processMessages(), processMessages()}), (std::vector<int>{-1, -1}))
       << "the script closes the window after its last frame, for good";
-
   inputFrame close;
   close.closeWindow = true;
   setInputScript({inputFrame{}, close, inputFrame{}}, false);
@@ -117,14 +113,12 @@ TEST_F(scriptedInput, enterFinishesEscCancelsOnlyWhereAllowed) {
   }
   EXPECT_EQ(states, (std::vector<int>{0, 1, 1})) << "Esc does not cancel a field that does not allow it";
   EXPECT_EQ(fieldText(strict), "abc") << "a finished field takes no more keys";
-
   activateTextInput(lenient);
   setInputScript({marvtest::holding(keyEsc), marvtest::holding(keyEsc)}, false);
   processMessages();
   processMessages();
   EXPECT_EQ(textInputState(lenient), 2) << "a held key edits once, when it goes down";
   EXPECT_EQ(keyDown(keyEsc), 1) << "and still shows in the key table";
-
   activateTextInput(strict);
   EXPECT_EQ(textInputState(strict), 0) << "activating a field starts editing again";
   char cut[3];

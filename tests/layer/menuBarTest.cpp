@@ -25,7 +25,6 @@ class menuBarTest : public ::testing::Test {
  protected:
   menuModel m = mainMenu();
   void SetUp() override { m.shown = true; }
-
   void clickHead(int head) {
     const point p = centre(headRect(m, head));
     leftButton(m, p.x, p.y, true);
@@ -49,7 +48,6 @@ TEST_F(menuBarTest, hoveringOpensNothingASecondClickClosesAndAPressDraggedOntoAn
   clickHead(0);
   EXPECT_FALSE(isOpen(m));
   EXPECT_TRUE(taken().empty());
-
   // Through the submenu head into the submenu, button held all the way.
   EXPECT_TRUE(leftButton(m, file.x, file.y, true));
   const rect list = openListRect(m);
@@ -76,7 +74,6 @@ TEST_F(menuBarTest, arrowsMoveBetweenHeadsAndAClickOutsideClosesWithoutPassingOn
   keyPressed(m, marv::keyRight, 0, false);
   EXPECT_EQ(m.openHead, 0);
   EXPECT_GE(m.openSub, 0) << "Right on an item with a submenu opens it";
-
   const point outside{700, 400};
   EXPECT_TRUE(leftButton(m, outside.x, outside.y, true)) << "the closing click is the menu's";
   EXPECT_FALSE(isOpen(m));
@@ -134,7 +131,6 @@ TEST(windowMenu, commandsReachTheReceiverInsideProcessMessagesAndExitCloses) {
   EXPECT_TRUE(received.empty()) << "commands wait for the message handling";
   EXPECT_EQ(marv::processMessages(), 0);
   EXPECT_EQ(received, std::vector<int>{commandHelpParameters});
-
   // Greying and captions by id; a new menu comes back enabled and in English.
   EXPECT_EQ((std::vector{marv::setMenuItemEnabled(commandNewProject, 0), marv::setMenuItemEnabled(99999, 0),
                          marv::setMenuItemText(commandExit, "Quit (&Q)"), marv::setMenuHeadText(0, 2, "separator")}),
@@ -142,7 +138,6 @@ TEST(windowMenu, commandsReachTheReceiverInsideProcessMessagesAndExitCloses) {
   marv::setWindowMenu(mainMenuId);
   EXPECT_TRUE(findItem(windowMenu(), commandNewProject)->enabled);
   EXPECT_EQ(findItem(windowMenu(), commandExit)->caption, "Exit (&X)");
-
   keyPressed(windowMenu(), 0, 'F', true);
   keyPressed(windowMenu(), 0, 'X', false);
   EXPECT_EQ((std::vector{marv::processMessages(), marv::processMessages()}), (std::vector{-1, -1}))

@@ -16,7 +16,6 @@ TEST(withoutOpenGl, theLayerStartsAndGoesOnWithoutPixels) {
   const std::string said = ::testing::internal::GetCapturedStderr();
   EXPECT_NE(said.find("pictures are skipped"), std::string::npos) << said;
   EXPECT_EQ(layerDrawsPixels(), 0);
-
   const int target = makeOffscreenImage(64, 32, 0);
   ASSERT_GT(target, 0);
   // Braced lists run in order: target, clear, box, sphere, text, present, and no draw call made.
@@ -29,7 +28,6 @@ TEST(withoutOpenGl, theLayerStartsAndGoesOnWithoutPixels) {
   EXPECT_EQ(w, 64);
   EXPECT_GT(textWidthInFont(-1, "text"), 0) << "widths come from the font files";
   EXPECT_EQ(textWidthInFont(-1, "%s", ""), 0);
-
   const int pixels = makePixelImage(4, 4);
   EXPECT_EQ(captureToPixelImage(0, 0, 4, 4, pixels), 0);
   int r = 7;

@@ -40,7 +40,6 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
   const std::string path = writeBmp("marv_pixel_path.bmp", 3, 2, picture);
   const int image = loadImage(path.c_str(), 1);
   ASSERT_GT(image, 0);
-
   const int target = makeOffscreenImage(6, 4, 0);
   ASSERT_EQ(setDrawTarget(target), 0);
   setBackgroundColour(9, 9, 9, 0);
@@ -53,7 +52,6 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
       const rgb want = picture[(y / 2) * 3 + x / 2], got = pixelAt(pixels, x, y);
       EXPECT_EQ(colorCode(got.r, got.g, got.b), colorCode(want.r, want.g, want.b)) << "at x=" << x << " y=" << y;
     }
-
   // Colour codes at the points after a drawing, against the expected colours.
   const rgb bg{9, 9, 9}, blue{0, 0, 255}, green{0, 255, 0}, brown{90, 60, 30}, yellow{255, 255, 0}, box{200, 100, 50};
   const auto check = [&](const char* what, const std::function<void()>& draw,
@@ -85,7 +83,6 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
   drawImage(0, 0, keyed, 0);
   captureToPixelImage(0, 0, 6, 4, pixels);
   EXPECT_NE(pixelAt(pixels, 0, 0).r, 9) << "drawn opaque without the transparent flag";
-
   setDrawTarget(backBuffer);
   for (int handle : {image, keyed, target, copy}) deleteImage(handle);
   deletePixelImage(pixels);

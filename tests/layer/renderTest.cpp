@@ -35,7 +35,6 @@ class offscreenRender : public marvtest::offscreenSuite<160, 120> {
     setLighting(0);
     clearDrawTarget();
   }
-
   rgba at(int x, int y) {
     const std::vector<std::uint8_t> p = marvtest::grabPixels(x, y, x + 1, y + 1);
     return {p[0], p[1], p[2], p[3]};
@@ -71,7 +70,6 @@ TEST_F(offscreenRender, floatShapesFadeTheirEdgesButKeepTheirArea) {
   drawBoxF(10.0f, 10.0f, 20.0f, 20.0f, colour(255, 255, 255), 1, 1.0f);
   EXPECT_EQ((std::vector{at(10, 10).r, at(19, 19).r, at(20, 15).r, at(9, 15).r}), (std::vector{255, 255, 0, 0}))
       << "a box on whole pixels keeps hard edges";
-
   clearDrawTarget();
   drawCircleF(80.0f, 60.0f, 20.3f, 64, colour(255, 255, 255), 1, 1.0f);
   int partial = 0;
@@ -82,7 +80,6 @@ TEST_F(offscreenRender, floatShapesFadeTheirEdgesButKeepTheirArea) {
   }
   EXPECT_GT(partial, 40) << "the rim is anti-aliased";
   EXPECT_NEAR(area, 3.14159 * 20.3 * 20.3, 25.0) << "and the disc keeps its area";
-
   // Three pixels wide about y = 100.5: rows 99, 100 and 101. Off the pixel
   // grid, about y = 101, the edge rows share the colour.
   clearDrawTarget();
@@ -102,7 +99,6 @@ TEST_F(offscreenRender, offScreenCoordinatesAreClippedNotRefused) {
             (std::vector{0, 0, 0}));
   EXPECT_EQ((std::vector{at(0, height - 1).r, at(4, 50).r, at(5, 50).r, at(width - 1, 100).r, at(10, 2).g}),
             (std::vector{255, 255, 0, 255, 255}));
-
   // Corners at the ends of int's range draw, copy and read nothing, safely.
   const int big = 2147483647, small = -2147483647 - 1;
   const int picture = makeImage(8, 8, 0), pixels = makePixelImage(8, 8);
@@ -112,7 +108,6 @@ TEST_F(offscreenRender, offScreenCoordinatesAreClippedNotRefused) {
                 captureToPixelImage(small, small, big, big, pixels)}),
             (std::vector{0, 0, 0, 0, 0}));
   deleteImage(picture);
-
   // A copy of a rectangle partly off the target keeps each pixel's place.
   clearDrawTarget();
   drawBox(0, 0, 4, 4, colour(255, 0, 0), 1);
@@ -150,7 +145,6 @@ TEST_F(offscreenRender, litSphereIsBrighterTowardTheLight) {
   EXPECT_GT(left.r, right.r + 40) << "left " << left.r << " right " << right.r;
   EXPECT_GT(right.r, 0) << "the far side still gets the ambient share";
   EXPECT_EQ(at(2, 2).r, 0);
-
   // With lighting off the plain diffuse colour shows everywhere.
   clearDrawTarget();
   setLighting(0);
@@ -187,7 +181,6 @@ TEST_F(offscreenRender, textStaysWithinItsWidthAndRunsDownWhenVertical) {
       if (red[y * width + x] > 128) (x < 5 + w + 2 ? lit : beyond)++;
   EXPECT_GT(lit, 50);
   EXPECT_EQ(beyond, 0) << "the text stays within its width";
-
   clearDrawTarget();
   drawText(70, 0, "MMMM", colour(255, 255, 255), font, 0, 1);
   int top = height, bottom = -1, left = width, right = -1;
@@ -249,7 +242,6 @@ TEST_F(offscreenRender, primitivesShareDrawCallsAndAFrameNobodyReadsIsNeverRaste
   for (int i = 0; i < 20000; ++i) drawTriangle3d({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, colour(1, 2, 3), 1);
   at(0, 0);
   EXPECT_EQ(drawCallCount() - before, 2) << "one call for the boxes, one for the 3D triangles";
-
   const int mid = drawCallCount();
   for (const int blend : {0, 1, 0}) {
     setBlend(blend, 100);
@@ -257,7 +249,6 @@ TEST_F(offscreenRender, primitivesShareDrawCallsAndAFrameNobodyReadsIsNeverRaste
   }
   at(0, 0);
   EXPECT_EQ(drawCallCount() - mid, 3) << "a blend change starts a new call";
-
   const int idle = drawCallCount();
   for (int frame = 0; frame < 5; ++frame) {
     for (int i = 0; i < 1000; ++i) drawBox(i % width, 0, i % width + 1, 10, colour(255, 0, 0), 1);

@@ -45,13 +45,11 @@ class editorCase : public ::testing::Test {
   void TearDown() override { inside_.reset(); }
   void writeParams(const std::string& text) { marvtest::writeText("input/param.txt", text); }
   std::string params() const { return marvtest::readText("input/param.txt"); }
-
   // Runs the editor under a script; returns its result.
   int run(std::initializer_list<std::vector<inputFrame>> parts) {
     marvtest::scriptedRun script(marvtest::join(parts));
     return runEditorScreen(screen, editor, cfg);
   }
-
   // Clicks on the screen's buttons.
   std::vector<inputFrame> clickAt(int x, int rise) const { return marvtest::click(x + 10, cfg.cancelY - rise + 10); }
   int s() const { return cfg.buttonSize + cfg.textGap / 2; }
@@ -60,7 +58,6 @@ class editorCase : public ::testing::Test {
   std::vector<inputFrame> swapDown() const { return clickAt(cfg.proceedX, 2 * (2 * cfg.textGap + s())); }
   std::vector<inputFrame> add() const { return clickAt(cfg.cancelX, s() + 2 * cfg.textGap); }
   std::vector<inputFrame> remove() const { return clickAt(cfg.proceedX, s() + 2 * cfg.textGap); }
-
   appConfig cfg;
   parameterEditor editor;
   editorScreen screen;
@@ -101,7 +98,6 @@ TEST_F(editorCase, AValueThatIsNoNumberIsRefusedAndNeverBecomesZero) {
   EXPECT_EQ(editor.entries[1].value, "10");
   EXPECT_NE(screen.message.find("\"10abc\" is not a number"), std::string::npos) << screen.message;
   EXPECT_EQ(params(), before);
-
   // Accepting with a bad value in the field is refused with a message: the
   // screen stays until the user cancels, and the file is left as it was.
   ASSERT_EQ(run({{typing("abc")}, proceed(), press(keyEsc)}), -1);
@@ -158,7 +154,6 @@ TEST_F(editorCase, RemoveTakesTheSelectedRowButNeverTheLast) {
   ASSERT_EQ(run({remove(), proceed()}), 1);
   EXPECT_EQ(params().find(":latts"), std::string::npos);
   EXPECT_EQ(editor.count, 2);
-
   writeParams("1:nx 5\n");
   ASSERT_EQ(run({remove(), press(keyEsc)}), -1);
   EXPECT_EQ(editor.count, 1) << "the only row stays";
@@ -174,7 +169,6 @@ TEST_F(editorCase, ScrollStopsAtTheEndAndEndShowsTheLastRow) {
   ASSERT_EQ(run({{wheel, wheel}, press(keyEsc)}), -1);
   const int pitch = cfg.textHeight + cfg.textGap;
   EXPECT_EQ(screen.scrollY, pitch * (60 + 2) - screen.listHeight) << "the wheel runs into the end of the list";
-
   ASSERT_EQ(run({press(keyEnd), marvtest::idle(2), press(keyEsc)}), -1);
   EXPECT_EQ(screen.selected, 59);
   const int rowY = pitch * 59 + cfg.textGap;
@@ -185,7 +179,6 @@ TEST_F(editorCase, ScrollStopsAtTheEndAndEndShowsTheLastRow) {
 TEST_F(editorCase, AMissingFileIsToldAndAnalysisModeAppliesButDoesNotSave) {
   EXPECT_EQ(runEditorScreen(screen, editor, cfg), -1);
   EXPECT_EQ(lastMessage, screenText(cfg, 45));
-
   writeParams(threeRows);
   const std::string before = params();
   cfg.analysisMode = 1;

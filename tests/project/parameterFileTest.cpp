@@ -87,7 +87,6 @@ TEST(ParameterFile, WritesExactHeadAndLinesAndReadsBackTheSameList) {
       marv::parameterDescription(0) + "\n#End of file";
   ASSERT_GE(text.size(), body.size());
   EXPECT_EQ(text.substr(text.size() - body.size()), body);
-
   // A written file reads back as the same list and writes the same text.
   const readResult again = readFromText(text);
   ASSERT_EQ(again.count, r.count);
@@ -141,7 +140,6 @@ TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
   EXPECT_EQ(marvtest::readText("input/param.txt.bak"), original) << "byte for byte";
   EXPECT_NE(losses.find("52 lines past the hundredth, 1 comment line|input/param.txt.bak"), std::string::npos)
       << losses;
-
   // The rewritten file holds 99 entries and a head of 11 lines: read again
   // it loses entries once more. The first backup stays; a second one is made.
   const std::string rewritten = marvtest::readText("input/param.txt");
@@ -149,7 +147,6 @@ TEST(ParameterFile, ARewriteThatDropsTextKeepsEveryOriginalAsABackup) {
   EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 2);
   EXPECT_EQ(marvtest::readText("input/param.txt.bak"), original);
   EXPECT_EQ(marvtest::readText("input/param.txt.bak2"), rewritten);
-
   // A file that loses nothing is written without a backup.
   EXPECT_EQ(marv::writeParameterFile(editor, "v", &losses), 1);
   EXPECT_FALSE(std::filesystem::exists("input/param.txt.bak3"));

@@ -55,7 +55,6 @@ TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
             "box|/data/runs/box/|/data/runs/box/pictures/");
   EXPECT_EQ(paths("/data/runs/new case/", true),
             "new case|/data/runs/new case/|/data/runs/new case/input/|/data/runs/new case/input/param.txt");
-
   EXPECT_EQ(displayPath("C:\\runs\\box\\"), "C:/runs/box/");
   EXPECT_EQ(folderOf("/a/b/bcXY0.bmp"), "/a/b/");
   EXPECT_EQ(folderOf("plain"), "");
@@ -70,7 +69,6 @@ TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   for (const char* other : {"bcXY1.bmp", "viz.txt", "bmp.txt"}) marvtest::writeText(source / other, "x\n");
   marvtest::writeText(source / "bc.stl", "solid x\nendsolid x\n");
   marvtest::writeText(source / "param.txt", "1:nx 9\n");
-
   c.wizard.newProject = 1;
   projectFromPath(c.wizard, (root / "fresh").string(), true);
   c.wizard.sourceDir = source.string() + "/";
@@ -85,7 +83,6 @@ TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   EXPECT_EQ(marvtest::readText(input / "bc.stl"), "solid x\nendsolid x\n");
   EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n");
   EXPECT_EQ(fs::path(c.cfg.absProjPath), fs::canonical(root / "fresh") / "");
-
   // The same folder again is refused as a new project, with the folder named;
   // as an existing one it keeps its files and gets its missing folders back.
   fs::current_path(c.start);
@@ -127,7 +124,6 @@ TEST(StartScreen, ProceedOpensTheLastProjectEnterCountsOnlyAfterTheDebounceAndEs
   EXPECT_EQ(c.wizard.newProject, 0);
   c.chosen.clear();  // a path in the buffer ends the screen at once
   EXPECT_EQ(play(runStartScreen, c, marvtest::press(keyEsc)), -1);
-
   screenInput in;
   in.enter = true;
   in.now = 100000;
@@ -162,7 +158,6 @@ TEST(SourceScreen, ADropOrAClickIntoTheBoxChoosesTheFolderAndAnExistingProjectSk
   EXPECT_EQ(askedTitle, screenText(c.cfg, 41));
   EXPECT_EQ(c.wizard.sourceDir, "/data/picked/input/");
   EXPECT_EQ(play(runSourceScreen, c, marvtest::press(keyEsc)), -1);
-
   c.wizard.newProject = 0;
   c.chosen = "/data/old/input/param.txt";
   EXPECT_EQ(runSourceScreen(c.wizard, c.cfg), 1) << "shown only for a new project";

@@ -53,7 +53,6 @@ TEST(VizFile, RoundTripAndReaderRules) {
   appConfig read = domain();
   marv::syncViz(read, 0);
   EXPECT_EQ(marv::formatVizFile(read), marv::formatVizFile(written)) << "every key, at full precision";
-
   // Later key wins, unknown keys are read over, flags take any non-zero,
   // cross-sections are limited to the domain.
   marvtest::writeText("input/viz.txt",

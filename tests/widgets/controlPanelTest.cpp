@@ -95,12 +95,10 @@ TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQu
   };
   for (int n = 0; n < 25; ++n) twice(labels[n], [&] { return cfg.*flags[n]; });
   for (int n = 0; n < 3; ++n) twice(labels[25 + n], [&] { return int(cfg.*byteFlags[n]); });
-
   // Shift + L's streamlines from mesh points show as on, and go to 1.
   cfg.showStreamlineFlag = 2;
   frame(pointer(5, 5));
   EXPECT_EQ(cfg.showStreamlineFlag, 1);
-
   // The quantities: another button selects, the selected one stays, the
   // age variable only in a run that has it.
   const std::pair<const char*, int> quantities[] = {
@@ -130,14 +128,12 @@ TEST_F(panelRun, lightingTurnsTheEdgesTheOtherWayAndResetIsAOneShot) {
     seen.insert(seen.end(), {int(cfg.useLightingFlag), int(cfg.polygonFrames)});
   }
   EXPECT_EQ(seen, (std::vector<int>{1, 0, 1, 1, 0, 1}));
-
   const int reset = indexOf("Reset camera");
   clickButton("Reset camera");
   EXPECT_EQ(scene.resetCameraFlag * 10 + panel.buttons[reset].state, 11) << "on in the frame of the click";
   scene.resetCameraFlag = 0;  // the frame acts on it
   frame(pointer(centreX(reset), centreY(reset)));
   EXPECT_EQ(panel.buttons[reset].state, 0) << "never stays on";
-
   cfg.manualMinFlag = cfg.manualMaxFlag = 1;
   clickButton("Auto scale");
   EXPECT_EQ(cfg.manualMinFlag + cfg.manualMaxFlag, 0);
@@ -186,7 +182,6 @@ TEST_F(panelRun, theQuickSnapshotAsksForOnePictureAndAnalysisArrowsStepBackAndFo
   cfg.snapshotRequested = 0;  // the driver saves and clears
   frame(pointer(x, y));
   EXPECT_EQ(cfg.snapshotRequested, 0);
-
   const int arrowY = (cfg.screenHeight - 192) / 2 + 96, back = 2 * cfg.textGap + 32;
   std::vector<int> directions;
   for (const int mode : {1, 0}) {

@@ -54,7 +54,6 @@ TEST_F(imageButtonScript, aReleaseAtThePixelOfThePressClicksOnceAndSinksTheButto
   // The corners of the button count; one pixel beyond does not.
   EXPECT_EQ(play(b, {mouse(bx, by + 64, false), mouse(bx, by + 64, true), mouse(bx, by + 64, false)}).back(), 1);
   EXPECT_EQ(play(b, {mouse(bx + 65, by, false), mouse(bx + 65, by, true), mouse(bx + 65, by, false)}).back(), 0);
-
   // Drags: a press that leaves, moves or starts elsewhere never clicks.
   const std::vector<inputFrame> drags[] = {
       {mouse(cx, cy, false), mouse(cx, cy, true), mouse(cx + 200, cy, true), mouse(cx + 200, cy, false),
@@ -90,7 +89,6 @@ TEST_F(imageButtonScript, aDisabledButtonIgnoresMouseAndKeyAndAShortcutClicksOnc
   b.disabled = 0;
   EXPECT_EQ(play(b, {mouse(cx, cy, true), mouse(cx, cy, false)}), (std::vector<int>{0, 0}))
       << "enabled again, it must first see the mouse over it with the button up";
-
   b = button();
   b.shortcutKey = keyRight;
   EXPECT_EQ(play(b, {key(keyRight), key(keyRight), mouse(0, 0, false), key(keyRight), key(keyRight), mouse(0, 0, false),

@@ -15,7 +15,6 @@ struct panelDriver {
   marv::inputState input;
   marv::sceneView scene;
   marv::controlPanel panel;
-
   // A window of 1280 x 720 with 20-pixel text; the panel comes to rest at once.
   void start() {
     cfg.screenWidth = 1280;

@@ -64,7 +64,6 @@ class shownBox : public ::testing::Test {
     deleteFont(font);
     stopLayer();
   }
-
   // Plays the frames with the box shown non-blocking in each; the answers.
   std::vector<int> play(const std::vector<inputFrame>& frames, const char* text = "Enter a name.") {
     setInputScript(frames, false);
@@ -72,13 +71,11 @@ class shownBox : public ::testing::Test {
     while (inputScriptFramesLeft() > 0 && processMessages() == 0) answers.push_back(showTextBox(box, text, 1, 0));
     return answers;
   }
-
   std::string input() {
     char text[textBoxInputLength + 8];
     getTextInput(text, sizeof text, box.inputHandle);
     return text;
   }
-
   int font = -1;
   textBox box;
 };
@@ -96,7 +93,6 @@ TEST_F(shownBox, theMeasureGrowsWithTheTextAndMakesRoomForInputAndButtons) {
   EXPECT_GT(box.boxHeight, oneLine);
   EXPECT_GE(box.buttonY, box.inputY + box.inputHeight) << "buttons stand below the input";
   EXPECT_LE(box.buttonY + box.iconSize, box.boxY + box.boxHeight) << "and inside the box";
-
   // Beside the mouse, near the foot of the window the box flips above it.
   box.placed = 1;
   box.positionMode = 1;
@@ -116,7 +112,6 @@ TEST_F(shownBox, theInputTakesTheKeyboardTakesLongTextWholeAndEnterAnswersYes) {
   setTextInput("", box.inputHandle);
   EXPECT_EQ(play({typing("lost"), typing("abc")}), (std::vector<int>{0, 0}));
   EXPECT_EQ(input(), "abc") << "the box takes the keyboard in its first frame";
-
   // 50 bytes a frame: far wider than the box, and the ninth piece would pass
   // the 400-byte limit, so it is refused whole.
   setTextInput("", box.inputHandle);
@@ -138,15 +133,12 @@ TEST_F(shownBox, buttonsAndEscGiveTheAnswersOfTheirSet) {
   EXPECT_EQ(play(marvtest::click(box.cancelButton.centreX, box.cancelButton.centreY), "Remove?").back(), -1);
   const inputFrame esc = marvtest::holding(keyEsc);
   EXPECT_EQ(play({esc}, "Remove?"), (std::vector<int>{-1}));
-
   setTextBoxButtons(box, 6);
   EXPECT_EQ(play({esc}, "Done."), (std::vector<int>{0})) << "a box with OK alone has nothing for Esc to answer";
   EXPECT_EQ(play({marvtest::holding(keyEnter)}, "Done."), (std::vector<int>{1}));
-
   setTextBoxButtons(box, 8);
   play({{}}, "Back.");
   EXPECT_EQ(play(marvtest::click(box.prevButton.centreX, box.prevButton.centreY), "Back.").back(), -1);
-
   setTextBoxButtons(box, 0);
   EXPECT_EQ(play({{}}, "Note."), std::vector<int>{-1}) << "a box without buttons answers at once";
 }

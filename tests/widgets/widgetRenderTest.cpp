@@ -155,7 +155,6 @@ TEST_F(widgetRender, screenshotsOfTheWidgetsInBothLanguages) {
                     cfg.textHeight);
     setTextInput(ja ? "\xE5\x9C\xA7\xE5\x8A\x9B presw" : "presw", box.inputHandle);  // 圧力 presw
     showTextBox(box, catalogueText(47, ja != 0).c_str(), 1, 0);
-
     const char* name = ja ? "widgets-japanese.png" : "widgets-english.png";
     marvtest::writePng(folder, name, width, height);
     EXPECT_GT(std::filesystem::file_size(folder / name), 10000u) << "a picture with content";
@@ -196,7 +195,6 @@ TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
   EXPECT_GT(sum(8, panel.panelHeight - 3), 600) << "the body is white";
   EXPECT_LT(sum(600, panel.panelHeight + 40), 400) << "the picture shows beyond the panel";
   marvtest::writePng(MARV_SCREENSHOT_DIR, "controlPanel.png", width, height);
-
   // The snapshot button asks, the run loop saves.
   marvtest::inFolder inside(marvtest::scratchFolder("snapshot"));
   std::filesystem::create_directories("figs");
