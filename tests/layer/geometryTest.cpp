@@ -70,18 +70,6 @@ TEST(segmentDistance, agreesWithSampledMinimumAndIsSymmetric) {
   }
 }
 
-TEST(rotationMatrix, quarterTurnsMoveAxesRightHanded) {
-  auto apply = [](const matrix4& m, vec3 v) {
-    return vec3{m.m[0][0] * v.x + m.m[0][1] * v.y + m.m[0][2] * v.z,
-                m.m[1][0] * v.x + m.m[1][1] * v.y + m.m[1][2] * v.z,
-                m.m[2][0] * v.x + m.m[2][1] * v.y + m.m[2][2] * v.z};
-  };
-  const float q = 1.5707963f;
-  EXPECT_NEAR(apply(rotationMatrixZ(q), {1, 0, 0}).y, 1.0f, 1e-6f) << "x turns into y about z";
-  EXPECT_NEAR(apply(rotationMatrixX(q), {0, 1, 0}).z, 1.0f, 1e-6f) << "y turns into z about x";
-  EXPECT_NEAR(apply(rotationMatrixY(q), {0, 0, 1}).x, 1.0f, 1e-6f) << "z turns into x about y";
-}
-
 cameraState sceneCamera() {
   cameraState c;
   c.position = {540, 280, -900};

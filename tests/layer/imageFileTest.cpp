@@ -79,29 +79,22 @@ TEST(pictureFiles, truncatedHugeAndDamagedPicturesAreRefused) {
   EXPECT_EQ(whole.width * 1000 + whole.pixels[0], 5200) << "the whole bitmap loads";
 }
 
+// The same 2 x 3 picture stored bottom-up (positive height) and top-down: red top row, blue bottom row.
 TEST(pictureFiles, topDownBmpReadsWithItsFirstRowOnTop) {
-  // The same 2 x 3 picture stored bottom-up (positive height) and top-down
-  // (negative height): red top row, blue bottom row.
   for (const int height : {3, -3}) {
+    SCOPED_TRACE(height);
     std::vector<std::uint8_t> bmp = bmpHeader(2, height);
     for (int stored = 0; stored < 3; ++stored) {
-      const int row = height > 0 ? 2 - stored : stored;  // picture row of this stored row
-      for (int x = 0; x < 2; ++x) {
-        const std::uint8_t bgr[3] = {static_cast<std::uint8_t>(row == 2 ? 255 : 0), 0,
-                                     static_cast<std::uint8_t>(row == 0 ? 255 : 0)};
-        bmp.insert(bmp.end(), bgr, bgr + 3);
-      }
-      bmp.insert(bmp.end(), {0, 0});  // rows pad to four bytes
+      const std::uint8_t row = height > 0 ? 2 - stored : stored, blue = row == 2 ? 255 : 0, red = row == 0 ? 255 : 0;
+      bmp.insert(bmp.end(), {blue, 0, red, blue, 0, red, 0, 0});  // two pixels, rows padded to four bytes
     }
     rgbaImage picture;
-    ASSERT_TRUE(decodeImage(bmp.data(), bmp.size(), picture)) << "height " << height;
-    ASSERT_EQ(picture.width, 2);
-    ASSERT_EQ(picture.height, 3);
-    EXPECT_EQ(picture.pixels[0], 255) << "top row red, height " << height;
-    EXPECT_EQ(picture.pixels[2], 0);
-    EXPECT_EQ(picture.pixels[4 * 2 * 2 + 2], 255) << "bottom row blue, height " << height;
+    ASSERT_TRUE(decodeImage(bmp.data(), bmp.size(), picture));
+    EXPECT_EQ((std::vector<int>{picture.width, picture.height, picture.pixels[0], picture.pixels[2],
+                                picture.pixels[4 * 2 * 2 + 2]}),
+              (std::vector<int>{2, 3, 255, 0, 255}));
     bmp.pop_back();
-    EXPECT_FALSE(decodeImage(bmp.data(), bmp.size(), picture)) << "one byte short, height " << height;
+    EXPECT_FALSE(decodeImage(bmp.data(), bmp.size(), picture)) << "one byte short";
   }
 }
 

@@ -89,22 +89,16 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
   std::remove(path.c_str());
 }
 
-// Text is measured with the installed font files in both backends, so that
-// the headless layouts are the window's layouts.
+// Text is measured with the installed font files in both backends, so that the headless layouts are the window's.
 TEST(textMetrics, widthsComeFromTheFontFiles) {
   ASSERT_EQ(startLayer(), 0);
-  const int mono = makeFont("Consolas", 20, 4, 18, -1, 0, 0, 0);
-  const int serif = makeFont("Times New Roman Bold", 56, 16, 18, -1, 0, 0, 0);
-  const int japanese = makeFont("Meiryo", 20, 4, 18, -1, 0, 0, 0);
-  EXPECT_GT(textWidthInFont(mono, "0"), 5);
+  const int mono = makeFont("Consolas", 20, 4, 18, -1, 0, 0, 0),
+            serif = makeFont("Times New Roman Bold", 56, 16, 18, -1, 0, 0, 0);
   EXPECT_EQ(textWidthInFont(mono, "%d", 12345), 5 * textWidthInFont(mono, "0")) << "the face is monospaced";
   EXPECT_LT(2 * textWidthInFont(serif, "iiii"), textWidthInFont(serif, "MMMM")) << "the face is proportional";
-  EXPECT_GT(textWidthInFont(serif, "M"), textWidthInFont(mono, "M")) << "a larger size is wider";
-  EXPECT_GT(textWidthInFont(japanese, "\xE6\x96\xB0\xE8\xA6\x8F"), 3 * textWidthInFont(japanese, "ab") / 2)
-      << "a Japanese character is wider than a Latin one";
   deleteFont(serif);
   EXPECT_EQ(textWidthInFont(serif, "M"), textWidth("M")) << "a deleted font measures as the default font";
-  for (int font : {mono, japanese}) deleteFont(font);
+  deleteFont(mono);
 }
 
 }  // namespace
