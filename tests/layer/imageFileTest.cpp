@@ -111,21 +111,4 @@ TEST(pictureFiles, loadImageOfTheHeadlessBackendKnowsSizesAndRefusesJunk) {
   deleteImage(tile);
 }
 
-TEST(jpegFiles, writtenImagesReadBackAndBadOnesFail) {
-  std::vector<std::uint8_t> rgba(24 * 10 * 4);
-  for (std::size_t n = 0; n < rgba.size(); n += 4)
-    rgba[n] = 30, rgba[n + 1] = 120, rgba[n + 2] = 220, rgba[n + 3] = 255;
-  const std::string path = ::testing::TempDir() + "marv_back.jpg";
-  ASSERT_TRUE(writeJpegFile(path, rgba.data(), 24, 10, 90, 1));
-  rgbaImage picture;
-  ASSERT_TRUE(loadImageFile(path, picture));
-  EXPECT_EQ(std::pair(picture.width, picture.height), std::pair(24, 10));
-  EXPECT_NEAR(picture.pixels[4 * 25 + 2], 220, 8) << "blue of a pixel inside";
-  EXPECT_EQ(picture.pixels[4 * 25 + 3], 255) << "opaque";
-  EXPECT_FALSE(writeJpegFile("/no/such/folder/x.jpg", rgba.data(), 16, 8, 80, 1) ||
-               writeJpegFile(path, rgba.data(), 0, 8, 80, 1) || writeJpegFile(path, nullptr, 16, 8, 80, 1));
-  EXPECT_TRUE(writeJpegFile(path, rgba.data(), 15, 7, 200, 1)) << "odd sizes with halved chroma, quality clamped";
-  std::remove(path.c_str());
-}
-
 }  // namespace

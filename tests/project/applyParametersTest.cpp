@@ -4,6 +4,7 @@
 
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -92,11 +93,7 @@ TEST(ApplyParameters, SpecialValuesAndFlags) {
 // sums that leave 64 or 32 bits are refused, never wrapped (the sanitizer
 // build checks that no arithmetic overflows).
 TEST(ApplyParameters, RefusalsAndWarnings) {
-  const struct {
-    const char* values;
-    int result;
-    const char* says;
-  } cases[] = {
+  const std::tuple<const char*, int, const char*> cases[] = {
       {"nx=1 ny=5", -1, nullptr},
       {"ny=5", -1, nullptr},
       {"nx=0 ny=5", -1, ""},
@@ -124,17 +121,17 @@ TEST(ApplyParameters, RefusalsAndWarnings) {
       {"nx=9 ny=9 mu=0 cfl=2", 1, "\"cfl\" is 2"},  // one warning names them all
       {"nx=9 ny=9 mu=0 cfl=2", 1, "\"mu\" is 0"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.values);
-    const applied a = take(c.values);
-    EXPECT_EQ(a.result, c.result);
-    if (c.says == nullptr) {
+  for (const auto& [values, result, says] : cases) {
+    SCOPED_TRACE(values);
+    const applied a = take(values);
+    EXPECT_EQ(a.result, result);
+    if (says == nullptr) {
       EXPECT_TRUE(a.messages.empty()) << (a.messages.empty() ? "" : a.messages[0]);
       continue;
     }
     ASSERT_EQ(a.messages.size(), 1u);
-    EXPECT_NE(a.messages[0].find(c.says), std::string::npos) << a.messages[0];
-    EXPECT_EQ(c.result == 1 ? a.messages[0].rfind("[WARNING] ", 0) : 0u, 0u) << "a warning says so first";
+    EXPECT_NE(a.messages[0].find(says), std::string::npos) << a.messages[0];
+    EXPECT_EQ(result == 1 ? a.messages[0].rfind("[WARNING] ", 0) : 0u, 0u) << "a warning says so first";
   }
   // A domain of extreme aspect: the screen sizes stay within 32 bits.
   for (const char* aspect : {"lx=1e-300 ly=1e308", "lx=1e308 ly=1e-300", "lx=1e300 ly=1 nz=3 lz=1e-300"}) {
@@ -147,11 +144,8 @@ TEST(ApplyParameters, RefusalsAndWarnings) {
 }
 
 TEST(ApplyParameters, ThreadCountsAndTileLayoutsByPrimeFactors) {
-  const struct {
-    const char* values;
-    int machine, threads, npx, npy, npz;
-  } cases[] = {
-      // Thread counts alone (layout 0 0 0: not looked at).
+  // Values, threads the machine offers, then threads and layout (0 0 0: not looked at).
+  const std::tuple<const char*, int, int, int, int, int> cases[] = {
       {"", 8, 1, 0, 0, 0},
       {"parallel=1", 8, 2, 0, 0, 0},
       {"parallel=2", 4, 2, 0, 0, 0},
@@ -164,14 +158,13 @@ TEST(ApplyParameters, ThreadCountsAndTileLayoutsByPrimeFactors) {
       {"nz=9 nprocs=59", 64, 59, 1, 1, 59},
       {"nz=1 nprocs=59", 64, 59, 1, 59, 1},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.values);
-    const applied a = take(std::string("nx=9 ny=9 ") + c.values, c.machine);
-    ASSERT_EQ(a.result, 1);
-    EXPECT_EQ(a.cfg.numThreads, c.threads);
-    if (c.npx > 0) {
-      EXPECT_EQ(a.cfg.npx * 10000 + a.cfg.npy * 100 + a.cfg.npz, c.npx * 10000 + c.npy * 100 + c.npz);
-    }
+  for (const auto& [values, machine, threads, npx, npy, npz] : cases) {
+    const applied a = take(std::string("nx=9 ny=9 ") + values, machine);
+    const bool layout = npx > 0;
+    EXPECT_EQ((std::vector{a.result, a.cfg.numThreads, layout ? a.cfg.npx : 0, layout ? a.cfg.npy : 0,
+                           layout ? a.cfg.npz : 0}),
+              (std::vector{1, threads, npx, npy, npz}))
+        << values;
   }
   EXPECT_EQ(take("nx=9 ny=9 nprocs=64", 4).cfg.nprocs, 4);
 }

@@ -55,9 +55,8 @@ TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
             "box|/data/runs/box/|/data/runs/box/pictures/");
   EXPECT_EQ(paths("/data/runs/new case/", true),
             "new case|/data/runs/new case/|/data/runs/new case/input/|/data/runs/new case/input/param.txt");
-  EXPECT_EQ(displayPath("C:\\runs\\box\\"), "C:/runs/box/");
-  EXPECT_EQ(folderOf("/a/b/bcXY0.bmp"), "/a/b/");
-  EXPECT_EQ(folderOf("plain"), "");
+  EXPECT_EQ(displayPath("C:\\runs\\box\\") + "|" + folderOf("/a/b/bcXY0.bmp") + "|" + folderOf("plain"),
+            "C:/runs/box/|/a/b/|");
 }
 
 TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "layer/inputScript.h"
@@ -29,12 +30,7 @@ TEST(breakLine, wrapsAtBlanksAndMarksCutsLongWordsAndNeverSplitsACharacter) {
   using v = std::vector<std::string>;
   const std::string kana = "\xE3\x81\x82\xE3\x81\x84\xE3\x81\x86\xE3\x81\x88\xE3\x81\x8A";     // あいうえお
   const std::string heading = "\xE3\x80\x90\xE6\xB3\xA8\xE6\x84\x8F\xE3\x80\x91\xE6\x9C\xAC";  // 【注意】本
-  const struct {
-    std::string text;
-    int width;
-    bool doubleByte;
-    v expected;
-  } cases[] = {
+  const std::tuple<std::string, int, bool, v> cases[] = {
       {"abc defg", 5, false, {"abc ", "defg"}},
       {"abcdefghijkl", 5, false, {"abcde", "fghij", "kl"}},
       {"", 5, false, {""}},
@@ -46,7 +42,8 @@ TEST(breakLine, wrapsAtBlanksAndMarksCutsLongWordsAndNeverSplitsACharacter) {
       {kana, 5, true, {kana.substr(0, 6), kana.substr(6, 6), kana.substr(12)}},
       {heading, 40, true, {heading.substr(0, 12), heading.substr(12)}},
   };
-  for (const auto& c : cases) EXPECT_EQ(lines(c.text, c.width, c.doubleByte), c.expected) << c.text;
+  for (const auto& [text, width, doubleByte, expected] : cases)
+    EXPECT_EQ(lines(text, width, doubleByte), expected) << text;
   // A plain text with Japanese in it never splits a character.
   for (const std::string& line : lines("ENTER\xE3\x82\xAD\xE3\x83\xBC\xE3\x81\xA7", 6, false))
     EXPECT_NE(static_cast<unsigned char>(line[0]) & 0xC0, 0x80u) << "a line starts inside a character";
