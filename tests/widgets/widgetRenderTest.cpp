@@ -1,4 +1,4 @@
-// Widgets drawn by the OpenGL backend (fonts, Japanese glyphs, tiles, panel, shortcut list); PNGs kept for a look.
+// Widgets drawn by the OpenGL backend (Japanese glyphs, tiles, panel, shortcut list); PNGs kept for a look.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -53,26 +53,7 @@ class widgetRender : public marvtest::offscreenSuite<width, height> {
   }
 };
 
-// Every font is made and draws at the extreme text heights (at 1, without a crash), in both languages.
-TEST_F(widgetRender, everyFontDrawsAtTextHeightsOneAndNinetySixInBothLanguages) {
-  for (int japanese : {0, 1})
-    for (int h : {1, 96}) {
-      appConfig cfg;
-      cfg.uiJapanese = japanese;
-      cfg.textHeight = h;
-      buildFonts(cfg);
-      for (int f : {cfg.fontBody, cfg.fontBold, cfg.fontTiny, cfg.fontCaption, cfg.fontHeading, cfg.fontTitle,
-                    cfg.fixedBold, cfg.fixedCaption, cfg.fixedTiny, cfg.fixedHeading, cfg.fixedTitle, cfg.fixedBody,
-                    cfg.fixedSmall, cfg.logoFont, cfg.logoPlusFont}) {
-        clearDrawTarget();
-        drawText(2, 2, japanese ? "A\xE6\x97\xA5" : "Ag", colour(0, 0, 0), f, 0, 0);  // A日
-        EXPECT_GT(count(ink(0, 0, width, height)), h > 1 ? h / 4 : -1)
-            << "font " << f << " at " << h << " ja " << japanese;
-      }
-      deleteFonts(cfg);
-    }
-}
-
+// The fonts are made and rebuilt by the font set tests; every render below draws with them.
 TEST_F(widgetRender, japaneseGlyphsAreRealCharactersNotTheBoxOfAMissingOne) {
   appConfig cfg, english;
   cfg.uiJapanese = 1;
