@@ -1,4 +1,4 @@
-// Widgets drawn by the OpenGL backend (Japanese glyphs, tiles, panel, shortcut list); PNGs kept for a look.
+// Widgets drawn by the OpenGL backend (Japanese glyphs, tiles, text box, panel); PNGs kept for a look.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,8 +14,6 @@
 #include "layer/layer.h"
 #include "renderSupport.h"
 #include "result/stepResults.h"
-#include "scene/sceneView.h"
-#include "scene/shortcutList.h"
 #include "screenScript.h"
 #include "testSupport.h"
 #include "tests/widgets/panelSupport.h"
@@ -177,22 +175,6 @@ TEST_F(panelRender, thePanelAtRestAndItsSnapshot) {
   for (const auto& entry : std::filesystem::directory_iterator("figs"))
     jpegs += entry.path().extension() == ".jpg" && entry.file_size() > 1000 ? 1 : 0;
   EXPECT_EQ(jpegs, 1);
-}
-
-TEST_F(panelRender, theShortcutListIsOneTallImageThatTheOverlayScrolls) {
-  sceneView scene;
-  cfg.domPixH = 600;
-  preRenderHelpList(scene, cfg);
-  EXPECT_GT(scene.helpListHeight, 1000) << "every entry in one image";
-  EXPECT_EQ(scene.helpViewHeight, 600) << "the domain's height limits the view";
-  int w = 0, h = 0;
-  imageSize(scene.helpImage, &w, &h);
-  EXPECT_EQ(std::pair(w, h), std::pair(scene.helpWidth, scene.helpListHeight + 10 + 12));
-  EXPECT_GT(w, 60 * textWidthInFont(cfg.fixedBold, "M")) << "as wide as its longest line";
-  clearDrawTarget();
-  drawImageRect(0, 0, 0, 0, std::min(w, width), std::min(h, height), scene.helpImage, 0, 0, 0);
-  marvtest::writePng(MARV_SCREENSHOT_DIR, "shortcutList.png", width, height);
-  deleteImage(scene.helpImage);
 }
 
 }  // namespace
