@@ -89,16 +89,4 @@ TEST(pixelPath, bitmapStretchedIntoAnOffscreenImageReadsBackByThePixel) {
   std::remove(path.c_str());
 }
 
-// Text is measured with the installed font files in both backends, so that the headless layouts are the window's.
-TEST(textMetrics, widthsComeFromTheFontFiles) {
-  ASSERT_EQ(startLayer(), 0);
-  const int mono = makeFont("Consolas", 20, 4, 18, -1, 0, 0, 0),
-            serif = makeFont("Times New Roman Bold", 56, 16, 18, -1, 0, 0, 0);
-  EXPECT_EQ(textWidthInFont(mono, "%d", 12345), 5 * textWidthInFont(mono, "0")) << "the face is monospaced";
-  EXPECT_LT(2 * textWidthInFont(serif, "iiii"), textWidthInFont(serif, "MMMM")) << "the face is proportional";
-  deleteFont(serif);
-  EXPECT_EQ(textWidthInFont(serif, "M"), textWidth("M")) << "a deleted font measures as the default font";
-  deleteFont(mono);
-}
-
 }  // namespace

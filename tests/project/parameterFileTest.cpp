@@ -219,11 +219,7 @@ TEST(ParameterTable, EveryParameterHasItsOwnFieldAndStoresByItsKind) {
   EXPECT_EQ(parameterRowOf(numParameters), nullptr);
 }
 
-int countLines(const std::string& text) {
-  int n = 0;
-  for (char c : text) n += c == '\n';
-  return n;
-}
+long countLines(const std::string& text) { return std::count(text.begin(), text.end(), '\n'); }
 
 TEST(VizFile, WritesSeventyOneLinesWithTheRepeatedKey) {
   appConfig cfg;

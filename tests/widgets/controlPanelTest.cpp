@@ -140,11 +140,11 @@ TEST_F(panelRun, lightingTurnsTheEdgesTheOtherWayAndResetIsAOneShot) {
 }
 
 TEST_F(panelRun, scaleLimitPromptsKeepOnlyTheNumberAndCancelLeavesTheLimitOff) {
-  EXPECT_DOUBLE_EQ(scaleLimitOf(" -2.5e-3 K"), -2.5e-3);
+  EXPECT_EQ((std::vector{scaleLimitOf(" -2.5e-3 K"), scaleLimitOf("abc"), scaleLimitOf("")}),
+            (std::vector{-2.5e-3, 0.0, 0.0}));
   // Button, typed text, closing key, then the limit's flag and value.
   const std::tuple<const char*, const char*, int, int, double> answers[] = {{"Min scale", "1.5x", keyEnter, 1, 1.5},
                                                                             {"Max scale", "abc", keyEnter, 1, 0.0},
-                                                                            {"Min scale", "", keyEnter, 1, 0.0},
                                                                             {"Max scale", "7", keyEsc, 0, -1.0}};
   open();
   for (const auto& [label, text, key, flag, value] : answers) {
