@@ -48,8 +48,7 @@ const std::vector<std::uint8_t> longChunkPng = {
     0x48, 0x44, 0x52, 0x00, 0x00, 0x49, 0x44, 0x41, 0x54, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82};
 
 // A bitmap header that promises pixels the file does not hold is refused at
-// every length short of the whole: filling the missing rows with black would
-// draw walls into a boundary bitmap.
+// every length short of the whole: filling the missing rows with black would draw walls into a boundary bitmap.
 TEST(pictureFiles, truncatedHugeAndDamagedPicturesAreRefused) {
   const std::vector<std::uint8_t> png = fileBytes(resourcePicturePath(777));
   ASSERT_GT(png.size(), 100u);

@@ -157,8 +157,7 @@ TEST_F(offscreenRender, trianglesKeepTheCameraTheyWereRecordedUnderAndTheNearerO
   drawTriangle3d({40, 20, 50}, {120, 20, 50}, {80, 100, 50}, colour(0, 0, 255), 1);
   const vec3 redPart = worldToScreen({80, 30, -10});
   // The second camera looks far to the left, where only the small green
-  // triangle lies (nearer than the red one's depth); under the other camera
-  // either one would be off-screen.
+  // triangle lies (nearer than the red one's depth); under the other camera either one would be off-screen.
   setCamera({-400, 60, -300}, {-400, 60, 0}, {0, 1, 0});
   drawTriangle3d({-405, 50, -100}, {-395, 50, -100}, {-400, 60, -100}, colour(0, 255, 0), 1);
   const rgba red = at(static_cast<int>(redPart.x), static_cast<int>(redPart.y));

@@ -27,8 +27,7 @@ void logMessage(appConfig&, const char* text) {
   if (messageLog) messageLog->push_back(text);
 }
 
-// Applies "name=value name=value ..." in a scratch project without files,
-// with the runtime offering maxThreads threads.
+// Applies "name=value name=value ..." in a scratch project without files, with the runtime offering maxThreads threads.
 applied take(const std::string& values, int maxThreads = 2) {
   marvtest::inFolder here(marvtest::scratchFolder("apply"));
   applied a;
@@ -90,8 +89,7 @@ TEST(ApplyParameters, SpecialValuesAndFlags) {
 
 // Refusals (-1) and values taken with a warning that names them: no message
 // (null), or exactly one that holds the text ("" for any text). Products and
-// sums that leave 64 or 32 bits are refused, never wrapped (the sanitizer
-// build checks that no arithmetic overflows).
+// sums that leave 64 or 32 bits are refused, never wrapped (the sanitizer build checks that no arithmetic overflows).
 TEST(ApplyParameters, RefusalsAndWarnings) {
   const std::tuple<const char*, int, const char*> cases[] = {
       {"nx=1 ny=5", -1, nullptr},

@@ -34,8 +34,7 @@ readResult readFromText(const std::string& text) {
   return r;
 }
 
-// One entry in a line: its number in the table, its name, value and
-// description, or "text" and the text of a text line.
+// One entry in a line: its number in the table, its name, value and description, or "text" and the text of a text line.
 std::vector<std::string> summary(const readResult& r) {
   std::vector<std::string> out;
   for (int i = 0; i < r.count; ++i) {
@@ -255,8 +254,7 @@ TEST(VizFile, RoundTripAndReaderRules) {
   appConfig read = domain();
   marv::syncViz(read, 0);
   EXPECT_EQ(marv::formatVizFile(read), marv::formatVizFile(written)) << "every key, at full precision";
-  // Later key wins, unknown keys are read over, flags take any non-zero,
-  // cross-sections are limited to the domain.
+  // Later key wins, unknown keys are read over, flags take any non-zero, cross-sections are limited to the domain.
   marvtest::writeText("input/viz.txt",
                       "numProbes 3\nbogusKey 9\nNUMPROBES 5\npolygonFrames 0.5\nzCrosssectionXY 5\n"
                       "xCrosssectionYZ -1\nyCrosssectionXZ 0.5\n");

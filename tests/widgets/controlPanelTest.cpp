@@ -99,8 +99,7 @@ TEST_F(panelRun, eachFlagButtonTurnsItsFlagOverAndBackAndTheRadioGroupPicksOneQu
   cfg.showStreamlineFlag = 2;
   frame(pointer(5, 5));
   EXPECT_EQ(cfg.showStreamlineFlag, 1);
-  // The quantities: another button selects, the selected one stays, the
-  // age variable only in a run that has it.
+  // The quantities: another button selects, the selected one stays, the age variable only in a run that has it.
   const std::pair<const char*, int> quantities[] = {
       {"Density", 1}, {"U", 2}, {"V", 3}, {"W", 4}, {"|U|", 5}, {"Temperature", 6}, {"Mass fraction", 7}, {"p-p0", 8}};
   for (const auto& [label, value] : quantities) {

@@ -75,8 +75,7 @@ TEST_F(widgetRender, japaneseGlyphsAreRealCharactersNotTheBoxOfAMissingOne) {
   deleteFonts(cfg);
 }
 
-// A shared button of the screens: the pressed tile while held, one click in
-// the frame of the release.
+// A shared button of the screens: the pressed tile while held, one click in the frame of the release.
 TEST_F(widgetRender, aHeldButtonShowsThePressedTileAndClicksOnItsRelease) {
   appConfig cfg;
   computeLayout(cfg);
