@@ -17,10 +17,8 @@ TEST(keyTable, lettersByTheirSymbolTheRestByTheirPlace) {
   // of the layer's keys.
   const std::tuple<SDL_Scancode, SDL_Keycode, int> presses[] = {{SDL_SCANCODE_A, SDLK_a, keyA},
                                                                 {SDL_SCANCODE_Q, SDLK_a, keyA},
-
                                                                 {SDL_SCANCODE_1, SDLK_1, key1},
                                                                 {SDL_SCANCODE_1, SDLK_AMPERSAND, key1},
-
                                                                 {SDL_SCANCODE_SEMICOLON, SDLK_m, keyM},
                                                                 {SDL_SCANCODE_KP_1, SDLK_KP_1, keyPad1},
                                                                 {SDL_SCANCODE_KP_1, SDLK_1, keyPad1},
