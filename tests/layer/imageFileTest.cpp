@@ -22,18 +22,10 @@ std::vector<std::uint8_t> fileBytes(const std::string& path) {
 // A 24-bit BMP header for a picture of the given size, with no pixels after it.
 std::vector<std::uint8_t> bmpHeader(std::int32_t width, std::int32_t height) {
   std::vector<std::uint8_t> b(54, 0);
-  auto put32 = [&](int at, std::uint32_t v) {
-    for (int i = 0; i < 4; ++i) b[at + i] = static_cast<std::uint8_t>(v >> (8 * i));
-  };
-  b[0] = 'B';
-  b[1] = 'M';
-  put32(2, 54);
-  put32(10, 54);
-  put32(14, 40);
-  put32(18, static_cast<std::uint32_t>(width));
-  put32(22, static_cast<std::uint32_t>(height));
-  b[26] = 1;
-  b[28] = 24;
+  const std::pair<int, std::int32_t> fields[] = {{2, 54}, {10, 54}, {14, 40}, {18, width}, {22, height}};
+  for (const auto& [at, v] : fields)
+    for (int i = 0; i < 4; ++i) b[at + i] = static_cast<std::uint8_t>(static_cast<std::uint32_t>(v) >> (8 * i));
+  b[0] = 'B', b[1] = 'M', b[26] = 1, b[28] = 24;  // one plane of 24 bits
   return b;
 }
 

@@ -101,8 +101,7 @@ TEST(ParameterFile, ReadsAtMostHundredLinesCommentsIncludedAndRefusesAMissingFil
   for (int i = 0; i < 11; ++i) text += "// head\n";
   for (int i = 0; i < 150; ++i) text += std::to_string(i) + ":nx " + std::to_string(i) + "\n";
   const readResult r = readFromText(text);
-  EXPECT_EQ(r.count, 89);
-  EXPECT_EQ(r.editor.entries[88].value, "88");
+  EXPECT_EQ(std::to_string(r.count) + " " + r.editor.entries[88].value, "89 88");
   EXPECT_EQ(readFromText(marv::formatParameterFile(parameterEditor{}, "v")).count, 0) << "a head alone";
   parameterEditor editor;
   marv::appConfig cfg;
@@ -164,8 +163,7 @@ TEST(ParameterFile, ALinkIsWrittenThroughAndStaysALink) {
   std::filesystem::create_symlink("../shared/current", "input/param.txt");
   parameterEditor editor = readFromText("1:nx 9\n").editor;
   ASSERT_EQ(marv::writeParameterFile(editor, "v"), 1);
-  EXPECT_TRUE(std::filesystem::is_symlink("input/param.txt"));
-  EXPECT_TRUE(std::filesystem::is_symlink("shared/current"));
+  EXPECT_TRUE(std::filesystem::is_symlink("input/param.txt") && std::filesystem::is_symlink("shared/current"));
   EXPECT_EQ(marvtest::readText("shared/cases/param.txt"), marv::formatParameterFile(editor, "v"));
   EXPECT_FALSE(std::filesystem::exists("shared/cases/param.txt.tmp"));
 }

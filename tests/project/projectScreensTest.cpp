@@ -87,8 +87,8 @@ TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   for (const auto& [file, copied] : std::initializer_list<std::pair<const char*, bool>>{
            {"bcXY0.bmp", true}, {"bcZX3.bmp", true}, {"bcXY1.bmp", false}, {"viz.txt", false}, {"bmp.txt", false}})
     EXPECT_EQ(fs::exists(input / file), copied) << file;
-  EXPECT_EQ(marvtest::readText(input / "bc.stl"), "solid x\nendsolid x\n");
-  EXPECT_EQ(marvtest::readText(input / "param.txt"), "1:nx 9\n");
+  EXPECT_EQ(marvtest::readText(input / "bc.stl") + marvtest::readText(input / "param.txt"),
+            "solid x\nendsolid x\n1:nx 9\n");
   EXPECT_EQ(fs::path(c.cfg.absProjPath), fs::canonical(root / "fresh") / "");
   // The same folder again is refused as a new project, with the folder named;
   // as an existing one it keeps its files and gets its missing folders back.
