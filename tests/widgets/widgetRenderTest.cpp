@@ -4,17 +4,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/catalogue.h"
 #include "app/fontSet.h"
 #include "app/screenFrame.h"
-#include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "renderSupport.h"
 #include "result/stepResults.h"
-#include "screenScript.h"
 #include "testSupport.h"
 #include "tests/widgets/panelSupport.h"
 #include "widgets/textBox.h"
