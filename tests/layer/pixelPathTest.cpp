@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <utility>
