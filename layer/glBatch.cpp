@@ -90,6 +90,27 @@ void main() {
 }
 )";
 
+// The two shapes that fill most of a 2D picture's pixels, each without the
+// branches and the discard of the general shader: the software rasteriser
+// then shades a pixel in a fraction of the time. A discarded fragment and a
+// blended fragment of alpha 0 leave the same pixel when no depth is
+// written, which is when these are used.
+const char* flatFragmentSource = R"(#version 330 core
+in vec4 vColour;
+out vec4 fragColour;
+void main() { fragColour = vColour; }
+)";
+
+const char* glyphFragmentSource = R"(#version 330 core
+in vec4 vColour;
+in vec2 vUv;
+uniform sampler2D uTex;
+out vec4 fragColour;
+void main() { fragColour = vec4(vColour.rgb, vColour.a * texture(uTex, vUv).r); }
+)";
+
+enum shaderKind { generalShader, flatShader, glyphShader };
+
 coreState& state = coreInstance;
 
 unsigned compileShader(GLenum kind, const char* source) {
@@ -107,8 +128,6 @@ unsigned compileShader(GLenum kind, const char* source) {
   }
   return s;
 }
-
-void uploadMatrix(int slot, const matrix4& m) { glUniformMatrix4fv(state.uniforms[slot], 1, GL_TRUE, &m.m[0][0]); }
 
 // Pixels to clip coordinates, rows top-down: x 0..w to -1..1, y 0..h to -1..1.
 matrix4 pixelMatrix(int width, int height) {
@@ -140,21 +159,46 @@ drawUniforms uniformsNow(const batchKey& k) {
   return u;
 }
 
-void applyCommand(const command& c) {
+// The shader a command is drawn with: a shape untextured, unlit and at full
+// strength goes to the flat one, a glyph run to the glyph one, unless it
+// writes depth and could hold transparent pixels (those must be discarded).
+shaderKind shaderFor(const command& c) {
   const batchKey& k = c.key;
-  uploadMatrix(uMatrix, c.uniforms.matrix);
-  glUniform1i(state.uniforms[uLit], k.lit ? 1 : 0);
-  if (k.lit) {
-    const lightState& l = c.uniforms.light;
-    glUniform3f(state.uniforms[uLightPos], l.position.x, l.position.y, l.position.z);
-    glUniform4f(state.uniforms[uAtten], l.a0, l.a1, l.a2, l.range);
-    const vec3 e = c.uniforms.eye;
-    glUniform3f(state.uniforms[uEye], e.x, e.y, e.z);
+  const bool plain = !k.lit && k.alphaAmount == 255 && (!k.depthWrite || c.opaque);
+  if (plain && k.texture == 0) return flatShader;
+  if (plain && k.glyphs && !k.depthWrite) return glyphShader;
+  return generalShader;
+}
+
+void applyCommand(const command& c, shaderKind shader) {
+  const batchKey& k = c.key;
+  const int* uniforms = state.uniforms[shader];
+  if (state.currentShader != shader) {
+    glUseProgram(state.programs[shader]);
+    state.currentShader = shader;
   }
-  glUniform1i(state.uniforms[uTextured], k.texture != 0 ? 1 : 0);
-  glUniform1i(state.uniforms[uTexAlpha], k.textureAlpha ? 1 : 0);
-  glUniform1i(state.uniforms[uGlyphs], k.glyphs ? 1 : 0);
-  glUniform1f(state.uniforms[uAlphaScale], static_cast<float>(k.alphaAmount) / 255.0f);
+  // Blending an opaque pixel gives the pixel itself; without it the
+  // rasteriser writes the colour straight away.
+  if (c.opaque && shader == flatShader) {
+    glDisable(GL_BLEND);
+  } else {
+    glEnable(GL_BLEND);
+  }
+  glUniformMatrix4fv(uniforms[uMatrix], 1, GL_TRUE, &c.uniforms.matrix.m[0][0]);
+  if (shader == generalShader) {
+    glUniform1i(uniforms[uLit], k.lit ? 1 : 0);
+    if (k.lit) {
+      const lightState& l = c.uniforms.light;
+      glUniform3f(uniforms[uLightPos], l.position.x, l.position.y, l.position.z);
+      glUniform4f(uniforms[uAtten], l.a0, l.a1, l.a2, l.range);
+      const vec3 e = c.uniforms.eye;
+      glUniform3f(uniforms[uEye], e.x, e.y, e.z);
+    }
+    glUniform1i(uniforms[uTextured], k.texture != 0 ? 1 : 0);
+    glUniform1i(uniforms[uTexAlpha], k.textureAlpha ? 1 : 0);
+    glUniform1i(uniforms[uGlyphs], k.glyphs ? 1 : 0);
+    glUniform1f(uniforms[uAlphaScale], static_cast<float>(k.alphaAmount) / 255.0f);
+  }
   glBindTexture(GL_TEXTURE_2D, k.texture);
   if (k.depthTest) {
     glEnable(GL_DEPTH_TEST);
@@ -211,25 +255,40 @@ bool operator==(const batchKey& a, const batchKey& b) {
 
 // ---------------------------------------------------------------- renderer life
 
-bool startRenderer(int width, int height) {
+// Links the shared vertex shader with one fragment shader and finds the
+// uniforms (a location of -1 where that shader has none; GL ignores those).
+bool linkShader(shaderKind kind, const char* fragment) {
   const GLuint vs = compileShader(GL_VERTEX_SHADER, vertexSource);
-  const GLuint fs = compileShader(GL_FRAGMENT_SHADER, fragmentSource);
-  if (vs == 0 || fs == 0) return false;
-  state.program = glCreateProgram();
-  glAttachShader(state.program, vs);
-  glAttachShader(state.program, fs);
-  glLinkProgram(state.program);
+  const GLuint fs = compileShader(GL_FRAGMENT_SHADER, fragment);
+  if (vs == 0 || fs == 0) {
+    glDeleteShader(vs);
+    glDeleteShader(fs);
+    return false;
+  }
+  const GLuint program = glCreateProgram();
+  state.programs[kind] = program;
+  glAttachShader(program, vs);
+  glAttachShader(program, fs);
+  glLinkProgram(program);
   glDeleteShader(vs);
   glDeleteShader(fs);
   GLint linked = 0;
-  glGetProgramiv(state.program, GL_LINK_STATUS, &linked);
+  glGetProgramiv(program, GL_LINK_STATUS, &linked);
   if (!linked) return false;
-  glUseProgram(state.program);
+  glUseProgram(program);
   const char* names[] = {"uMatrix",   "uLit",      "uLightPos", "uAtten",      "uEye",
                          "uTextured", "uTexAlpha", "uGlyphs",   "uAlphaScale", "uTex"};
-  for (int i = 0; i <= uTex; ++i) state.uniforms[i] = glGetUniformLocation(state.program, names[i]);
-  glUniform1i(state.uniforms[uTex], 0);
-  glUniform1f(glGetUniformLocation(state.program, "uAmbient"), ambientShare);
+  for (int i = 0; i <= uTex; ++i) state.uniforms[kind][i] = glGetUniformLocation(program, names[i]);
+  glUniform1i(state.uniforms[kind][uTex], 0);
+  glUniform1f(glGetUniformLocation(program, "uAmbient"), ambientShare);
+  state.currentShader = kind;
+  return true;
+}
+
+bool startRenderer(int width, int height) {
+  if (!linkShader(flatShader, flatFragmentSource) || !linkShader(glyphShader, glyphFragmentSource) ||
+      !linkShader(generalShader, fragmentSource))
+    return false;
 
   glGenVertexArrays(1, &state.vao);
   glBindVertexArray(state.vao);
@@ -283,7 +342,7 @@ void stopRenderer() {
     glDeleteBuffers(1, &state.vbo);
     glDeleteBuffers(1, &state.ebo);
     glDeleteVertexArrays(1, &state.vao);
-    glDeleteProgram(state.program);
+    for (unsigned program : state.programs) glDeleteProgram(program);
   }
   state = coreState{};
 }
@@ -418,7 +477,11 @@ int buildUpload() {
     c.uploadFirst = at;
     vertex* v = state.upload.data() + at;
     if (c.kind == commandKind::vertices) {
-      std::copy(state.vertices.data() + c.first, state.vertices.data() + c.first + c.count, v);
+      const vertex* from = state.vertices.data() + c.first;
+      std::copy(from, from + c.count, v);
+      bool opaque = true;
+      for (int i = 0; i < c.count; ++i) opaque &= from[i].a == 255;
+      c.opaque = opaque;
       at += c.count;
       continue;
     }
@@ -444,6 +507,7 @@ int buildUpload() {
       at += 4 * c.count;
       continue;
     }
+    c.opaque = true;  // a box's colour has no alpha
     for (int b = 0; b < c.count; ++b, v += 4) {
       const boxRecord& r = state.boxes[c.first + b];
       const float xs[4] = {r.x1, r.x2, r.x2, r.x1}, ys[4] = {r.y1, r.y1, r.y2, r.y2};
@@ -483,7 +547,7 @@ void flush() {
       glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
       continue;
     }
-    applyCommand(c);
+    applyCommand(c, shaderFor(c));
     if (c.key.kind == primitive::quads || c.kind != commandKind::vertices) {
       const int quads = verticesOf(c) / 4;
       glDrawElementsBaseVertex(GL_TRIANGLES, quads * 6, GL_UNSIGNED_INT, nullptr, c.uploadFirst);

@@ -120,39 +120,41 @@ struct command {
   float background[4] = {};  // colour of a clear
   drawUniforms uniforms;     // of a draw
   int uploadFirst = 0;       // first vertex in the upload, set while rasterising
+  bool opaque = false;       // every vertex fully opaque, set while rasterising
 };
 
 // The state of the backend. One instance; main thread only.
 struct coreState {
-  bool ready = false;                               // a GL context is current and the renderer is built
-  int width = 1080;                                 // back buffer [px]
-  int height = 560;                                 // back buffer [px]
-  int target = backBuffer;                          // current draw target
-  image backImage;                                  // the back buffer as an off-screen target
-  std::vector<image> images;                        // by handle
-  float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};   // clear colour [0..1]
-  int blendMode = 0;                                // 0 none, 1 alpha
-  int blendAmount = 255;                            // [0..255]
-  bool zBuffer = false;                             // depth test of 3D shapes
-  bool zWrite = false;                              // depth write of 3D shapes
-  bool lighting = false;                            // point light on 3D shapes
-  cameraState camera;                               // current camera; size follows the draw target
-  lightState light;                                 // the point light
-  long long drawCalls = 0;                          // draw calls issued since start
-  std::vector<command> commands;                    // the pending frame, in order
-  std::vector<vertex> vertices;                     // pending vertices; grows, never shrinks
-  int vertexCount = 0;                              // of them in use
-  std::vector<boxRecord> boxes;                     // pending box records; grows, never shrinks
-  int boxCount = 0;                                 // of them in use
-  std::vector<glyphRecord> glyphs;                  // pending glyph records; grows, never shrinks
-  int glyphCount = 0;                               // of them in use
-  std::vector<lineRecord> lines;                    // pending line records; grows, never shrinks
-  int lineCount = 0;                                // of them in use
-  std::vector<vertex> upload;                       // vertices of one rasterisation
-  int bufferCapacity = 0;                           // vertices the GL buffer holds
-  unsigned serial = 1;                              // bumped by every change of drawing state
-  unsigned program = 0, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
-  int uniforms[16] = {};                            // uniform locations, see glBatch.cpp
+  bool ready = false;                                    // a GL context is current and the renderer is built
+  int width = 1080;                                      // back buffer [px]
+  int height = 560;                                      // back buffer [px]
+  int target = backBuffer;                               // current draw target
+  image backImage;                                       // the back buffer as an off-screen target
+  std::vector<image> images;                             // by handle
+  float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};        // clear colour [0..1]
+  int blendMode = 0;                                     // 0 none, 1 alpha
+  int blendAmount = 255;                                 // [0..255]
+  bool zBuffer = false;                                  // depth test of 3D shapes
+  bool zWrite = false;                                   // depth write of 3D shapes
+  bool lighting = false;                                 // point light on 3D shapes
+  cameraState camera;                                    // current camera; size follows the draw target
+  lightState light;                                      // the point light
+  long long drawCalls = 0;                               // draw calls issued since start
+  std::vector<command> commands;                         // the pending frame, in order
+  std::vector<vertex> vertices;                          // pending vertices; grows, never shrinks
+  int vertexCount = 0;                                   // of them in use
+  std::vector<boxRecord> boxes;                          // pending box records; grows, never shrinks
+  int boxCount = 0;                                      // of them in use
+  std::vector<glyphRecord> glyphs;                       // pending glyph records; grows, never shrinks
+  int glyphCount = 0;                                    // of them in use
+  std::vector<lineRecord> lines;                         // pending line records; grows, never shrinks
+  int lineCount = 0;                                     // of them in use
+  std::vector<vertex> upload;                            // vertices of one rasterisation
+  int bufferCapacity = 0;                                // vertices the GL buffer holds
+  unsigned serial = 1;                                   // bumped by every change of drawing state
+  unsigned programs[3] = {}, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
+  int uniforms[3][16] = {};                              // uniform locations of each program, see glBatch.cpp
+  int currentShader = -1;                                // the program in use
 };
 
 // Inline: the recording of a box or a glyph asks for it every time.
