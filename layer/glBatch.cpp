@@ -109,7 +109,23 @@ out vec4 fragColour;
 void main() { fragColour = vec4(vColour.rgb, vColour.a * texture(uTex, vUv).r); }
 )";
 
-enum shaderKind { generalShader, flatShader, glyphShader };
+// Runs of many boxes (the contour) are painted on the processor into a
+// sheet and drawn as one picture with this shader: the rasteriser then fills
+// the picture's pixels at the speed of a copy, where thousands of thin boxes
+// would cost it a triangle set-up each.
+const char* pictureFragmentSource = R"(#version 330 core
+in vec2 vUv;
+uniform sampler2D uTex;
+out vec4 fragColour;
+void main() { fragColour = texture(uTex, vUv); }
+)";
+
+enum shaderKind { generalShader, flatShader, glyphShader, pictureShader };
+
+// Box runs of fewer boxes than this are drawn as triangles.
+constexpr int pictureMinBoxes = 16;
+// Largest box sheet [px]: runs beyond it are drawn as triangles.
+constexpr int boxSheetLimit = 8192;
 
 coreState& state = coreInstance;
 
@@ -163,6 +179,7 @@ drawUniforms uniformsNow(const batchKey& k) {
 // strength goes to the flat one, a glyph run to the glyph one, unless it
 // writes depth and could hold transparent pixels (those must be discarded).
 shaderKind shaderFor(const command& c) {
+  if (c.asPicture) return pictureShader;
   const batchKey& k = c.key;
   const bool plain = !k.lit && k.alphaAmount == 255 && (!k.depthWrite || c.opaque);
   if (plain && k.texture == 0) return flatShader;
@@ -179,7 +196,7 @@ void applyCommand(const command& c, shaderKind shader) {
   }
   // Blending an opaque pixel gives the pixel itself; without it the
   // rasteriser writes the colour straight away.
-  if (c.opaque && shader == flatShader) {
+  if (c.opaque && (shader == flatShader || shader == pictureShader)) {
     glDisable(GL_BLEND);
   } else {
     glEnable(GL_BLEND);
@@ -199,7 +216,7 @@ void applyCommand(const command& c, shaderKind shader) {
     glUniform1i(uniforms[uGlyphs], k.glyphs ? 1 : 0);
     glUniform1f(uniforms[uAlphaScale], static_cast<float>(k.alphaAmount) / 255.0f);
   }
-  glBindTexture(GL_TEXTURE_2D, k.texture);
+  glBindTexture(GL_TEXTURE_2D, c.asPicture ? state.boxSheet : k.texture);
   if (k.depthTest) {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
@@ -287,7 +304,7 @@ bool linkShader(shaderKind kind, const char* fragment) {
 
 bool startRenderer(int width, int height) {
   if (!linkShader(flatShader, flatFragmentSource) || !linkShader(glyphShader, glyphFragmentSource) ||
-      !linkShader(generalShader, fragmentSource))
+      !linkShader(pictureShader, pictureFragmentSource) || !linkShader(generalShader, fragmentSource))
     return false;
 
   glGenVertexArrays(1, &state.vao);
@@ -343,6 +360,7 @@ void stopRenderer() {
     glDeleteBuffers(1, &state.ebo);
     glDeleteVertexArrays(1, &state.vao);
     for (unsigned program : state.programs) glDeleteProgram(program);
+    if (state.boxSheet != 0) glDeleteTextures(1, &state.boxSheet);
   }
   state = coreState{};
 }
@@ -457,6 +475,7 @@ namespace {
 
 // Vertices a command draws once its records are expanded.
 int verticesOf(const command& c) {
+  if (c.asPicture) return 4;
   switch (c.kind) {
     case commandKind::vertices: return c.count;
     case commandKind::lines: return lineRecordVertices * c.count;
@@ -465,8 +484,79 @@ int verticesOf(const command& c) {
   }
 }
 
+// Chooses the box runs drawn as pictures, paints them into the box sheet
+// and uploads it. A run qualifies with many boxes at full strength (blended
+// boxes would blend where they overlap). Each takes the rows of its
+// bounding rectangle, clipped to its target; pixels no box covers stay
+// transparent, and a run that covers all of its rectangle is opaque.
+void paintBoxSheet() {
+  int width = 0, height = 0;
+  for (command& c : state.commands) {
+    c.asPicture = false;
+    if (!c.live || c.kind != commandKind::boxes || c.count < pictureMinBoxes || c.key.alphaAmount != 255) continue;
+    const image* target = imageOf(c.target);
+    if (target == nullptr) continue;
+    float x1 = 1e30f, y1 = 1e30f, x2 = -1e30f, y2 = -1e30f;
+    for (int b = 0; b < c.count; ++b) {
+      const boxRecord& r = state.boxes[c.first + b];
+      x1 = std::min(x1, r.x1), y1 = std::min(y1, r.y1), x2 = std::max(x2, r.x2), y2 = std::max(y2, r.y2);
+    }
+    const int rect[4] = {std::max(static_cast<int>(x1), 0), std::max(static_cast<int>(y1), 0),
+                         std::min(static_cast<int>(x2), target->width), std::min(static_cast<int>(y2), target->height)};
+    const int w = rect[2] - rect[0], h = rect[3] - rect[1];
+    if (w <= 0 || h <= 0 || w > boxSheetLimit || height + h > boxSheetLimit) continue;
+    c.asPicture = true;
+    std::copy(rect, rect + 4, c.pictureRect);
+    c.sheetRow = height;
+    height += h;
+    width = std::max(width, w);
+  }
+  if (height == 0) return;
+  growTo(state.boxPixels, static_cast<std::size_t>(width) * height);
+  std::uint32_t* sheet = state.boxPixels.data();
+  std::fill(sheet, sheet + static_cast<std::size_t>(width) * height, 0u);
+  for (command& c : state.commands) {
+    if (!c.asPicture) continue;
+    const int* rect = c.pictureRect;
+    // Boxes have whole-pixel corners (drawBox, drawBoxRow): a box covers the
+    // pixels from x1 to x2 - 1, the same as the rasteriser fills.
+    for (int b = 0; b < c.count; ++b) {
+      const boxRecord& r = state.boxes[c.first + b];
+      const int bx1 = std::max(static_cast<int>(r.x1), rect[0]), bx2 = std::min(static_cast<int>(r.x2), rect[2]);
+      const int by1 = std::max(static_cast<int>(r.y1), rect[1]), by2 = std::min(static_cast<int>(r.y2), rect[3]);
+      if (bx2 <= bx1) continue;
+      const std::uint32_t rgba =
+          ((r.colour >> 16) & 255u) | (r.colour & 0xFF00u) | ((r.colour & 255u) << 16) | 0xFF000000u;
+      for (int y = by1; y < by2; ++y) {
+        std::uint32_t* row = sheet + static_cast<std::size_t>(c.sheetRow + y - rect[1]) * width - rect[0];
+        std::fill(row + bx1, row + bx2, rgba);
+      }
+    }
+    bool covered = true;
+    for (int y = 0; y < rect[3] - rect[1] && covered; ++y) {
+      const std::uint32_t* row = sheet + static_cast<std::size_t>(c.sheetRow + y) * width;
+      for (int x = 0; x < rect[2] - rect[0]; ++x) covered &= row[x] != 0u;
+    }
+    c.opaque = covered;
+  }
+  if (state.boxSheet == 0) glGenTextures(1, &state.boxSheet);
+  glBindTexture(GL_TEXTURE_2D, state.boxSheet);
+  if (width > state.boxSheetWidth || height > state.boxSheetHeight) {
+    state.boxSheetWidth = std::max(width, state.boxSheetWidth);
+    state.boxSheetHeight = std::max(height, state.boxSheetHeight);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, state.boxSheetWidth, state.boxSheetHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                 nullptr);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  }
+  glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, sheet);
+}
+
 // The vertices of the live commands, records expanded, in one upload.
 int buildUpload() {
+  paintBoxSheet();
   int total = 0;
   for (const command& c : state.commands)
     if (c.live && c.kind != commandKind::clear) total += verticesOf(c);
@@ -476,6 +566,24 @@ int buildUpload() {
     if (!c.live || c.kind == commandKind::clear) continue;
     c.uploadFirst = at;
     vertex* v = state.upload.data() + at;
+    if (c.asPicture) {  // one quad whose texel centres fall on pixel centres
+      const int* rect = c.pictureRect;
+      const float sw = static_cast<float>(state.boxSheetWidth), sh = static_cast<float>(state.boxSheetHeight);
+      const float xs[4] = {float(rect[0]), float(rect[2]), float(rect[2]), float(rect[0])};
+      const float ys[4] = {float(rect[1]), float(rect[1]), float(rect[3]), float(rect[3])};
+      const float us[4] = {0.0f, float(rect[2] - rect[0]) / sw, float(rect[2] - rect[0]) / sw, 0.0f};
+      const float top = float(c.sheetRow) / sh, bottom = float(c.sheetRow + rect[3] - rect[1]) / sh;
+      const float vs[4] = {top, top, bottom, bottom};
+      for (int corner = 0; corner < 4; ++corner) {
+        v[corner] = vertex{};
+        v[corner].x = xs[corner];
+        v[corner].y = ys[corner];
+        v[corner].u = us[corner];
+        v[corner].v = vs[corner];
+      }
+      at += 4;
+      continue;
+    }
     if (c.kind == commandKind::vertices) {
       const vertex* from = state.vertices.data() + c.first;
       std::copy(from, from + c.count, v);

@@ -121,6 +121,11 @@ struct command {
   drawUniforms uniforms;     // of a draw
   int uploadFirst = 0;       // first vertex in the upload, set while rasterising
   bool opaque = false;       // every vertex fully opaque, set while rasterising
+  // A run of many boxes is painted into the box sheet (a texture) and drawn
+  // as one picture: set while rasterising.
+  bool asPicture = false;
+  int pictureRect[4] = {};  // x1 y1 x2 y2 of the painted pixels in the target [px]
+  int sheetRow = 0;         // first row of its pixels in the box sheet
 };
 
 // The state of the backend. One instance; main thread only.
@@ -152,8 +157,11 @@ struct coreState {
   std::vector<vertex> upload;                            // vertices of one rasterisation
   int bufferCapacity = 0;                                // vertices the GL buffer holds
   unsigned serial = 1;                                   // bumped by every change of drawing state
-  unsigned programs[3] = {}, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
-  int uniforms[3][16] = {};                              // uniform locations of each program, see glBatch.cpp
+  unsigned programs[4] = {}, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
+  int uniforms[4][16] = {};                              // uniform locations of each program, see glBatch.cpp
+  unsigned boxSheet = 0;                                 // texture of the painted box runs
+  int boxSheetWidth = 0, boxSheetHeight = 0;             // its size [px]
+  std::vector<std::uint32_t> boxPixels;                  // its pixels while they are painted
   int currentShader = -1;                                // the program in use
 };
 
