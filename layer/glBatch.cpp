@@ -515,6 +515,7 @@ void paintBoxSheet() {
   growTo(state.boxPixels, static_cast<std::size_t>(width) * height);
   std::uint32_t* sheet = state.boxPixels.data();
   std::fill(sheet, sheet + static_cast<std::size_t>(width) * height, 0u);
+  bool anyTransparent = false;
   for (command& c : state.commands) {
     if (!c.asPicture) continue;
     const int* rect = c.pictureRect;
@@ -535,10 +536,15 @@ void paintBoxSheet() {
     bool covered = true;
     for (int y = 0; y < rect[3] - rect[1] && covered; ++y) {
       const std::uint32_t* row = sheet + static_cast<std::size_t>(c.sheetRow + y) * width;
-      for (int x = 0; x < rect[2] - rect[0]; ++x) covered &= row[x] != 0u;
+      covered = std::find(row, row + (rect[2] - rect[0]), 0u) == row + (rect[2] - rect[0]);
     }
     c.opaque = covered;
+    anyTransparent |= !covered;
   }
+  state.boxSheetRowLength = width;
+  // Opaque pictures go straight into their targets' pixels (flush); the
+  // sheet texture is needed only for pictures with holes.
+  if (!anyTransparent) return;
   if (state.boxSheet == 0) glGenTextures(1, &state.boxSheet);
   glBindTexture(GL_TEXTURE_2D, state.boxSheet);
   if (width > state.boxSheetWidth || height > state.boxSheetHeight) {
@@ -552,6 +558,21 @@ void paintBoxSheet() {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
   }
   glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, sheet);
+}
+
+// An opaque picture replaces the pixels of its rectangle: they are written
+// into the target's texture, in order with the draws before and after it.
+// False when the target has no texture of its own.
+bool writePicture(const command& c) {
+  const image* target = imageOf(c.target);
+  if (target == nullptr || target->texture == 0) return false;
+  const int* rect = c.pictureRect;
+  glBindTexture(GL_TEXTURE_2D, target->texture);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, state.boxSheetRowLength);
+  glTexSubImage2D(GL_TEXTURE_2D, 0, rect[0], rect[1], rect[2] - rect[0], rect[3] - rect[1], GL_RGBA, GL_UNSIGNED_BYTE,
+                  state.boxPixels.data() + static_cast<std::size_t>(c.sheetRow) * state.boxSheetRowLength);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+  return true;
 }
 
 // The vertices of the live commands, records expanded, in one upload.
@@ -655,6 +676,7 @@ void flush() {
       glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
       continue;
     }
+    if (c.asPicture && c.opaque && writePicture(c)) continue;
     applyCommand(c, shaderFor(c));
     if (c.key.kind == primitive::quads || c.kind != commandKind::vertices) {
       const int quads = verticesOf(c) / 4;

@@ -162,6 +162,7 @@ struct coreState {
   unsigned boxSheet = 0;                                 // texture of the painted box runs
   int boxSheetWidth = 0, boxSheetHeight = 0;             // its size [px]
   std::vector<std::uint32_t> boxPixels;                  // its pixels while they are painted
+  int boxSheetRowLength = 0;                             // pixels a row of boxPixels
   int currentShader = -1;                                // the program in use
 };
 
