@@ -5,7 +5,9 @@
 // and compares them pixel by pixel.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <vector>
 
@@ -94,8 +96,12 @@ TEST_F(recordedShapes, edgedTextIsTheTextOverItsEightShiftedCopies) {
         if (dx != 0 || dy != 0) drawText(4 + dx, 12 + dy, text, edge, -1, 0, 0);
     drawText(4, 12, text, ink, -1, 0, 0);
   };
-  const std::vector<int> expected = picture(copies);
-  EXPECT_EQ(differing(picture(edged), expected), 0);
+  // The edge is one pass of the eight copies' combined coverage: their blends rounded once instead of eight times.
+  const std::vector<int> expected = picture(copies), got = picture(edged);
+  int largest = 0;
+  for (std::size_t i = 0; i < got.size() && i < expected.size(); ++i)
+    largest = std::max(largest, std::abs(got[i] - expected[i]));
+  EXPECT_LE(largest, 2);
   EXPECT_GT(differing(expected, picture([] {})), 50);
 }
 
