@@ -352,6 +352,9 @@ bool startRenderer(int width, int height) {
 }
 
 void stopRenderer() {
+  // Nobody will see the pending frame: drawings left for it are dropped
+  // unmade (what they point to may be gone already).
+  state.later.clear();
   stopFonts();
   if (state.ready) {
     for (image& img : state.images) freeImageObjects(img);
@@ -438,6 +441,61 @@ void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour)
   ++last->count;
 }
 
+// Makes the drawings left for now, each in its place: its primitives are
+// recorded into an empty command list with the target and blending it was
+// recorded with, then take its place. Meanwhile nothing is rasterised (the
+// record limits are let go).
+void makeLaterDrawings() {
+  if (state.later.empty()) return;
+  std::vector<command> pending, made;
+  pending.swap(state.commands);
+  made.reserve(pending.size());
+  const int target = state.target, blendMode = state.blendMode, blendAmount = state.blendAmount;
+  state.expandingLater = true;
+  for (const command& c : pending) {
+    if (c.kind != commandKind::later) {
+      made.push_back(c);
+      continue;
+    }
+    if (!c.live || c.laterIndex < 0 || c.laterIndex >= static_cast<int>(state.later.size())) continue;
+    const laterDrawing d = state.later[c.laterIndex];
+    state.target = c.target;
+    state.blendMode = d.blendMode;
+    state.blendAmount = d.blendAmount;
+    stateChanged();
+    d.draw(d.context);
+    made.insert(made.end(), state.commands.begin(), state.commands.end());
+    state.commands.clear();
+  }
+  state.expandingLater = false;
+  state.target = target;
+  state.blendMode = blendMode;
+  state.blendAmount = blendAmount;
+  stateChanged();
+  state.commands.swap(made);
+  state.later.clear();
+}
+
+int recordLaterDrawing(void (*draw)(const void*), const void* context, int size) {
+  if (draw == nullptr || size < 0 || size > drawLaterContextSize) return -1;
+  // Without a renderer nothing would be drawn; while the drawings left for
+  // the rasterisation are made, one more is made at once.
+  if (!state.ready || state.expandingLater) {
+    draw(context);
+    return 0;
+  }
+  laterDrawing d;
+  d.draw = draw;
+  if (size > 0) std::memcpy(d.context, context, static_cast<std::size_t>(size));
+  d.blendMode = state.blendMode;
+  d.blendAmount = state.blendAmount;
+  command& c = startCommand(commandKind::later, batchKey{}, 0);
+  c.laterIndex = static_cast<int>(state.later.size());
+  state.later.push_back(d);
+  stateChanged();  // what follows starts a command of its own
+  return 0;
+}
+
 void recordClear() {
   if (!state.ready) return;
   const image* target = imageOf(state.target);
@@ -459,6 +517,7 @@ void recordClear() {
   }
   if (!anyLive) {
     state.commands.clear();
+    state.later.clear();
     state.vertexCount = 0;
     state.boxCount = 0;
     state.glyphCount = 0;
@@ -479,7 +538,8 @@ int verticesOf(const command& c) {
   switch (c.kind) {
     case commandKind::vertices: return c.count;
     case commandKind::lines: return lineRecordVertices * c.count;
-    case commandKind::clear: return 0;
+    case commandKind::clear:
+    case commandKind::later: return 0;
     default: return 4 * c.count;
   }
 }
@@ -655,7 +715,8 @@ int buildUpload() {
 }  // namespace
 
 void flush() {
-  if (!state.ready || state.commands.empty()) return;
+  if (!state.ready || state.commands.empty() || state.expandingLater) return;
+  makeLaterDrawings();
   const int total = buildUpload();
   glBindVertexArray(state.vao);
   glBindBuffer(GL_ARRAY_BUFFER, state.vbo);

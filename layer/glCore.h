@@ -104,7 +104,14 @@ struct lineRecord {
 
 constexpr int lineRecordVertices = 12;  // vertices of a rasterised line record
 
-enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, lines = 4 };
+enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, lines = 4, later = 5 };
+
+// A drawing left for the moment the frame is rasterised (drawLater).
+struct laterDrawing {
+  void (*draw)(const void* context) = nullptr;
+  alignas(16) unsigned char context[drawLaterContextSize] = {};
+  int blendMode = 0, blendAmount = 255;  // blending when it was recorded
+};
 
 constexpr int maxBoxesPerCommand = 49152;  // boxes of one draw call: 196608 vertices
 
@@ -125,7 +132,9 @@ struct command {
   // as one picture: set while rasterising.
   bool asPicture = false;
   int pictureRect[4] = {};  // x1 y1 x2 y2 of the painted pixels in the target [px]
-  int sheetRow = 0;         // first row of its pixels in the box sheet
+  int sheetRow = 0;
+  int laterIndex =
+      -1;  // its drawing in coreState::later, for a later command         // first row of its pixels in the box sheet
 };
 
 // The state of the backend. One instance; main thread only.
@@ -163,6 +172,8 @@ struct coreState {
   int boxSheetWidth = 0, boxSheetHeight = 0;             // its size [px]
   std::vector<std::uint32_t> boxPixels;                  // its pixels while they are painted
   int boxSheetRowLength = 0;                             // pixels a row of boxPixels
+  std::vector<laterDrawing> later;                       // drawings of the pending frame left for its rasterisation
+  bool expandingLater = false;                           // they are being made: nothing is rasterised meanwhile
   int currentShader = -1;                                // the program in use
 };
 
@@ -200,6 +211,9 @@ batchKey key3d(primitive kind, bool lit);
 
 // Rasterises the pending frame and empties it.
 void flush();
+// drawLater and finishLaterDrawings of the OpenGL backend.
+int recordLaterDrawing(void (*draw)(const void*), const void* context, int size);
+void makeLaterDrawings();
 // Forgets the pending commands of the current target that nobody reads, and
 // records a clear of it.
 void recordClear();
