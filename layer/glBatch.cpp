@@ -441,6 +441,22 @@ void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour)
   ++last->count;
 }
 
+namespace {
+
+// The state a later drawing's primitives are made in, kept and put back.
+void keepDrawState(laterDrawing& d) {
+  d.blendMode = state.blendMode, d.blendAmount = state.blendAmount;
+  d.zBuffer = state.zBuffer, d.zWrite = state.zWrite, d.lighting = state.lighting;
+  d.camera = state.camera, d.light = state.light;
+}
+void putDrawState(const laterDrawing& d) {
+  state.blendMode = d.blendMode, state.blendAmount = d.blendAmount;
+  state.zBuffer = d.zBuffer, state.zWrite = d.zWrite, state.lighting = d.lighting;
+  state.camera = d.camera, state.light = d.light;
+}
+
+}  // namespace
+
 // Makes the drawings left for now, each in its place: its primitives are
 // recorded into an empty command list with the target and blending it was
 // recorded with, then take its place. Meanwhile nothing is rasterised (the
@@ -450,7 +466,11 @@ void makeLaterDrawings() {
   std::vector<command> pending, made;
   pending.swap(state.commands);
   made.reserve(pending.size());
-  const int target = state.target, blendMode = state.blendMode, blendAmount = state.blendAmount;
+  // The drawing state now, restored afterwards: the target and the rest as a
+  // later drawing records them.
+  const int target = state.target;
+  laterDrawing now;
+  keepDrawState(now);
   state.expandingLater = true;
   for (const command& c : pending) {
     if (c.kind != commandKind::later) {
@@ -460,8 +480,7 @@ void makeLaterDrawings() {
     if (!c.live || c.laterIndex < 0 || c.laterIndex >= static_cast<int>(state.later.size())) continue;
     const laterDrawing d = state.later[c.laterIndex];
     state.target = c.target;
-    state.blendMode = d.blendMode;
-    state.blendAmount = d.blendAmount;
+    putDrawState(d);
     stateChanged();
     d.draw(d.context);
     made.insert(made.end(), state.commands.begin(), state.commands.end());
@@ -469,8 +488,7 @@ void makeLaterDrawings() {
   }
   state.expandingLater = false;
   state.target = target;
-  state.blendMode = blendMode;
-  state.blendAmount = blendAmount;
+  putDrawState(now);
   stateChanged();
   state.commands.swap(made);
   state.later.clear();
@@ -487,8 +505,7 @@ int recordLaterDrawing(void (*draw)(const void*), const void* context, int size)
   laterDrawing d;
   d.draw = draw;
   if (size > 0) std::memcpy(d.context, context, static_cast<std::size_t>(size));
-  d.blendMode = state.blendMode;
-  d.blendAmount = state.blendAmount;
+  keepDrawState(d);
   command& c = startCommand(commandKind::later, batchKey{}, 0);
   c.laterIndex = static_cast<int>(state.later.size());
   state.later.push_back(d);

@@ -110,7 +110,11 @@ enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, l
 struct laterDrawing {
   void (*draw)(const void* context) = nullptr;
   alignas(16) unsigned char context[drawLaterContextSize] = {};
-  int blendMode = 0, blendAmount = 255;  // blending when it was recorded
+  // The drawing state when it was recorded, which its primitives are made in.
+  int blendMode = 0, blendAmount = 255;
+  bool zBuffer = false, zWrite = false, lighting = false;
+  cameraState camera;
+  lightState light;
 };
 
 constexpr int maxBoxesPerCommand = 49152;  // boxes of one draw call: 196608 vertices

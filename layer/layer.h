@@ -213,11 +213,12 @@ int drawBox(int x1, int y1, int x2, int y2, std::uint32_t colour, int fill);  //
 int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t* colours, int n);
 // A drawing made only when its pixels are needed: draw(context) runs when
 // the frame is rasterised (presented, saved or read back), in its place
-// among the primitives recorded before and after this call, with the draw
-// target and blending of this call; a clear of the target before then drops
-// it unmade. The `size` bytes at context (at most drawLaterContextSize) are
-// copied; what they point to must stay until then. The drawing may use the
-// 2D shapes, not text or images. A backend without pixels draws at once.
+// among the primitives recorded before and after this call, in the drawing
+// state of this call (target, blending, depth, light, camera); a clear of
+// the target before then drops it unmade. The `size` bytes at context (at
+// most drawLaterContextSize) are copied; what they point to must stay until
+// then. The drawing may use shapes, 2D and 3D, not text or images. A
+// backend without pixels draws at once.
 constexpr int drawLaterContextSize = 64;
 int drawLater(void (*draw)(const void* context), const void* context, int size);
 // Makes every drawing left by drawLater now, in its place, without
