@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -59,20 +58,8 @@ class offscreenPicture : public ::testing::Test {
 // The example run in a scratch project with the parameters of values set and vizLines appended to viz.txt.
 inline std::filesystem::path runExample(const char* example, const std::map<std::string, std::string>& values,
                                         const std::string& vizLines) {
-  namespace fs = std::filesystem;
-  const fs::path folder = scratchFolder(example);
-  fs::copy(fs::path(MARV_EXAMPLES_DIR) / example / "input", folder / "input");
-  fs::create_directories(folder / "figs");
-  fs::create_directories(folder / "dump");
-  std::istringstream lines(readText(folder / "input" / "param.txt"));
-  std::string param, line;
-  while (std::getline(lines, line)) {
-    const std::size_t colon = line.find(':'), end = line.find(' ', colon);
-    const auto value = colon == std::string::npos ? values.end() : values.find(line.substr(colon + 1, end - colon - 1));
-    if (value != values.end()) line = line.substr(0, colon + 1) + value->first + " " + value->second;
-    param += line + "\n";
-  }
-  writeText(folder / "input" / "param.txt", param);
+  const std::filesystem::path folder = copyExample(example);
+  setParameters(folder, values);
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << vizLines;
   marv::driverState state;
   EXPECT_EQ(runBatch(folder, state), 0);
