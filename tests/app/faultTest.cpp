@@ -74,6 +74,8 @@ TEST(RefusedInput, TheBatchRunnerSaysWhyAndRunsNothing) {
       {"1:nx 1\n2:ny 5\n", false, 1, "\"nx\" is 1"},
       {"1:nx 5\n2:ny 1.5\n", false, 1, "\"ny\" is 1"},
       {cavityLines + "9:latts 1\n", true, 1, "bcXY0.bmp"},
+      // Below the 32-bit index limit but hundreds of GiB.
+      {"1:nx 46000\n2:ny 46000\n3:domx 50000\n", false, 1, "GiB, this machine has"},
       {longText, false, 0, "lines past the hundredth"},  // run, with the original kept beside
   };
   for (const auto& c : cases) {

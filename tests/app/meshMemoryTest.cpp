@@ -1,4 +1,4 @@
-// The memory guard: estimate against real allocation, the refusal text, and the one-line end when allocation fails.
+// The memory guard: estimate against real allocation, and the one-line end when allocation fails.
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/wait.h>
@@ -6,17 +6,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "app/meshMemory.h"
-#include "batchRun.h"
 #include "domain/bcDomain.h"
 #include "project/applyParameters.h"
 #include "solver/solverCommon.h"
 #include "testGrid.h"
-#include "testSupport.h"
 
 namespace {
 
@@ -53,19 +50,6 @@ TEST(MeshMemory, TheEstimateCoversWhatTheDomainAndTheSolverAllocate) {
       }
     }
   }
-}
-
-TEST(MeshMemory, TheBatchRunnerRefusesAMeshBeyondTheMachine) {
-  // 46000 x 46000 nodes stay below the 32-bit index limit but need hundreds
-  // of GiB.
-  const auto folder = marvtest::scratchFolder("huge");
-  marvtest::writeText(folder / "input" / "param.txt", "1:nx 46000\n2:ny 46000\n3:domx 50000\n");
-  marv::driverState state;
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(marvtest::runBatch(folder, state), 1);
-  const std::string said = testing::internal::GetCapturedStderr();
-  EXPECT_NE(said.find("GiB, this machine has"), std::string::npos) << said;
-  std::filesystem::remove_all(folder);
 }
 
 TEST(MeshMemory, AFailedAllocationEndsWithOneLineAndStatusOne) {
