@@ -92,24 +92,31 @@ TEST(heldRun, theQuitPromptHoldsStepAndTimeUntilCancelledAndQEndsTheRun) {
   std::filesystem::remove_all(folder);
 }
 
-TEST(heldRun, analysisArrowsStepThroughTheDumpsWithoutWrappingAround) {
+TEST(heldRun, analysisShowsTheNewestDumpAndItsArrowsStepWithoutWrappingAroundOrWriting) {
   const auto folder = marvtest::scratchFolder("stepping");
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 25\n4:nfile 10\n5:deltat 0.1\n");
   driverState simulation;
   plan.clear();
   ASSERT_EQ(marvtest::runBatch(folder, simulation), 0);
+  const auto stamp = std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw");
+  const std::string param = marvtest::readText(folder / "input" / "param.txt");
   driverState analysis;
   // Left four times, then right four times, two idle frames between.
   std::vector<inputFrame> frames = idle(2);
   for (int key : {keyLeft, keyLeft, keyLeft, keyLeft, keyRight, keyRight, keyRight, keyRight})
     marvtest::append(frames, marvtest::join({{holding({key})}, idle(2)}));
-  runWithPlan(folder, true, frames, analysis);
+  EXPECT_EQ(runWithPlan(folder, true, frames, analysis), 0);
   std::vector<int> shown;
   for (const cycleSeen& c : seen)
     if (shown.empty() || shown.back() != c.sts) shown.push_back(c.sts);
   EXPECT_EQ(shown, (std::vector<int>{25, 20, 10, 0, 10, 20, 25}))
       << "the newest first; left stops at the oldest and right at the newest";
   EXPECT_EQ(analysis.stepsTaken, 0);
+  EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt"), param) << "not rewritten";
+  EXPECT_EQ(std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw"), stamp);
+  // Lower latts: the newest dump at or below latts + 99 is still found.
+  marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 0\n");
+  EXPECT_EQ(runWithPlan(folder, true, {}, analysis), 0);
   std::filesystem::remove_all(folder);
 }
 
