@@ -1,11 +1,6 @@
-// The force report through the batch driver on the off-screen OpenGL
-// backend, with the mouse scripted frame by frame: it rests on the body (the
-// cylinder in 2D, the model sphere in 3D), clicks it after step 5 and, on the
-// cylinder, then clicks the blowing inlet and the body again. The tables and
-// the notice are checked after each frame; the saved pictures of steps 4 and
-// 8 must mark the body in magenta, then in green, with the notice's sky-blue
-// box beside the mouse. They are kept as <example>-force-<step>.ppm in the
-// build folder.
+// The force report on the off-screen backend, the mouse scripted frame by frame: resting on the body, clicking it
+// (and, on the cylinder, the blowing inlet and the body again); the saved pictures of steps 4 and 8 mark the body in
+// magenta, then green, with the notice's sky-blue box beside the mouse (kept as <example>-force-<step>.ppm).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include "app/batchStages.h"
@@ -21,7 +15,6 @@
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "scene/savedPicture.h"
-#include "testSupport.h"
 
 namespace {
 
@@ -118,24 +111,12 @@ void runExample(const char* example, int bodyColour, int inletColour) {
   setGraphicsMode(400, 200, 32, 60);
   ASSERT_EQ(startLayer(), 0);
   ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
-  const fs::path folder = marvtest::scratchFolder("forcePicture");
-  fs::copy(fs::path(MARV_EXAMPLES_DIR) / example / "input", folder / "input");
-  fs::create_directories(folder / "figs"), fs::create_directories(folder / "dump");
-  std::istringstream lines(marvtest::readText(folder / "input" / "param.txt"));
-  std::string param, line;
-  while (std::getline(lines, line)) {
-    const std::string key = line.substr(0, line.find(' ')), name = key.substr(key.find(':') + 1);
-    if (name == "latts" || name == "nfig" || name == "nfile") line = key + (name == "latts" ? " 14" : " 4");
-    param += line + "\n";
-  }
-  marvtest::writeText(folder / "input" / "param.txt", param);
+  const fs::path folder = marvtest::copyExample(example);
+  marvtest::setParameters(folder, {{"latts", "14"}, {"nfig", "4"}, {"nfile", "4"}});
   // The heat-loss button falls back in a constant-density run. The channel's
   // walls stay hidden: in front of the sphere they would be hovered first.
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << "showForce 1\nshowHeatLoss 1\nshowBoundaryFlagUser 0\n";
-  batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
-  passStages stages = batchStages(options);
+  passStages stages = batchStages({.projectDir = folder.string(), .quiet = true});
   stages.placementStage = keepPass;
   stages.runStep = followPlan;
   body = bodyColour, inlet = inletColour, cycle = 0;

@@ -142,23 +142,18 @@ TEST(streamlineSteps, TwoDimensionalLinesFollowThePlaneSampler) {
 
 TEST(streamlineSteps, StillWaterBadValuesAndSeedsOffTheMeshStopAtOnce) {
   swirl s(9, 8, 7);
+  const double nan = std::numeric_limits<double>::quiet_NaN();
   const point mid{s.cfg.xCoord[4], s.cfg.yCoord[4], s.cfg.zCoord[3]};
-  // Off the mesh: no line, whatever the flow.
-  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), {s.cfg.xCoord[0] - 1e-9, mid[1], mid[2]}, 3, s.stepLength(), 1.9, 50,
-                            nullptr, nullptr),
-            0);
-  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), {mid[0], mid[1], std::numeric_limits<double>::quiet_NaN()}, 3,
-                            s.stepLength(), 1.9, 50, nullptr, nullptr),
-            0);
-  // A velocity that is not a number where the line stands ends it.
-  for (int k = 0; k < 7; ++k)
-    for (int j = 0; j < 8; ++j)
-      for (int i = 0; i < 9; ++i) s.v(i, j, k) = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), mid, 3, s.stepLength(), 1.9, 50, nullptr, nullptr), 0);
-  // Water at rest.
+  auto trace = [&s](point seed) {
+    return traceStreamline(s.cfg, s.sample(), seed, 3, s.stepLength(), 1.9, 50, nullptr, nullptr);
+  };
+  EXPECT_EQ(trace({s.cfg.xCoord[0] - 1e-9, mid[1], mid[2]}), 0) << "off the mesh";
+  EXPECT_EQ(trace({mid[0], mid[1], nan}), 0) << "off the mesh";
+  for (int n = 0; n < s.v.count(); ++n) s.v[n] = nan;
+  EXPECT_EQ(trace(mid), 0) << "a velocity that is not a number";
   for (auto* f : {&s.u, &s.v, &s.w})
     for (int n = 0; n < f->count(); ++n) (*f)[n] = 0.0;
-  EXPECT_EQ(traceStreamline(s.cfg, s.sample(), mid, 3, s.stepLength(), 1.9, 50, nullptr, nullptr), 0);
+  EXPECT_EQ(trace(mid), 0) << "water at rest";
 }
 
 }  // namespace
