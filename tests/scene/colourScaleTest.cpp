@@ -45,17 +45,7 @@ TEST(ColourIndex, EndsReversedEqualAndUndefinedRanges) {
   EXPECT_EQ(colourSlot(0.75, 0.0, 1.0), 23);
 }
 
-TEST(ColourTable, ThreeRampsFromBlueToRed) {
-  struct entry {
-    int i, r, g, b;
-  };
-  // c = trunc(i/31 x 765): 0, 246, 394, 765 for i = 0, 10, 16, 31.
-  const entry expected[] = {{0, 0, 0, 255}, {10, 0, 246, 255}, {16, 139, 255, 116}, {31, 255, 0, 0}, {21, 255, 247, 0}};
-  for (const entry& e : expected) {
-    int r = -1, g = -1, b = -1;
-    scaleColour(e.i, r, g, b);
-    EXPECT_EQ(colour(r, g, b), colour(e.r, e.g, e.b)) << "entry " << e.i;
-  }
+TEST(ColourTable, TheUsersAlphaAndASlotForValuesThatAreNotFinite) {
   sceneView scene;
   appConfig cfg;
   cfg.bcAlphaUser = 77;

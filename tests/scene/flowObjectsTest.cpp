@@ -1,14 +1,12 @@
-// Streamlines, arrows and plane picking on hand-made fields; expected paths from the field's geometry, not the tracer.
+// Arrows, tracer particles, plane picking and the model handle on hand-made fields and meshes.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <vector>
 
 #include "scene/flowVectors.h"
 #include "scene/modelHandle.h"
 #include "scene/particles.h"
 #include "scene/planes.h"
-#include "scene/streamlines.h"
 #include "testGrid.h"
 
 namespace {
@@ -27,62 +25,13 @@ struct flatFlow {
   flowSample sample() const { return {&u, &v, nullptr, &solid}; }
 };
 
-struct path {
-  std::vector<std::array<double, 3>> points;
-  static void record(void* user, const double p[3], const double q[3]) {
-    path& self = *static_cast<path*>(user);
-    if (self.points.empty()) self.points.push_back({p[0], p[1], p[2]});
-    self.points.push_back({q[0], q[1], q[2]});
-  }
-};
-
-TEST(streamline, UniformStreamRunsStraightToTheOutletAndNoFurther) {
-  flatFlow f(21);
-  for (int n = 0; n < f.u.count(); ++n) f.u[n] = 2.0, f.v[n] = 0.0;
-  path line;
-  const double step = 0.01;
-  const int steps = traceStreamline(f.cfg, f.sample(), {0.0, 0.3, 0.0}, 2, step, 2.0, 100000, path::record, &line);
-  // From x = 0 in steps of 0.01 the last one that stays in the mesh ends at 1.0 (or one short of it by rounding).
-  EXPECT_NEAR(steps, 99.5, 0.5);
-  ASSERT_FALSE(line.points.empty());
-  for (const auto& p : line.points) EXPECT_NEAR(p[1], 0.3, 1e-12);
-  EXPECT_GT(line.points.back()[0], 1.0 - 2 * step);
-  EXPECT_LE(line.points.back()[0], 1.0);
-}
-
-TEST(streamline, SolidBodyRotationClosesItsCircle) {
-  flatFlow f(41);
-  const double c = 0.5, r = 0.25;
-  for (int j = 0; j < 41; ++j)
-    for (int i = 0; i < 41; ++i) f.u(i, j, 0) = -(f.cfg.yCoord[j] - c), f.v(i, j, 0) = f.cfg.xCoord[i] - c;
-  const double vmax = std::sqrt(0.5);  // at the corners
-  path line;
-  // One turn of a circle of radius r in steps of about 2 pi r / 400.
-  const double step = 2.0 * M_PI * r / 400.0 * vmax / r;
-  traceStreamline(f.cfg, f.sample(), {c + r, c, 0.0}, 2, step, vmax, 400, path::record, &line);
-  ASSERT_EQ(line.points.size(), 401u);
-  double worst = 0.0;
-  for (const auto& p : line.points) worst = std::max(worst, std::fabs(std::hypot(p[0] - c, p[1] - c) - r));
-  // First-order steps turn by t = 2 pi / 400 and widen the radius by
-  // sqrt(1 + t^2) each: about 5% over one turn.
-  EXPECT_LT(worst, 0.06 * r) << "stays on its circle";
-  const auto& end = line.points.back();
-  EXPECT_LT(std::hypot(end[0] - (c + r), end[1] - c), 0.08 * r) << "comes back to its seed after one turn";
-  EXPECT_EQ(traceStreamline(f.cfg, f.sample(), {c + r, c, 0.0}, 2, step, vmax, 7, nullptr, nullptr), 7)
-      << "a closed line stops at the step limit";
-}
-
-TEST(arrows, AUniformFieldGivesTheSameArrowEverywhere) {
+TEST(arrows, LengthFollowsTheSpeedBetweenAFifthAndTheWhole) {
   arrow2d a, b;
   ASSERT_TRUE(makeArrow2d(3.0, 4.0, 1.0, 5.0, 4, 10, 100.0, 50.0, a));
-  ASSERT_TRUE(makeArrow2d(3.0, 4.0, 1.0, 5.0, 4, 10, 300.0, 80.0, b));
-  EXPECT_FLOAT_EQ(b.tailX - a.tailX, 200.0f);
-  EXPECT_FLOAT_EQ(b.stroke1Y - a.stroke1Y, 30.0f);
-  // The fastest speed gives the whole length ndiv x pixPerCell, pointing
-  // up the screen for a positive v.
-  EXPECT_NEAR(std::hypot(a.headX - a.tailX, a.headY - a.tailY), 40.0, 1e-4);
-  EXPECT_NEAR((a.headX - a.tailX) / 40.0, 0.6, 1e-5);
-  EXPECT_NEAR((a.headY - a.tailY) / 40.0, -0.8, 1e-5);
+  // The fastest speed gives the whole length ndiv x pixPerCell = 40 along
+  // (3, 4), up the screen for a positive v.
+  EXPECT_NEAR(a.headX - a.tailX, 24.0, 1e-4);
+  EXPECT_NEAR(a.headY - a.tailY, -32.0, 1e-4);
   // The slowest speed keeps a fifth of it.
   ASSERT_TRUE(makeArrow2d(0.6, 0.8, 1.0, 5.0, 4, 10, 0.0, 0.0, b));
   EXPECT_NEAR(std::hypot(b.headX - b.tailX, b.headY - b.tailY), 8.0, 1e-4);

@@ -1,10 +1,6 @@
-// The streamline tracer finds each step's cell once and shares it between
-// the three velocity components and the solid test. Its steps must stay
-// those of a plain integration that reads every component through the
-// grid sampler (sampleField in 3D, sampleFieldPlane in 2D) and tests the
-// nearest node for solid: the same points to the last bit, the same
-// number of steps, the same stops. The reference below is written from the
-// sampler's interface, not from the tracer.
+// The streamline tracer shares each step's cell between the velocity components and the solid test; its steps must
+// stay those of a plain integration through the grid sampler, to the last bit, with the same stops. The reference
+// below is written from the sampler's interface, not from the tracer.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -138,6 +134,19 @@ TEST(streamlineSteps, TwoDimensionalLinesFollowThePlaneSampler) {
        {point{c.xCoord[0], c.yCoord[9] + 0.5 * c.dy, 0.0}, point{c.xCoord[5] + 0.49 * c.dx, c.yCoord[18], 0.0},
         point{c.xCoord[14] + 0.51 * c.dx, c.yCoord[4] + 0.5 * c.dy, 0.0}})
     expectSameSteps(s, seed, 1.9, 2000);
+}
+
+TEST(streamlineSteps, AUniformStreamRunsStraightToTheOutletInStepsOfTheGivenLength) {
+  swirl s(21, 21, 1);
+  for (int n = 0; n < s.u.count(); ++n) s.u[n] = 2.0, s.v[n] = 0.0, s.solid[n] = 0;
+  const double y = s.cfg.yCoord[7], length = s.stepLength(), outlet = s.cfg.xCoord.back();
+  steps line;
+  const int count =
+      traceStreamline(s.cfg, s.sample(), {s.cfg.xCoord[0], y, 0.0}, 2, length, 2.0, 100000, steps::record, &line);
+  EXPECT_EQ(count, static_cast<int>((outlet - s.cfg.xCoord[0]) / length));
+  ASSERT_FALSE(line.taken.empty());
+  for (const auto& step : line.taken) EXPECT_EQ(step[1][1], y);
+  EXPECT_GT(line.taken.back()[1][0], outlet - length);
 }
 
 TEST(streamlineSteps, StillWaterBadValuesAndSeedsOffTheMeshStopAtOnce) {
