@@ -58,18 +58,13 @@ TEST_F(pictureRender, ColourBarRunsFromBlueToRedBetweenWhiteMarks) {
     const std::uint8_t* c = &rgba[(y * 400 + x) * 4];
     return std::vector<int>{c[0], c[1], c[2]};
   };
-  const std::vector<int> blue{0, 0, 255}, red{255, 0, 0}, white{255, 255, 255};
-  const struct {
-    int x, y;
-    std::vector<int> colour;
-    const char* what;
-  } probes[] = {{40, 60, blue, "first column: first colour"},
-                {359, 60, red, "last column: last colour"},
-                {200, 60, {115, 255, 140}, "column 160: entry trunc(160/319 x 31) = 15"},
-                {39, 60, white, "white end mark left"},
-                {360, 60, white, "white end mark right"},
-                {100, 49, white, "a white rim above"}};
-  for (const auto& p : probes) EXPECT_EQ(pixel(p.x, p.y), p.colour) << p.what;
+  const std::vector<int> white{255, 255, 255};
+  EXPECT_EQ(pixel(40, 60), (std::vector<int>{0, 0, 255})) << "first column: first colour";
+  EXPECT_EQ(pixel(359, 60), (std::vector<int>{255, 0, 0})) << "last column: last colour";
+  EXPECT_EQ(pixel(200, 60), (std::vector<int>{115, 255, 140})) << "column 160: entry trunc(160/319 x 31) = 15";
+  EXPECT_EQ(pixel(39, 60), white) << "white end mark left";
+  EXPECT_EQ(pixel(360, 60), white) << "white end mark right";
+  EXPECT_EQ(pixel(100, 49), white) << "a white rim above";
   int ink = 0;  // the numbers under the bar
   for (int y = 72; y < 100; ++y)
     for (int x = 40; x < 360; ++x) ink += pixel(x, y)[0] > 128;
