@@ -16,24 +16,16 @@ std::string progressLine(const marv::appConfig& cfg, int ts, double rate) {
 
 TEST(RunProgress, LineCarriesStepTimeResidualRateAndTimeLeftButNoResidualOnceDiverged) {
   marv::appConfig cfg;
-  cfg.latts = 1000;
-  cfg.time = 0.5;
-  cfg.deltat = 1e-3;
-  cfg.presResidual = 2e-7;
-  cfg.presIterations = 40;
+  cfg.latts = 1000, cfg.time = 0.5, cfg.deltat = 1e-3, cfg.presResidual = 2e-7, cfg.presIterations = 40;
   const std::string text = progressLine(cfg, 100, 10.0);
   for (const char* part : {"step 100/1000", "dt=1.000e-03", "residual=2.000e-07", "sweeps=40", "left 0:01:30"})
     EXPECT_NE(text.find(part), std::string::npos) << part << " (900 steps at 10 per second) in " << text;
   EXPECT_NE(progressLine(cfg, 100, 0.0).find("left --"), std::string::npos) << "no rate yet";
 
-  cfg.presResidual = 0.0;
-  cfg.presIterations = 0;
-  cfg.diverged = 1;
-  cfg.divergedStep = 37;
+  cfg.presResidual = 0.0, cfg.presIterations = 0, cfg.diverged = 1, cfg.divergedStep = 37;
   const std::string diverged = progressLine(cfg, 36, 10.0);
   EXPECT_NE(diverged.find("DIVERGED at step 37"), std::string::npos) << diverged;
-  EXPECT_EQ(diverged.find("residual"), std::string::npos) << diverged;
-  EXPECT_EQ(diverged.find("sweeps"), std::string::npos) << diverged;
+  for (const char* gone : {"residual", "sweeps"}) EXPECT_EQ(diverged.find(gone), std::string::npos) << diverged;
 }
 
 TEST(RunProgress, PlainLinesAreThrottledAndTheFinalOneAlwaysComes) {

@@ -25,19 +25,15 @@ TEST(ContourCells, RowSlotsAgreeWithTheScalarLookup) {
   const int n = static_cast<int>(means.size());
   // Each value in all four corners of a one-cell row.
   std::vector<double> row0(n + 1), row1(n + 1);
-  for (const auto& range : std::vector<std::pair<double, double>>{{0.0, 1.0}, {-2.0, 3.0}, {0.5, 0.5}, {1.0, 0.0}}) {
-    std::vector<int> slots(n, -1);
+  for (const auto& range : std::vector<std::pair<double, double>>{{0.0, 1.0}, {-2.0, 3.0}, {0.5, 0.5}, {1.0, 0.0}})
     for (int i = 0; i < n; ++i) {
       row0.assign(n + 1, 0.0), row1.assign(n + 1, 0.0);
       row0[i] = row0[i + 1] = row1[i] = row1[i + 1] = means[i];
-      int one[1] = {-1};
-      cellColourSlots(row0.data() + i, row1.data() + i, 1, range.first, range.second, one);
-      slots[i] = one[0];
-    }
-    for (int i = 0; i < n; ++i)
-      EXPECT_EQ(slots[i], colourSlot((means[i] + means[i] + means[i] + means[i]) / 4.0, range.first, range.second))
+      int slot = -1;
+      cellColourSlots(row0.data() + i, row1.data() + i, 1, range.first, range.second, &slot);
+      EXPECT_EQ(slot, colourSlot((means[i] + means[i] + means[i] + means[i]) / 4.0, range.first, range.second))
           << "mean " << means[i] << " range " << range.first << ".." << range.second;
-  }
+    }
   // A whole row at once: the vectorised loop gives the same as cell by cell.
   std::vector<double> a(n + 1), b(n + 1);
   for (int i = 0; i <= n; ++i) a[i] = std::sin(i * 0.7) * 2.0, b[i] = std::cos(i * 1.3);

@@ -1,6 +1,6 @@
 // The force report on the off-screen backend, the mouse scripted frame by frame: resting on the body, clicking it
 // (and, on the cylinder, the blowing inlet and the body again); the saved pictures of steps 4 and 8 mark the body in
-// magenta, then green, with the notice's sky-blue box beside the mouse (kept as <example>-force-<step>.ppm).
+// magenta, then green, with the notice's sky-blue box beside the mouse (kept as <example>-force-<step>.png).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +14,7 @@
 #include "app/driver.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
+#include "renderSupport.h"
 #include "scene/savedPicture.h"
 
 namespace {
@@ -108,9 +109,6 @@ double share(const marvtest::picture& p, int x0, int y0, int x1, int y1, int r, 
 }
 
 void runExample(const char* example, int bodyColour, int inletColour) {
-  setGraphicsMode(400, 200, 32, 60);
-  ASSERT_EQ(startLayer(), 0);
-  ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
   const fs::path folder = marvtest::copyExample(example);
   marvtest::setParameters(folder, {{"latts", "14"}, {"nfig", "4"}, {"nfile", "4"}});
   // The heat-loss button falls back in a constant-density run. The channel's
@@ -122,17 +120,14 @@ void runExample(const char* example, int bodyColour, int inletColour) {
   body = bodyColour, inlet = inletColour, cycle = 0;
   driverState state;
   ASSERT_EQ(runDriver(stages, state), 0);
-  stopLayer();
 
   mouseX = bodyX, mouseY = bodyY;
   for (const char* step : {"00000004", "00000008"}) {
     SCOPED_TRACE(step);
     marvtest::picture shot;
     ASSERT_TRUE(shot.read((folder / "figs" / (std::string(step) + ".jpg")).string()));
-    std::ofstream(fs::path(MARV_BUILD_DIR) / (std::string(example) + "-force-" + step + ".ppm"), std::ios::binary)
-        << "P6\n"
-        << shot.width << " " << shot.height << "\n255\n"
-        << std::string(shot.rgb.begin(), shot.rgb.end());
+    const std::string kept = (fs::path(MARV_BUILD_DIR) / (std::string(example) + "-force-" + step + ".png")).string();
+    EXPECT_NE(stbi_write_png(kept.c_str(), shot.width, shot.height, 3, shot.rgb.data(), shot.width * 3), 0) << kept;
     const int r = step[7] == '8' ? 0 : 255;  // green once recorded, magenta before
     EXPECT_GT(share(shot, mouseX - 30, mouseY - 20, mouseX, mouseY + 20, r, 255 - r, r), 0.05) << "the body marked";
     EXPECT_EQ(share(shot, mouseX - 30, mouseY - 20, mouseX, mouseY + 20, 255 - r, r, 255 - r), 0.0);
@@ -143,7 +138,9 @@ void runExample(const char* example, int bodyColour, int inletColour) {
   fs::remove_all(folder);
 }
 
-TEST(forcePicture, cylinderClicksSwitchItsRecordsAndItsMarkButNotTheBlowingInlets) { runExample("cylinder2d", 1, 2); }
-TEST(forcePicture, sphereUnderTheMouseIsMarkedAndRecordedByAClick) { runExample("sphere3d", 7, 0); }
+using forcePicture = marvtest::offscreenPicture;
+
+TEST_F(forcePicture, cylinderClicksSwitchItsRecordsAndItsMarkButNotTheBlowingInlets) { runExample("cylinder2d", 1, 2); }
+TEST_F(forcePicture, sphereUnderTheMouseIsMarkedAndRecordedByAClick) { runExample("sphere3d", 7, 0); }
 
 }  // namespace
