@@ -1,11 +1,11 @@
-// The saved live picture of the cylinder example against a colour mapping of its dump, made from the raw files alone.
+// Pictures on the off-screen backend: the colour bar, a saved image of the cylinder against a colour mapping of its
+// dump made from the raw files alone, and the duct's planes and streamlines (kept as duct3d-planes.png).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <fstream>
-#include <sstream>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -34,11 +34,12 @@ void expectedColour(double value, double lo, double hi, int rgb[3]) {
     rgb[0] = 255, rgb[1] = 765 - c, rgb[2] = 0;
 }
 
+// The count doubles of a dump file, or nothing when it holds another number of bytes.
 std::vector<double> readRaw(const std::filesystem::path& path, std::size_t count) {
-  std::vector<double> values(count, 0.0);
-  std::ifstream in(path, std::ios::binary);
-  in.read(reinterpret_cast<char*>(values.data()), static_cast<std::streamsize>(count * sizeof(double)));
-  return in.gcount() == static_cast<std::streamsize>(count * sizeof(double)) ? values : std::vector<double>();
+  const std::string bytes = marvtest::readText(path);
+  std::vector<double> values(bytes.size() == count * sizeof(double) ? count : 0);
+  std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
+  return values;
 }
 
 using pictureRender = marvtest::offscreenPicture;
@@ -75,19 +76,13 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   // A short run that ends with an image and a dump of the same step, shown
   // on a fixed range so that the mapping needs no knowledge of solid nodes;
   // domx fixes the layout below, whatever the example shows.
-  const int last = 30;
   const double lo = 0.0, hi = 1.6;
-  std::ostringstream viz;
-  viz << "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue " << lo << "\nmanualMaxFlag 1\nmanualMaxValue " << hi
-      << "\n";
-  const std::string n = std::to_string(last);
   const auto folder =
-      marvtest::runExample("cylinder2d", {{"latts", n}, {"nfig", n}, {"nfile", n}, {"domx", "720"}}, viz.str());
-
+      marvtest::runExample("cylinder2d", {{"latts", "30"}, {"nfig", "30"}, {"nfile", "30"}, {"domx", "720"}},
+                           "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue 0\nmanualMaxFlag 1\nmanualMaxValue 1.6\n");
   picture shot;
-  char name[64];
-  std::snprintf(name, sizeof name, "%08d", last);
-  ASSERT_TRUE(shot.read((folder / "figs" / (std::string(name) + ".jpg")).string()));
+  const std::string name = "00000030";
+  ASSERT_TRUE(shot.read((folder / "figs" / (name + ".jpg")).string()));
   const int nx = 241, ny = 61;
   const std::vector<double> u = readRaw(folder / "dump" / name / "ufld.raw", nx * ny);
   const std::vector<double> v = readRaw(folder / "dump" / name / "vfld.raw", nx * ny);
@@ -102,9 +97,11 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   auto pixelY = [&](int j) { return static_cast<int>(perMetre * 1.0 - j * (1.0 / 60.0) * perMetre + 30 + 0.5); };
   EXPECT_EQ(shot.width, 500 - 1) << "the saved rectangle: the screen less its last column";
   auto speed = [&](int i, int j) { return std::hypot(u[i + nx * j], v[i + nx * j]); };
+  auto meanSpeed = [&](int i, int j) {
+    return (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
+  };
   auto cellIndex = [&](int i, int j) {
-    const double m = (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
-    double q = (m - lo) / (hi - lo) * 31.0;
+    const double q = (meanSpeed(i, j) - lo) / (hi - lo) * 31.0;
     return static_cast<int>(q < 0.0 ? 0.0 : (q > 31.0 ? 31.0 : q));
   };
   int compared = 0, matched = 0;
@@ -117,9 +114,8 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
         for (int di = -2; di <= 2; ++di)
           plain = plain && cellIndex(i + di, j + dj) == cellIndex(i, j) && bc[i + di + nx * (j + dj)] == 0.0;
       if (!plain) continue;
-      const double m = (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
       int want[3];
-      expectedColour(m, lo, hi, want);
+      expectedColour(meanSpeed(i, j), lo, hi, want);
       const unsigned char* got = shot.at(pixelX(i) + 1, pixelY(j + 1) + 1);
       ++compared;
       matched +=
@@ -141,6 +137,31 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
     darkest = std::min(darkest, p[0] + p[1] + p[2]);
   }
   EXPECT_LT(darkest, 200) << "a dark outline where the wall begins";
+  std::filesystem::remove_all(folder);
+}
+
+TEST_F(pictureRender, DuctShowsItsPlanesInScaleColoursAndItsStreamlines) {
+  // The walls hidden, the three planes and the streamlines from the inlet shown.
+  const auto folder = marvtest::runExample(
+      "duct3d", {{"latts", "20"}, {"nfig", "20"}, {"nfile", "20"}},
+      "showBoundaryFlagUser 0\nshowBoundaryFlagBlack 0\nshowCrosssectionXYFlag 1\nshowCrosssectionYZFlag 1\n"
+      "showCrosssectionXZFlag 1\nshowStreamlineFlag 1\nshowCrosssectionVectorFlag 0\n");
+  picture shot;
+  ASSERT_TRUE(shot.read((folder / "figs" / "00000020.jpg").string()));
+  const std::string kept = (std::filesystem::path(MARV_BUILD_DIR) / "duct3d-planes.png").string();
+  EXPECT_NE(stbi_write_png(kept.c_str(), shot.width, shot.height, 3, shot.rgb.data(), shot.width * 3), 0) << kept;
+  // Scale colours are saturated (one channel near 255, another near 0); the
+  // streamlines' plain colour is (15, 200, 230). Both above the status band.
+  int scale = 0, lineInk = 0;
+  for (int y = 0; y < shot.height * 2 / 3; ++y)
+    for (int x = 0; x < shot.width; ++x) {
+      const unsigned char* c = shot.at(x, y);
+      const int most = std::max({c[0], c[1], c[2]}), least = std::min({c[0], c[1], c[2]});
+      scale += most > 230 && least < 40;
+      lineInk += std::abs(c[0] - 15) < 40 && std::abs(c[1] - 200) < 40 && std::abs(c[2] - 230) < 40;
+    }
+  EXPECT_GT(scale, shot.width * shot.height / 10) << "the planes cover much of the picture";
+  EXPECT_GT(lineInk, 100) << "streamlines drawn";
   std::filesystem::remove_all(folder);
 }
 
