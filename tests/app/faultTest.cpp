@@ -34,6 +34,18 @@ fs::path cavityProject(const std::string& text) {
   return folder;
 }
 
+// The names of the dump folders (their steps in eight digits), oldest first.
+std::vector<std::string> dumpSteps(const fs::path& project) {
+  std::vector<std::string> steps;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(project / "dump", error)) {
+    const std::string name = entry.path().filename().string();
+    if (name.size() == 8 && entry.is_directory()) steps.push_back(name);
+  }
+  std::sort(steps.begin(), steps.end());
+  return steps;
+}
+
 TEST(Divergence, EndsBeforeTheLastStepAndKeepsOnlyFiniteDumps) {
   // A time step ten times the grid's convective limit blows up in a few steps.
   const fs::path folder = cavityProject(cavityLines + "9:deltat 0.1\n10:latts 200\n11:nfile 2\n");
@@ -41,21 +53,17 @@ TEST(Divergence, EndsBeforeTheLastStepAndKeepsOnlyFiniteDumps) {
   EXPECT_NE(runBatch(folder, state), 0);
   EXPECT_GT(state.stepsTaken, 0);
   EXPECT_LT(state.stepsTaken, 201) << "the run stops when the flow diverges";
-  int dumps = 0;
-  for (const auto& entry : fs::directory_iterator(folder / "dump")) {
-    if (!entry.is_directory()) continue;
-    ++dumps;
+  EXPECT_FALSE(dumpSteps(folder).empty()) << "the dump of step 0 stays";
+  for (const std::string& step : dumpSteps(folder))
     for (const char* name : {"ufld.raw", "vfld.raw", "pfld.raw"}) {
-      const std::string raw = marvtest::readText(entry.path() / name);
-      ASSERT_EQ(raw.size(), 33u * 33u * sizeof(double)) << entry.path() << name;
+      const std::string raw = marvtest::readText(folder / "dump" / step / name);
+      ASSERT_EQ(raw.size(), 33u * 33u * sizeof(double)) << step << name;
       for (std::size_t at = 0; at < raw.size(); at += sizeof(double)) {
         double v = 0.0;
         std::memcpy(&v, raw.data() + at, sizeof v);
-        ASSERT_TRUE(std::isfinite(v)) << entry.path() << "/" << name;
+        ASSERT_TRUE(std::isfinite(v)) << step << name;
       }
     }
-  }
-  EXPECT_GE(dumps, 1) << "the dump of step 0 stays";
   fs::remove_all(folder);
 }
 
@@ -124,19 +132,9 @@ int exitStatus(pid_t pid) {
 void expectOnlyWholeDumps(const fs::path& project, const std::string& context) {
   const fs::path before = fs::current_path();
   fs::current_path(project);
-  for (const auto& entry : fs::directory_iterator("dump")) {
-    const std::string name = entry.path().filename().string();
-    if (name.size() != 8 || !entry.is_directory()) continue;
-    EXPECT_TRUE(marv::dumpIsWhole(std::stoi(name))) << context << ": dump " << name << " is visible but not whole";
-  }
+  for (const std::string& step : dumpSteps("."))
+    EXPECT_TRUE(marv::dumpIsWhole(std::stoi(step))) << context << ": dump " << step << " is not whole";
   fs::current_path(before);
-}
-
-bool anyDump(const fs::path& project) {
-  std::error_code error;
-  for (const auto& entry : fs::directory_iterator(project / "dump", error))
-    if (entry.path().filename().string().size() == 8) return true;
-  return false;
 }
 
 TEST(FullDisk, TheRunStopsWithAnErrorAndEveryDumpIsWholeOrAbsent) {
@@ -159,7 +157,7 @@ TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
     const pid_t pid = startBatch(folder);
     // Once the first dump is there the program writes one every few
     // milliseconds: the kill lands at a random point after it.
-    for (int wait = 0; wait < 3000 && !anyDump(folder) && ::kill(pid, 0) == 0; ++wait)
+    for (int wait = 0; wait < 3000 && dumpSteps(folder).empty() && ::kill(pid, 0) == 0; ++wait)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 400));
     ::kill(pid, SIGKILL);
@@ -168,12 +166,8 @@ TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
   }
   // A restart from the newest dump works, and the start removes what the
   // kills left under temporary names.
-  int newest = -1;
-  for (const auto& entry : fs::directory_iterator(folder / "dump")) {
-    const std::string name = entry.path().filename().string();
-    if (name.size() == 8) newest = std::max(newest, std::stoi(name));
-  }
-  ASSERT_GE(newest, 0) << "no dump was written before the kills";
+  ASSERT_FALSE(dumpSteps(folder).empty()) << "no dump was written before the kills";
+  const int newest = std::stoi(dumpSteps(folder).back());
   marvtest::writeText(folder / "input" / "param.txt",
                       "1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:nfile 0\n7:sts " + std::to_string(newest) +
                           "\n8:latts " + std::to_string(newest + 1) + "\n");
