@@ -1,14 +1,125 @@
-// The driver's pass without a screen: the step count, param.txt rewritten, passes that end early and their status.
+// The driver's pass without a screen: the step count, param.txt rewritten, early ends and their status; the run
+// from the keyboard (held run, quit prompt, Analysis steps), each cycle's hook feeding one frame.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
+#include "app/batchStages.h"
+#include "app/driver.h"
 #include "batchRun.h"
-#include "project/parameterFile.h"
+#include "layer/inputScript.h"
+#include "layer/layer.h"
+#include "screenScript.h"
 #include "testSupport.h"
 
 namespace {
+
+using namespace marv;
+
+struct cycleSeen {
+  int ts;
+  double time;
+  int held;  // the quit prompt was up
+  int sts;   // the dump shown in Analysis mode
+};
+
+std::vector<inputFrame> plan;  // one frame per cycle, then the window closes
+std::vector<cycleSeen> seen;
+
+void followPlan(appConfig& cfg, bool final) {
+  if (final) return;
+  if (seen.empty()) cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;  // the keys of the screens are long up
+  seen.push_back({cfg.ts, cfg.time, cfg.quitPromptFlag, cfg.sts});
+  inputFrame next;
+  if (seen.size() <= plan.size())
+    next = plan[seen.size() - 1];
+  else
+    next.closeWindow = true;
+  setInputScript({next}, false);
+}
+
+inputFrame holding(std::vector<int> keys) { return marvtest::frameAt(300, 300, 0, std::move(keys)); }
+
+std::vector<inputFrame> idle(int n) { return std::vector<inputFrame>(n, holding({})); }
+
+int runWithPlan(const std::filesystem::path& folder, bool analysis, std::vector<inputFrame> frames,
+                driverState& state) {
+  plan = std::move(frames);
+  seen.clear();
+  batchOptions options;
+  options.projectDir = folder.string();
+  options.quiet = true;
+  options.analysis = analysis;
+  passStages stages = batchStages(options);
+  stages.runStep = followPlan;
+  const int status = runDriver(stages, state);
+  stopLayer();
+  return status;
+}
+
+TEST(heldRun, theQuitPromptHoldsStepAndTimeUntilCancelledAndQEndsTheRun) {
+  const auto folder = marvtest::scratchFolder("held");
+  marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 100000\n4:deltat 0.5\n");
+  driverState state;
+  runWithPlan(folder, false,
+              marvtest::join({idle(3),
+                              {holding({keyEsc})},
+                              idle(8),
+                              {holding({keyEnter})},
+                              idle(3),
+                              {holding({keyEsc})},
+                              idle(1),
+                              {holding({keyQ})},
+                              idle(5)}),
+              state);
+  // The frame of plan[i] is read in cycle i + 1: cycles 0..3 step, 4 raises
+  // the prompt, 4..12 are held, 13 cancels it with Enter and steps.
+  ASSERT_EQ(seen.size(), 20u) << "no cycle after the one that saw Q";
+  EXPECT_EQ(seen[3].time, 2.0) << "four steps of 0.5 before the prompt";
+  for (int c = 4; c <= 12; ++c) {
+    SCOPED_TRACE(c);
+    EXPECT_EQ(seen[c].held, 1);
+    EXPECT_EQ(seen[c].time, 2.0) << "time stands while the prompt is up";
+    EXPECT_EQ(seen[c].ts, seen[4].ts) << "and so does the step";
+  }
+  EXPECT_EQ(seen[13].held, 0) << "Enter cancelled the prompt";
+  EXPECT_EQ(seen[13].time, 2.5) << "and the run went on";
+  EXPECT_EQ(seen[13].ts, seen[4].ts + 1);
+  // Esc again in cycle 17, Q in 19: the run ends there, far before latts.
+  EXPECT_EQ(seen[18].held, 1);
+  EXPECT_EQ(state.stepsTaken, 8);
+  std::filesystem::remove_all(folder);
+}
+
+TEST(heldRun, analysisShowsTheNewestDumpAndItsArrowsStepWithoutWrappingAroundOrWriting) {
+  const auto folder = marvtest::scratchFolder("stepping");
+  marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 25\n4:nfile 10\n5:deltat 0.1\n");
+  driverState simulation;
+  plan.clear();
+  ASSERT_EQ(marvtest::runBatch(folder, simulation), 0);
+  const auto stamp = std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw");
+  const std::string param = marvtest::readText(folder / "input" / "param.txt");
+  driverState analysis;
+  // Left four times, then right four times, two idle frames between.
+  std::vector<inputFrame> frames = idle(2);
+  for (int key : {keyLeft, keyLeft, keyLeft, keyLeft, keyRight, keyRight, keyRight, keyRight})
+    marvtest::append(frames, marvtest::join({{holding({key})}, idle(2)}));
+  EXPECT_EQ(runWithPlan(folder, true, frames, analysis), 0);
+  std::vector<int> shown;
+  for (const cycleSeen& c : seen)
+    if (shown.empty() || shown.back() != c.sts) shown.push_back(c.sts);
+  EXPECT_EQ(shown, (std::vector<int>{25, 20, 10, 0, 10, 20, 25}))
+      << "the newest first; left stops at the oldest and right at the newest";
+  EXPECT_EQ(analysis.stepsTaken, 0);
+  EXPECT_EQ(marvtest::readText(folder / "input" / "param.txt"), param) << "not rewritten";
+  EXPECT_EQ(std::filesystem::last_write_time(folder / "dump" / "00000025" / "ufld.raw"), stamp);
+  // Lower latts: the newest dump at or below latts + 99 is still found.
+  marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 0\n");
+  EXPECT_EQ(runWithPlan(folder, true, {}, analysis), 0);
+  std::filesystem::remove_all(folder);
+}
 
 struct batchRun {
   int status = 0;

@@ -1,4 +1,5 @@
-// Menu commands as the driver sees them: request flags, the chosen path, the working folder put back, the help pages.
+// Menu commands as the driver sees them: request flags, the chosen path, the working folder put back, the help pages
+// and the data folder they come from.
 #include "app/menuCommands.h"
 
 #include <gtest/gtest.h>
@@ -119,6 +120,21 @@ TEST_F(menuCommandsTest, thePagesOfBothLanguagesShipWithTheProgramAndShareOneSty
   const std::string params = marvtest::readText(marv::programDataPath("help/param_en.html"));
   for (const char* word : {"cfl", "deltat", "peps", "presw", "1e-9", "omega", "1.95"})
     EXPECT_NE(params.find(word), std::string::npos) << word;
+}
+
+TEST(dataPaths, foundAlikeFromAnyWorkingDirectoryAndNothingForMissingFiles) {
+  const std::string start = std::filesystem::current_path().string();
+  const std::string fromStart = marv::programDataDir();
+  ASSERT_EQ(chdir("/"), 0);
+  const std::string fromRoot = marv::programDataDir();
+  const std::string example = marv::programDataPath("examples/cavity2d/input/param.txt");
+  ASSERT_EQ(chdir(start.c_str()), 0);
+  EXPECT_EQ(fromRoot, fromStart);
+  EXPECT_TRUE(fromRoot.starts_with("/")) << "a relative folder would move with the working directory";
+  EXPECT_FALSE(example.empty());
+  EXPECT_EQ(marv::programDataPath("examples/no_such_example/input/param.txt"), "");
+  const std::string exe = marv::executableFolder();
+  EXPECT_TRUE(exe.starts_with("/") && !exe.ends_with("/")) << exe;
 }
 
 }  // namespace
