@@ -1,10 +1,9 @@
-// Arrows, tracer particles, plane picking and the model handle on hand-made fields and meshes.
+// Arrows, tracer particles and plane picking on hand-made fields and meshes.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "scene/flowVectors.h"
-#include "scene/modelHandle.h"
 #include "scene/particles.h"
 #include "scene/planes.h"
 #include "testGrid.h"
@@ -65,72 +64,49 @@ TEST(tracers, AUniformStreamCarriesThemByVelocityTimesStepAndFreesThemAtTheBound
   EXPECT_EQ(state[0], 1) << "slower than 1% of the speed range";
 }
 
-// A 3D mesh for the plane picking.
-struct boxMesh {
+TEST(planePicking, TheWheelMovesTheNearestPlaneWithinTheMeshAndClicksAddOrRemoveProbes) {
   appConfig cfg;
   sceneView scene;
-  boxMesh() {
-    marv::testing::setGrid(cfg, 11, 6, 5, 1.0, 0.5, 0.4);  // spacing 0.1
-    cfg.shiftDown = 1;
-    scene.is3d = 1;
-  }
-};
+  marv::testing::setGrid(cfg, 11, 6, 5, 1.0, 0.5, 0.4);  // spacing 0.1
+  cfg.shiftDown = 1, scene.is3d = 1;
+  scene.planeK = 3, scene.planeI = 5;
+  scene.hitDistanceXY = 100.0, scene.hitDistanceYZ = 200.0;
+  cfg.wheelDelta = 4.0f;
+  selectPlaneAndProbe(scene, cfg);
+  EXPECT_EQ(scene.planeK, 4) << "stops at the top layer nz - 1";
+  EXPECT_NEAR(cfg.zCrosssectionXY, 0.4, 1e-12);
+  EXPECT_EQ(scene.planeI, 5);
+  EXPECT_EQ(scene.hitDistanceXY, 1e10) << "picking is cleared for the next frame";
+  scene.hitDistanceYZ = 50.0, scene.hitDistanceXY = 80.0;
+  cfg.wheelDelta = 2.0f;
+  selectPlaneAndProbe(scene, cfg);
+  EXPECT_EQ(scene.planeI, 3) << "the YZ plane moves against the wheel";
+  scene.hitDistanceYZ = 50.0;
+  cfg.wheelDelta = 9.0f;
+  selectPlaneAndProbe(scene, cfg);
+  EXPECT_EQ(scene.planeI, 0);
+  cfg.shiftDown = 0;
+  scene.hitDistanceXY = 10.0;
+  selectPlaneAndProbe(scene, cfg);
+  EXPECT_EQ(scene.planeK, 4) << "without Shift the wheel is the camera's";
 
-TEST(planePicking, NearestPlaneMovesWithTheWheelWithinTheMesh) {
-  boxMesh m;
-  m.scene.planeK = 3, m.scene.planeI = 5;
-  m.scene.hitDistanceXY = 100.0, m.scene.hitDistanceYZ = 200.0;
-  m.cfg.wheelDelta = 4.0f;
-  selectPlaneAndProbe(m.scene, m.cfg);
-  EXPECT_EQ(m.scene.planeK, 4) << "stops at the top layer nz - 1";
-  EXPECT_NEAR(m.cfg.zCrosssectionXY, 0.4, 1e-12);
-  EXPECT_EQ(m.scene.planeI, 5);
-  EXPECT_EQ(m.scene.hitDistanceXY, 1e10) << "picking is cleared for the next frame";
-
-  m.scene.hitDistanceYZ = 50.0, m.scene.hitDistanceXY = 80.0;
-  m.cfg.wheelDelta = 2.0f;
-  selectPlaneAndProbe(m.scene, m.cfg);
-  EXPECT_EQ(m.scene.planeI, 3) << "the YZ plane moves against the wheel";
-  m.scene.hitDistanceYZ = 50.0;
-  m.cfg.wheelDelta = 9.0f;
-  selectPlaneAndProbe(m.scene, m.cfg);
-  EXPECT_EQ(m.scene.planeI, 0);
-
-  m.cfg.shiftDown = 0;
-  m.scene.hitDistanceXY = 10.0;
-  selectPlaneAndProbe(m.scene, m.cfg);
-  EXPECT_EQ(m.scene.planeK, 4) << "without Shift the wheel is the camera's";
-}
-
-TEST(planePicking, ClicksOnAPlaneAddProbesUpToTenAndRightClicksRemoveTheNewest) {
-  boxMesh m;
-  m.scene.sceneScale = 100.0, m.scene.originX = 20, m.scene.originY = 10;
-  m.cfg.leftClick = 1;
+  scene.sceneScale = 100.0, scene.originX = 20, scene.originY = 10;
+  cfg.leftClick = 1, cfg.shiftDown = 1, cfg.wheelDelta = 0.0f;
   for (int n = 0; n < 11; ++n) {
-    m.scene.hitDistanceXY = 5.0;
-    m.scene.pickXY = {20.0f + 50.0f, 10.0f + 20.0f, 10.0f};
-    selectPlaneAndProbe(m.scene, m.cfg);
+    scene.hitDistanceXY = 5.0;
+    scene.pickXY = {20.0f + 50.0f, 10.0f + 20.0f, 10.0f};
+    selectPlaneAndProbe(scene, cfg);
   }
-  EXPECT_EQ(m.cfg.numProbes, 10);
+  EXPECT_EQ(cfg.numProbes, 10);
   // World z runs down from the top layer.
-  EXPECT_NEAR(std::hypot(m.cfg.probes[9].x - 0.5, m.cfg.probes[9].y - 0.2, m.cfg.probes[9].z - 0.3), 0.0, 1e-6);
-
-  m.cfg.leftClick = 0, m.cfg.rightClick = 1;
-  m.scene.hitDistanceXY = 1e10;  // no plane under the pointer
-  selectPlaneAndProbe(m.scene, m.cfg);
-  EXPECT_EQ(m.cfg.numProbes, 9);
-  m.cfg.numProbes = 0;
-  selectPlaneAndProbe(m.scene, m.cfg);
-  EXPECT_EQ(m.cfg.numProbes, 0);
-}
-
-TEST(modelHandle, ADragMovesByItsLengthTimesAnEighthCellWithTheSignOfTheBar) {
-  const vec3 left{100.0f, 200.0f, 0.5f}, right{300.0f, 200.0f, 0.5f};
-  // A drag of 3 right and 4 down is 5 pixels long and goes along the bar.
-  EXPECT_NEAR(handleMove(3.0, 4.0, left, right, 0.08), 5.0 * 0.01, 1e-12);
-  EXPECT_NEAR(handleMove(-3.0, 4.0, left, right, 0.08), -5.0 * 0.01, 1e-12);
-  EXPECT_NEAR(handleMove(3.0, 4.0, right, left, 0.08), -5.0 * 0.01, 1e-12) << "a bar seen end over end";
-  EXPECT_EQ(handleMove(0.0, 0.0, left, right, 0.08), 0.0);
+  EXPECT_NEAR(std::hypot(cfg.probes[9].x - 0.5, cfg.probes[9].y - 0.2, cfg.probes[9].z - 0.3), 0.0, 1e-6);
+  cfg.leftClick = 0, cfg.rightClick = 1;
+  scene.hitDistanceXY = 1e10;  // no plane under the pointer
+  selectPlaneAndProbe(scene, cfg);
+  EXPECT_EQ(cfg.numProbes, 9);
+  cfg.numProbes = 0;
+  selectPlaneAndProbe(scene, cfg);
+  EXPECT_EQ(cfg.numProbes, 0);
 }
 
 }  // namespace
