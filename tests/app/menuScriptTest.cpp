@@ -24,11 +24,7 @@ constexpr int letterF = 33, letterL = 38, letterN = 49, letterS = 31, letterX = 
 // Centre of a rectangle of the menu canvas, in back buffer pixels as the
 // script gives them: the bar lies above the back buffer.
 inputFrame at(const menu::rect& r, int buttons = 0) {
-  inputFrame f;
-  f.mouseX = (r.x1 + r.x2) / 2;
-  f.mouseY = (r.y1 + r.y2) / 2 - marv::menuBarHeight();
-  f.buttons = buttons;
-  return f;
+  return marvtest::frameAt((r.x1 + r.x2) / 2, (r.y1 + r.y2) / 2 - marv::menuBarHeight(), buttons);
 }
 
 menu::rect itemOf(int list, int index) {
