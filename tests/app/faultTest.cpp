@@ -109,8 +109,8 @@ pid_t startBatch(const fs::path& folder, rlim_t fileSizeLimit = 0) {
       const rlimit limit{fileSizeLimit, fileSizeLimit};
       setrlimit(RLIMIT_FSIZE, &limit);
     }
-    // The off-screen OpenGL driver keeps a few allocations to the end of
-    // the process: leak checks of a sanitizer build are off for the child.
+    // The off-screen OpenGL driver keeps a few allocations to the end of the process: leak checks of a sanitizer build
+    // are off for the child.
     const char* given = std::getenv("ASAN_OPTIONS");
     const std::string asan = std::string(given ? given : "") + ":detect_leaks=0";
     setenv("ASAN_OPTIONS", asan.c_str(), 1);
@@ -127,8 +127,8 @@ int exitStatus(pid_t pid) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// Every dump folder that the program would look at is whole or absent, and
-// the names a dump search or a restart would take are exactly the whole ones.
+// Every dump folder that the program would look at is whole or absent, and the names a dump search or a restart would
+// take are exactly the whole ones.
 void expectOnlyWholeDumps(const fs::path& project, const std::string& context) {
   const fs::path before = fs::current_path();
   fs::current_path(project);
@@ -148,15 +148,15 @@ TEST(FullDisk, TheRunStopsWithAnErrorAndEveryDumpIsWholeOrAbsent) {
 }
 
 TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
-  // A 129 x 129 mesh dumped at every step: most of the run's time is spent
-  // writing dumps, so that random kills land inside a write.
+  // A 129 x 129 mesh dumped at every step: most of the run's time is spent writing dumps, so that random kills land
+  // inside a write.
   const fs::path folder =
       cavityProject("1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:latts 100000\n7:nfile 1\n");
   std::mt19937 random(20261123);
   for (int kill = 0; kill < 8; ++kill) {
     const pid_t pid = startBatch(folder);
-    // Once the first dump is there the program writes one every few
-    // milliseconds: the kill lands at a random point after it.
+    // Once the first dump is there the program writes one every few milliseconds: the kill lands at a random point
+    // after it.
     for (int wait = 0; wait < 3000 && dumpSteps(folder).empty() && ::kill(pid, 0) == 0; ++wait)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 400));
@@ -164,8 +164,7 @@ TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
     exitStatus(pid);
     expectOnlyWholeDumps(folder, "kill " + std::to_string(kill));
   }
-  // A restart from the newest dump works, and the start removes what the
-  // kills left under temporary names.
+  // A restart from the newest dump works, and the start removes what the kills left under temporary names.
   ASSERT_FALSE(dumpSteps(folder).empty()) << "no dump was written before the kills";
   const int newest = std::stoi(dumpSteps(folder).back());
   marvtest::writeText(folder / "input" / "param.txt",

@@ -18,8 +18,7 @@ namespace {
 
 std::string here() { return std::filesystem::current_path().string(); }
 
-// A stand-in for the desktop's dialog: it wanders off to another folder, as
-// real dialogs may, and answers as told.
+// A stand-in for the desktop's dialog: it wanders off to another folder, as real dialogs may, and answers as told.
 struct dialogScript {
   int result = 0;
   std::string path;

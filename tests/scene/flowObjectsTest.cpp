@@ -27,8 +27,7 @@ struct flatFlow {
 TEST(arrows, LengthFollowsTheSpeedBetweenAFifthAndTheWhole) {
   arrow2d a, b;
   ASSERT_TRUE(makeArrow2d(3.0, 4.0, 1.0, 5.0, 4, 10, 100.0, 50.0, a));
-  // The fastest speed gives the whole length ndiv x pixPerCell = 40 along
-  // (3, 4), up the screen for a positive v.
+  // The fastest speed gives the whole length ndiv x pixPerCell = 40 along (3, 4), up the screen for a positive v.
   EXPECT_NEAR(a.headX - a.tailX, 24.0, 1e-4);
   EXPECT_NEAR(a.headY - a.tailY, -32.0, 1e-4);
   // The slowest speed keeps a fifth of it.

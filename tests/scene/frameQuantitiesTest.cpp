@@ -1,5 +1,5 @@
-// The frame's numbers without a screen: quantities with known derivatives, statistics, time step, a diverged field,
-// and the status texts: the exact panel and title lines, the remaining time, the smoothed step time.
+// The frame's numbers without a screen: quantities with known derivatives, statistics, time step, a diverged field, and
+// the status texts: the exact panel and title lines, the remaining time, the smoothed step time.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -54,8 +54,8 @@ struct smallCase {
 };
 
 TEST(FrameQuantities, SecondInvariantOfASolidRotationAndAPureStrain) {
-  // u = -w0 y, v = w0 x: Q = 0.5 (0 - v_x u_y) = 0.5 w0^2 everywhere,
-  // one-sided differences included, since the fields are linear.
+  // u = -w0 y, v = w0 x: Q = 0.5 (0 - v_x u_y) = 0.5 w0^2 everywhere, one-sided differences included, since the fields
+  // are linear.
   smallCase k(9, 7);
   k.each([&](int i, int j, double x, double y) { k.u(i, j, 0) = -3.0 * y, k.v(i, j, 0) = 3.0 * x; });
   k.show(9);
@@ -74,8 +74,7 @@ TEST(FrameQuantities, DivergenceTimesTheStepInBothModes) {
   k.each([&](int i, int j, double x, double y) { k.u(i, j, 0) = 2.0 * x, k.v(i, j, 0) = 0.5 * y; });
   k.show(10);
   EXPECT_NEAR(k.display(3, 2, 0), 2.5 * 0.01, 1e-12);
-  // Thermo-fluid: the mass flux over the mean density. rho = 2 + x with
-  // u = 1: d(rho u)/dx = 1, over rhow = 4.
+  // Thermo-fluid: the mass flux over the mean density. rho = 2 + x with u = 1: d(rho u)/dx = 1, over rhow = 4.
   smallCase m(6, 5, true);
   m.cfg.deltat = 0.1;
   m.cfg.rhow = 4.0;
@@ -91,8 +90,7 @@ TEST(FrameQuantities, CopiesAndFallBacks) {
   k.show(8);
   EXPECT_EQ(k.display(1, 1, 0), 9.0);
   EXPECT_EQ(std::pair(k.scene.valueMin, k.scene.valueMax), std::pair(7.0, 9.0));
-  // Density in a constant-density run: speed from the next frame on, and
-  // this frame keeps the range it had.
+  // Density in a constant-density run: speed from the next frame on, and this frame keeps the range it had.
   k.show(1);
   EXPECT_EQ(k.cfg.dispQuantFlag, 5);
   EXPECT_EQ(k.scene.valueMax, 9.0);
@@ -162,8 +160,7 @@ TEST(VelocityStatistics, PeaksStillFluidRoundingAndValuesThatAreNotFinite) {
   one(0, 0, 0) = 1.0 + 1e-12;
   EXPECT_EQ(marv::scanVelocity(one, one, one).peakU, 1.0) << "values are rounded to single precision";
 
-  // max and min pass over NaN, so one NaN among calm values would otherwise
-  // look like a calm field.
+  // max and min pass over NaN, so one NaN among calm values would otherwise look like a calm field.
   for (double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300}) {
     for (int component = 0; component < 3; ++component) {
       ownedArray3d<double> u(4, 3, 2), v(4, 3, 2), w(4, 3, 2);

@@ -62,8 +62,8 @@ TEST_F(frameInput, clicksNeedTheReleaseWhereThePressWasForLeftAndTheLastHeldPlac
 TEST_F(frameInput, fieldsTellModifiersWheelAndWhetherThePointerIsOnTheScreen) {
   inputFrame f = frameAt(0, 30, mouseLeft | mouseRight, {keyRightShift});
   f.wheel = -2;
-  // Shift turns the left drag into a pick; x = 0 is outside; a modifier alone holds the run; each frame
-  // takes the wheel notches since the last; the help list takes the plain keys.
+  // Shift turns the left drag into a pick; x = 0 is outside; a modifier alone holds the run; each frame takes the wheel
+  // notches since the last; the help list takes the plain keys.
   auto fields = [&] {
     return std::vector<double>{double(cfg.shiftDown), double(cfg.ctrlDown),     double(cfg.leftDrag),
                                double(cfg.rightDrag), double(cfg.plainKeys),    double(cfg.inputBusy),
@@ -158,8 +158,7 @@ TEST_F(shortcuts, eachRowChangesItsFlagAndTheFlagReachesVizTxt) {
     EXPECT_EQ(press(row.keys), 1);
     EXPECT_EQ(cfg.*row.flag, row.after);
 
-    // The display flags reach viz.txt at the next save; the prompts and the
-    // Analysis direction are not kept there.
+    // The display flags reach viz.txt at the next save; the prompts and the Analysis direction are not kept there.
     if (row.flag == &appConfig::quitPromptFlag || row.flag == &appConfig::analysisDirection) continue;
     syncViz(cfg, 1);
     appConfig back;

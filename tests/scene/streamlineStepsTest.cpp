@@ -1,6 +1,6 @@
-// The streamline tracer shares each step's cell between the velocity components and the solid test; its steps must
-// stay those of a plain integration through the grid sampler, to the last bit, with the same stops. The reference
-// below is written from the sampler's interface, not from the tracer.
+// The streamline tracer shares each step's cell between the velocity components and the solid test; its steps must stay
+// those of a plain integration through the grid sampler, to the last bit, with the same stops. The reference below is
+// written from the sampler's interface, not from the tracer.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -17,8 +17,8 @@ using namespace marv;
 
 using point = std::array<double, 3>;
 
-// A mesh of nx x ny x nz nodes (nz = 1: 2D) with a swirling, uneven flow, a
-// solid block and spacings that are not powers of two.
+// A mesh of nx x ny x nz nodes (nz = 1: 2D) with a swirling, uneven flow, a solid block and spacings that are not
+// powers of two.
 struct swirl {
   appConfig cfg;
   ownedArray3d<double> u, v, w;
@@ -55,8 +55,7 @@ struct steps {
   }
 };
 
-// The plain integration: every component through the sampler, the nearest
-// node of the step's end for the solid test.
+// The plain integration: every component through the sampler, the nearest node of the step's end for the solid test.
 steps reference(const swirl& s, point seed, double vmax, int maxSteps) {
   const appConfig& cfg = s.cfg;
   const std::vector<double>* coord[3] = {&cfg.xCoord, &cfg.yCoord, &cfg.zCoord};
@@ -107,8 +106,8 @@ int expectSameSteps(const swirl& s, point seed, double vmax, int maxSteps) {
 TEST(streamlineSteps, LinesFollowTheSamplerToTheLastBitIn3dAnd2d) {
   swirl s(23, 17, 12);
   const appConfig& c = s.cfg;
-  // Seeds inside, on the low and high faces, on nodes, and one beside the
-  // solid block; long enough to leave the mesh or reach the block.
+  // Seeds inside, on the low and high faces, on nodes, and one beside the solid block; long enough to leave the mesh or
+  // reach the block.
   const point seeds[] = {{c.xCoord[0], c.yCoord[3], c.zCoord[2]},
                          {c.xCoord[4] + 0.3 * c.dx, c.yCoord[8] + 0.5 * c.dy, c.zCoord[6] + 0.25 * c.dz},
                          {c.xCoord[22], c.yCoord[16], c.zCoord[11]},
