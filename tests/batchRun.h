@@ -30,8 +30,7 @@ inline std::filesystem::path copyExample(const std::string& example) {
   return folder;
 }
 
-// Every "NNN:key value" line of param.txt whose key is given takes the new value (a key may stand twice); a key that no
-// line holds is added before "#End of file".
+// Sets every "NNN:key value" line of each key; a key without one goes before "#End of file".
 inline void setParameters(const std::filesystem::path& folder, const std::map<std::string, std::string>& values) {
   std::istringstream lines(readText(folder / "input" / "param.txt"));
   std::map<std::string, std::string> missing = values;

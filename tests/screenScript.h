@@ -67,8 +67,7 @@ inline std::vector<marv::inputFrame> idle(int count, int x = 0, int y = 0) {
   return std::vector<marv::inputFrame>(count, pointer(x, y));
 }
 
-// A screen that never decides runs out of script; the window then closes and the program ends at once. While a
-// scriptedRun is alive that end is turned into a failing exit status.
+// A screen out of script ends the program at once: while a scriptedRun lives, with a failing status.
 inline bool& runActive() {
   static bool active = false;
   return active;
@@ -87,14 +86,12 @@ struct scriptedRun {
       });
     }
     runActive() = true;
-    // Two quiet frames at the end: a screen reads a frame's input before it hands the frame on, so its last decision
-    // needs one frame more.
+    // Two quiet frames at the end: a screen's last decision needs one frame more.
     const marv::inputFrame rest =
         frames.empty() ? marv::inputFrame{} : pointer(frames.back().mouseX, frames.back().mouseY);
     frames.push_back(rest);
     frames.push_back(rest);
-    // A quiet frame first, handed on at once, so that nothing held by an earlier script reaches the screen's first
-    // reading.
+    // A quiet frame first, so that nothing held by an earlier script reaches the screen.
     frames.insert(frames.begin(), rest);
     marv::setInputScript(std::move(frames), true);
     marv::processMessages();

@@ -7,8 +7,7 @@
 
 namespace marv::testing {
 
-// Grid of nx*ny*nz nodes over lx*ly*lz [m], with the derived spacings and coordinates; nz = 1 gives the two-dimensional
-// case (lz 0, dz 1).
+// Grid of nx*ny*nz nodes over lx*ly*lz [m] with spacings and coordinates; nz = 1: 2D (lz 0, dz 1).
 inline void setGrid(appConfig& cfg, int nx, int ny, int nz, double lx = 1.0, double ly = 1.0, double lz = 1.0) {
   cfg.nx = nx;
   cfg.ny = ny;
@@ -27,8 +26,7 @@ inline void setGrid(appConfig& cfg, int nx, int ny, int nz, double lx = 1.0, dou
   for (int k = 0; k < nz; ++k) cfg.zCoord[k] = k * cfg.dz;
 }
 
-// Tiles npx*npy*npz, one per thread, with even splits (the last tile takes the rest). Thread t has coordinates t mod
-// npx, (t/npx) mod npy, t/(npx npy).
+// Tiles npx*npy*npz, one per thread, even splits (the last takes the rest); threads numbered x fastest, then y.
 inline void setTiles(appConfig& cfg, int npx, int npy, int npz) {
   const int n = npx * npy * npz;
   cfg.npx = npx;

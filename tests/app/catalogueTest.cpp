@@ -10,8 +10,7 @@ namespace {
 
 using marv::catalogueText;
 
-// Number of code points of well-formed UTF-8 text, or -1 when a byte sequence is broken, overlong or a lone
-// continuation byte.
+// Code points of well-formed UTF-8 text; -1 for a broken, overlong or lone continuation byte.
 int utf8Length(const std::string& s) {
   int count = 0;
   for (std::size_t i = 0; i < s.size(); ++count) {

@@ -1,5 +1,4 @@
-// The driver's pass without a screen: the step count, param.txt rewritten, early ends and their status; the run from
-// the keyboard (held run, quit prompt, Analysis steps), each cycle's hook feeding one frame.
+// The driver's pass without a screen: step count, param.txt rewritten, early ends, the run from the keyboard.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -74,8 +73,7 @@ TEST(heldRun, theQuitPromptHoldsStepAndTimeUntilCancelledAndQEndsTheRun) {
                               {holding({keyQ})},
                               idle(5)}),
               state);
-  // The frame of plan[i] is read in cycle i + 1: cycles 0..3 step, 4 raises the prompt, 4..12 are held, 13 cancels it
-  // with Enter and steps.
+  // plan[i] is read in cycle i + 1: 0..3 step, 4 raises the prompt, 4..12 held, 13 cancels with Enter.
   ASSERT_EQ(seen.size(), 20u) << "no cycle after the one that saw Q";
   EXPECT_EQ(seen[3].time, 2.0) << "four steps of 0.5 before the prompt";
   for (int c = 4; c <= 12; ++c) {

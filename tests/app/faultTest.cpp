@@ -1,5 +1,4 @@
-// Faults under the batch runner (a diverging flow, refused input, a failed or killed dump write): non-zero status,
-// nothing wrong left.
+// Faults under the batch runner: refused input, divergence, failed or killed dump writes; nothing wrong left.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -109,8 +108,7 @@ pid_t startBatch(const fs::path& folder, rlim_t fileSizeLimit = 0) {
       const rlimit limit{fileSizeLimit, fileSizeLimit};
       setrlimit(RLIMIT_FSIZE, &limit);
     }
-    // The off-screen OpenGL driver keeps a few allocations to the end of the process: leak checks of a sanitizer build
-    // are off for the child.
+    // The OpenGL driver keeps allocations to the end: no leak checks in the child.
     const char* given = std::getenv("ASAN_OPTIONS");
     const std::string asan = std::string(given ? given : "") + ":detect_leaks=0";
     setenv("ASAN_OPTIONS", asan.c_str(), 1);
@@ -127,8 +125,7 @@ int exitStatus(pid_t pid) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// Every dump folder that the program would look at is whole or absent, and the names a dump search or a restart would
-// take are exactly the whole ones.
+// Every dump folder that a dump search or a restart would take is whole.
 void expectOnlyWholeDumps(const fs::path& project, const std::string& context) {
   const fs::path before = fs::current_path();
   fs::current_path(project);
@@ -148,15 +145,13 @@ TEST(FullDisk, TheRunStopsWithAnErrorAndEveryDumpIsWholeOrAbsent) {
 }
 
 TEST(KilledWrite, NothingHalfWrittenIsVisibleAndTheLeftoversGoAtTheNextStart) {
-  // A 129 x 129 mesh dumped at every step: most of the run's time is spent writing dumps, so that random kills land
-  // inside a write.
+  // A 129 x 129 mesh dumped at every step: random kills land inside a write.
   const fs::path folder =
       cavityProject("1:nx 129\n2:ny 129\n3:mu 0.01\n4:uinb 1\n5:nfig 0\n6:latts 100000\n7:nfile 1\n");
   std::mt19937 random(20261123);
   for (int kill = 0; kill < 8; ++kill) {
     const pid_t pid = startBatch(folder);
-    // Once the first dump is there the program writes one every few milliseconds: the kill lands at a random point
-    // after it.
+    // After the first dump, a kill at a random point.
     for (int wait = 0; wait < 3000 && dumpSteps(folder).empty() && ::kill(pid, 0) == 0; ++wait)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     std::this_thread::sleep_for(std::chrono::milliseconds(random() % 400));

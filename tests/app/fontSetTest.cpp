@@ -55,8 +55,7 @@ TEST(buildFonts, japaneseScreensTakeTheFirstInstalledJapaneseFaceOrLeaveTheLangu
   buildFonts(cfg);
   EXPECT_EQ(allHandles(cfg).size(), 15u);
 
-  // A machine without any font: nothing is installed, the language fonts are not made, the fixed ones are still asked
-  // for, and nothing breaks.
+  // No font at all: the language fonts are not made, the fixed ones still asked for, nothing breaks.
   const auto empty = marvtest::scratchFolder("nofonts");
   setFontRoot(empty.c_str());
   EXPECT_FALSE(fontExists("Meiryo UI", -1));

@@ -1,5 +1,4 @@
-// Menu commands as the driver sees them: request flags, the chosen path, the working folder put back, the help pages
-// and the data folder they come from.
+// Menu commands as the driver sees them: requests, the chosen path, the working folder, help pages, data folder.
 #include "app/menuCommands.h"
 
 #include <gtest/gtest.h>

@@ -21,8 +21,7 @@ namespace menu = marv::menu;
 constexpr int altKey = 56;
 constexpr int letterF = 33, letterL = 38, letterN = 49, letterS = 31, letterX = 45;
 
-// Centre of a rectangle of the menu canvas, in back buffer pixels as the script gives them: the bar lies above the back
-// buffer.
+// Centre of a menu rectangle in back buffer pixels, as the script gives them: the bar lies above.
 inputFrame at(const menu::rect& r, int buttons = 0) {
   return marvtest::frameAt((r.x1 + r.x2) / 2, (r.y1 + r.y2) / 2 - marv::menuBarHeight(), buttons);
 }
@@ -64,8 +63,7 @@ TEST_F(menuScriptTest, theMenuKeepsItsClicksAndKeysFromTheScreensAndRefusesGreye
   seen |= play(at(itemOf(0, 0), marv::mouseLeft));
   seen |= play(at(itemOf(0, 0)));
   EXPECT_TRUE(menu::isOpen(m)) << "a greyed item is not chosen";
-  // By keys: N refused; L opens the submenu, S refused there; Esc closes the submenu without the screens seeing it
-  // held.
+  // By keys: N refused; L opens the submenu, S refused there; Esc closes it unseen by the screens.
   inputFrame keys = at(itemOf(0, 0));
   keys.keysTapped = {letterN, letterL, letterS};
   play(keys);
@@ -90,8 +88,7 @@ TEST_F(menuScriptTest, theMenuKeepsItsClicksAndKeysFromTheScreensAndRefusesGreye
   EXPECT_EQ(marv::keyDown(marv::keyEsc), 1);
 }
 
-// A pass of the driver whose start screen waits, as the window's does, until the menu has delivered a path or the
-// window closes.
+// A driver pass whose start screen waits, as the window's does, for a path from the menu or the close.
 bool windowClosed = false;
 int greyedDuringThePass = 0;
 
@@ -136,8 +133,7 @@ TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   stages.writeHistory = false;
   stages.splash = false;
 
-  // File, Load, In Simulation Mode: the path arrives, the pass goes on with it and the project commands are greyed for
-  // the rest of the pass.
+  // File, Load, In Simulation Mode: the pass goes on with the path, the project commands greyed.
   state.analysisRequest = 1;
   marv::setInputScript(fileMenuKeys({letterL, letterS}), false);
   marv::runDriver(stages, state);

@@ -16,8 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A copy of the thermo example, set to record from step 0 with probes at two points and both walls' force and heat
-// loss.
+// The thermo example recording from step 0: probes at two points, both walls' force and heat loss.
 fs::path recordingProject() {
   const fs::path folder = marvtest::copyExample("thermo2d");
   marvtest::setParameters(folder, {{"nx", "21"}, {"ny", "21"}, {"deltat", "0.002"}, {"nfig", "0"}});
@@ -57,8 +56,7 @@ TEST(RecordRestart, RecordsContinueLineForLineAsAnUninterruptedRun) {
   const std::string heat = marvtest::readText(whole / "dump" / "heatLoss.txt");
   EXPECT_NE(heat.find("\n          40 "), std::string::npos);
 
-  // Stopped at step 20 and continued from its dump, the run having died while writing the lines of step 25: the half
-  // lines go.
+  // Stopped at step 20, dying while writing step 25, and continued from dump 20: the half lines go.
   const fs::path split = recordingProject();
   runSteps(split, 0, 20, 20);
   for (const char* name : recordFiles) {

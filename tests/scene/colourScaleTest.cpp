@@ -1,5 +1,4 @@
-// The colour scale: lookup at and beyond its limits, degenerate ranges, the range scan; the 2D picture's cells take the
-// slot of the mean of their corners, and its boundary cells follow the flags when they change.
+// The colour scale: lookup, degenerate ranges, range scan; the 2D picture's cell slots and boundary cells.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -90,8 +89,7 @@ TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
 }
 
 TEST(ContourCells, RowSlotsAgreeWithTheScalarLookup) {
-  // Corner values whose cell means fall on and beside the slot boundaries, below and above the range, and on non-finite
-  // values.
+  // Cell means on and beside the slot boundaries, out of the range and not finite.
   std::vector<double> means;
   for (int k = 0; k <= 31; ++k) means.insert(means.end(), {k / 31.0, std::nextafter(k / 31.0, -1.0)});
   means.insert(means.end(), {-0.5, 1.5, 1e300, -1e300, inf, -inf, nan, 0.999999});
@@ -146,8 +144,7 @@ TEST(ContourCells, BoundaryCellsFollowChangedFlags) {
   // Cell (1, 1): pixels 10..20 across, 10..20 down.
   EXPECT_TRUE(covered(15, 15));
   EXPECT_FALSE(covered(25, 5));
-  // The block moves up and right to nodes 2..3: cell (2, 2), pixels 20..30 across and 0..10 down; cell (1, 1) loses a
-  // corner.
+  // The block moves to nodes 2..3: cell (2, 2) at pixels 20..30 by 0..10; cell (1, 1) loses a corner.
   flags(1, 1, 0) = flags(1, 2, 0) = flags(2, 1, 0) = 0;
   flags(3, 2, 0) = flags(2, 3, 0) = flags(3, 3, 0) = 1;
   EXPECT_FALSE(covered(15, 15)) << "the cells found for the old flags are gone";

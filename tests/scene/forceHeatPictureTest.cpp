@@ -1,6 +1,4 @@
-// The force report on the off-screen backend, the mouse scripted frame by frame: resting on the body, clicking it (and,
-// on the cylinder, the blowing inlet and the body again); the saved pictures of steps 4 and 8 mark the body in magenta,
-// then green, with the notice's sky-blue box beside the mouse (kept as <example>-force-<step>.png).
+// The force report, mouse scripted: body marked magenta, then green once clicked; notice beside the mouse.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,8 +29,7 @@ int keepPass(appConfig&, passObjects& objects) {
   return 1;
 }
 
-// Where the mouse shows a colour: the mean screen position of its triangles (3D), or its node nearest the mean of its
-// nodes (2D; a frame of walls has its mean in the fluid).
+// Where the mouse shows a colour: mean screen position of its triangles (3D), its node nearest its mean (2D).
 void aimAt(const appConfig& cfg, int colour) {
   const sceneView& scene = *pass->scene;
   const array3d<int>& flags = pass->domain->bcFlag;
@@ -61,9 +58,7 @@ void aimAt(const appConfig& cfg, int colour) {
     }
 }
 
-// After each cycle: the checks of the frame just drawn, then the next frame of the script. A click shows in the frame
-// of its release: 7 on the body, 12 on the inlet, 15 on the body again (the last two where there is an inlet). A frame
-// with the button down holds the step, so the picture of step 8 comes from cycle 9.
+// After each cycle: checks, then the next frame. Clicks show at release: 7 body, 12 inlet, 15 body again.
 void followPlan(appConfig& cfg, bool final) {
   if (final) return;
   const std::string notice = pass->scene->scratchText;
@@ -108,8 +103,7 @@ double share(const marvtest::picture& p, int x0, int y0, int x1, int y1, int r, 
 void runExample(const char* example, int bodyColour, int inletColour) {
   const fs::path folder = marvtest::copyExample(example);
   marvtest::setParameters(folder, {{"latts", "14"}, {"nfig", "4"}, {"nfile", "4"}});
-  // The heat-loss button falls back in a constant-density run. The channel's walls stay hidden: in front of the sphere
-  // they would be hovered first.
+  // Heat loss falls back without thermo; the channel's walls hidden, else hovered before the sphere.
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << "showForce 1\nshowHeatLoss 1\nshowBoundaryFlagUser 0\n";
   passStages stages = batchStages({.projectDir = folder.string(), .quiet = true});
   stages.placementStage = keepPass;

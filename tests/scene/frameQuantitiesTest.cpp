@@ -1,5 +1,4 @@
-// The frame's numbers without a screen: quantities with known derivatives, statistics, time step, a diverged field, and
-// the status texts: the exact panel and title lines, the remaining time, the smoothed step time.
+// The frame's numbers without a screen: quantities, statistics, time step, divergence, the status texts.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -54,8 +53,7 @@ struct smallCase {
 };
 
 TEST(FrameQuantities, SecondInvariantOfASolidRotationAndAPureStrain) {
-  // u = -w0 y, v = w0 x: Q = 0.5 (0 - v_x u_y) = 0.5 w0^2 everywhere, one-sided differences included, since the fields
-  // are linear.
+  // u = -w0 y, v = w0 x: Q = 0.5 w0^2 everywhere, one-sided differences included (linear fields).
   smallCase k(9, 7);
   k.each([&](int i, int j, double x, double y) { k.u(i, j, 0) = -3.0 * y, k.v(i, j, 0) = 3.0 * x; });
   k.show(9);

@@ -62,8 +62,7 @@ TEST_F(frameInput, clicksNeedTheReleaseWhereThePressWasForLeftAndTheLastHeldPlac
 TEST_F(frameInput, fieldsTellModifiersWheelAndWhetherThePointerIsOnTheScreen) {
   inputFrame f = frameAt(0, 30, mouseLeft | mouseRight, {keyRightShift});
   f.wheel = -2;
-  // Shift turns the left drag into a pick; x = 0 is outside; a modifier alone holds the run; each frame takes the wheel
-  // notches since the last; the help list takes the plain keys.
+  // Shift makes a left drag a pick; x = 0 is off-screen; a modifier holds the run; help takes plain keys.
   auto fields = [&] {
     return std::vector<double>{double(cfg.shiftDown), double(cfg.ctrlDown),     double(cfg.leftDrag),
                                double(cfg.rightDrag), double(cfg.plainKeys),    double(cfg.inputBusy),

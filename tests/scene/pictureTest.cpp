@@ -1,5 +1,4 @@
-// Pictures on the off-screen backend: the colour bar, a saved image of the cylinder against a colour mapping of its
-// dump made from the raw files alone, and the duct's planes and streamlines (kept as duct3d-planes.png).
+// Pictures off-screen: colour bar, a saved cylinder image against its dump, the duct's planes and streamlines.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -73,8 +72,7 @@ TEST_F(pictureRender, ColourBarRunsFromBlueToRedBetweenWhiteMarks) {
 }
 
 TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
-  // A short run that ends with an image and a dump of the same step, shown on a fixed range so that the mapping needs
-  // no knowledge of solid nodes; domx fixes the layout below, whatever the example shows.
+  // Image and dump of one step on a fixed range; domx fixes the layout whatever the example shows.
   const double lo = 0.0, hi = 1.6;
   const auto folder =
       marvtest::runExample("cylinder2d", {{"latts", "30"}, {"nfig", "30"}, {"nfile", "30"}, {"domx", "720"}},
@@ -89,8 +87,7 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   ASSERT_FALSE(u.empty());
   ASSERT_FALSE(bc.empty());
 
-  // Layout of a 2D run: 720/241 = 2 pixels a cell, dx = 4/240 m, so 120 pixels a metre; margins 10 left and 3 x 10 on
-  // top (text height 20).
+  // 2D layout: 720/241 = 2 pixels a cell, 120 pixels a metre; margins 10 left, 30 on top.
   const double perMetre = 2.0 / (4.0 / 240.0);
   auto pixelX = [&](int i) { return static_cast<int>(i * (4.0 / 240.0) * perMetre + 10 + 0.5); };
   auto pixelY = [&](int j) { return static_cast<int>(perMetre * 1.0 - j * (1.0 / 60.0) * perMetre + 30 + 0.5); };
@@ -106,8 +103,7 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   int compared = 0, matched = 0;
   for (int j = 2; j < ny - 3; ++j)
     for (int i = 2; i < nx - 3; ++i) {
-      // Cells in a patch of one colour away from any boundary, where the JPEG's chroma halving does not smear an edge
-      // in.
+      // Cells in a plain patch away from boundaries, where JPEG chroma halving smears nothing in.
       bool plain = true;
       for (int dj = -1; dj <= 1; ++dj)
         for (int di = -2; di <= 2; ++di)
@@ -123,8 +119,7 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   EXPECT_GT(compared, 1000);
   EXPECT_GE(matched, compared * 98 / 100) << matched << " of " << compared << " cells in their colour";
 
-  // The cylinder's outline: along the row through its middle, the first node inside the wall mask is where the black
-  // iso-line crosses.
+  // The outline: the first node inside the wall on the middle row is where the black iso-line crosses.
   const int jc = ny / 2;
   int inside = -1;
   for (int i = 1; i < nx / 2 && inside < 0; ++i)
@@ -149,8 +144,7 @@ TEST_F(pictureRender, DuctShowsItsPlanesInScaleColoursAndItsStreamlines) {
   ASSERT_TRUE(shot.read((folder / "figs" / "00000020.jpg").string()));
   const std::string kept = (std::filesystem::path(MARV_BUILD_DIR) / "duct3d-planes.png").string();
   EXPECT_NE(stbi_write_png(kept.c_str(), shot.width, shot.height, 3, shot.rgb.data(), shot.width * 3), 0) << kept;
-  // Scale colours are saturated (one channel near 255, another near 0); the streamlines' plain colour is (15, 200,
-  // 230). Both above the status band.
+  // Scale colours are saturated; streamlines are (15, 200, 230). Both above the status band.
   int scale = 0, lineInk = 0;
   for (int y = 0; y < shot.height * 2 / 3; ++y)
     for (int x = 0; x < shot.width; ++x) {

@@ -1,6 +1,4 @@
-// The streamline tracer shares each step's cell between the velocity components and the solid test; its steps must stay
-// those of a plain integration through the grid sampler, to the last bit, with the same stops. The reference below is
-// written from the sampler's interface, not from the tracer.
+// Streamline steps equal, bit for bit, a plain integration through the grid sampler written from its interface.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -17,8 +15,7 @@ using namespace marv;
 
 using point = std::array<double, 3>;
 
-// A mesh of nx x ny x nz nodes (nz = 1: 2D) with a swirling, uneven flow, a solid block and spacings that are not
-// powers of two.
+// nx x ny x nz nodes (nz = 1: 2D), a swirling flow, a solid block, uneven spacings.
 struct swirl {
   appConfig cfg;
   ownedArray3d<double> u, v, w;
@@ -106,8 +103,7 @@ int expectSameSteps(const swirl& s, point seed, double vmax, int maxSteps) {
 TEST(streamlineSteps, LinesFollowTheSamplerToTheLastBitIn3dAnd2d) {
   swirl s(23, 17, 12);
   const appConfig& c = s.cfg;
-  // Seeds inside, on the low and high faces, on nodes, and one beside the solid block; long enough to leave the mesh or
-  // reach the block.
+  // Seeds inside, on faces, on nodes, beside the block; long enough to leave the mesh or reach the block.
   const point seeds[] = {{c.xCoord[0], c.yCoord[3], c.zCoord[2]},
                          {c.xCoord[4] + 0.3 * c.dx, c.yCoord[8] + 0.5 * c.dy, c.zCoord[6] + 0.25 * c.dz},
                          {c.xCoord[22], c.yCoord[16], c.zCoord[11]},
