@@ -36,7 +36,6 @@ TEST(buildFonts, rebuildsReplaceTheFontsWithoutPilingThemUpAndDeleteFontsForgets
     for (int h : allHandles(cfg)) highest = std::max(highest, h);
   }
   EXPECT_LT(highest, 40) << "forty rebuilds left the old fonts alive";
-  EXPECT_EQ(cfg.titleSize, 81);
   const int titleAt30 = textWidthInFont(cfg.fontTitle, "Marvanesse");
   EXPECT_NEAR(titleAt30, 1.5 * titleAt20, 0.1 * titleAt20) << "the title grows with the text height";
   deleteFonts(cfg);
@@ -58,8 +57,7 @@ TEST(buildFonts, japaneseScreensTakeTheFirstInstalledJapaneseFaceOrLeaveTheLangu
   // No font at all: the language fonts are not made, the fixed ones still asked for, nothing breaks.
   const auto empty = marvtest::scratchFolder("nofonts");
   setFontRoot(empty.c_str());
-  EXPECT_FALSE(fontExists("Meiryo UI", -1));
-  EXPECT_FALSE(fontExists("Consolas", -1));
+  EXPECT_FALSE(fontExists("Meiryo UI", -1) || fontExists("Consolas", -1));
   EXPECT_EQ(languageFace(true), nullptr);
   EXPECT_STREQ(languageFace(false), "Consolas") << "English never asks whether its face exists";
   buildFonts(cfg);

@@ -173,8 +173,8 @@ TEST(VelocityStatistics, PeaksStillFluidRoundingAndValuesThatAreNotFinite) {
 
 std::tuple<int, int, int> hms(const remainingTime& t) { return {t.hours, t.minutes, t.seconds}; }
 
-TEST(StatusText, PanelLinesKeepTheirColumns) {
-  char line[512];
+TEST(StatusText, PanelAndTitleLinesKeepTheirColumnsAndTheRemainingTime) {
+  char line[1024];
   formatStatusLine1(line, sizeof line, "|U| (m/s)", 12, 3, 2, 1, 1);
   EXPECT_STREQ(line, "*|U| (m/s)    | CPU:     12+3    ms/step | PL: 02-01-01");
   formatStatusLine1(line, sizeof line, "div(U) x dt and more", 1234567, 12345, 10, 2, 3);
@@ -183,12 +183,9 @@ TEST(StatusText, PanelLinesKeepTheirColumns) {
   EXPECT_STREQ(line, "1.5000e+00 s | 000042 steps | 007 iters | 1.250e-06 er");
   formatStatusLine2(line, sizeof line, 0.0, 1234567, 1000, -1.0e10);
   EXPECT_STREQ(line, "0.0000e+00 s | 1234567 steps | 1000 iters | -1.000e+10 er");
-}
 
-TEST(StatusText, TitleLineAndRemainingTime) {
   const remainingTime left = timeLeft(1000, 0, 3723);  // 3723 s
   EXPECT_EQ(hms(left), std::tuple(1, 2, 3));
-  char line[1024];
   formatTitleLine(line, sizeof line, "Marvanesse+ (2021R3.0) | cyl | Simulation Mode", 1.0e-3, 0.25, 3723, left);
   EXPECT_STREQ(line,
                "Marvanesse+ (2021R3.0) | cyl | Simulation Mode | dt:1.00e-03 s | max{CFL}:0.25 | CPU:3723 ms | "
