@@ -31,11 +31,8 @@ void followPlan(appConfig& cfg, bool final) {
   if (final) return;
   if (seen.empty()) cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;  // the keys of the screens are long up
   seen.push_back({cfg.ts, cfg.time, cfg.quitPromptFlag, cfg.sts});
-  inputFrame next;
-  if (seen.size() <= plan.size())
-    next = plan[seen.size() - 1];
-  else
-    next.closeWindow = true;
+  inputFrame next = seen.size() <= plan.size() ? plan[seen.size() - 1] : inputFrame{};
+  next.closeWindow = seen.size() > plan.size();
   setInputScript({next}, false);
 }
 
@@ -43,15 +40,18 @@ inputFrame holding(std::vector<int> keys) { return marvtest::frameAt(300, 300, 0
 
 std::vector<inputFrame> idle(int n) { return std::vector<inputFrame>(n, holding({})); }
 
+// Idle frames, then each key held for a frame and followed by its idle frames.
+std::vector<inputFrame> keyScript(int rest, std::initializer_list<std::pair<int, int>> keysAndRests) {
+  std::vector<inputFrame> frames = idle(rest);
+  for (auto [key, after] : keysAndRests) marvtest::append(frames, marvtest::join({{holding({key})}, idle(after)}));
+  return frames;
+}
+
 int runWithPlan(const std::filesystem::path& folder, bool analysis, std::vector<inputFrame> frames,
                 driverState& state) {
   plan = std::move(frames);
   seen.clear();
-  batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
-  options.analysis = analysis;
-  passStages stages = batchStages(options);
+  passStages stages = batchStages({.projectDir = folder.string(), .analysis = analysis, .quiet = true});
   stages.runStep = followPlan;
   const int status = runDriver(stages, state);
   stopLayer();
@@ -62,17 +62,7 @@ TEST(heldRun, theQuitPromptHoldsStepAndTimeUntilCancelledAndQEndsTheRun) {
   const auto folder = marvtest::scratchFolder("held");
   marvtest::writeText(folder / "input" / "param.txt", "1:nx 5\n2:ny 5\n3:latts 100000\n4:deltat 0.5\n");
   driverState state;
-  runWithPlan(folder, false,
-              marvtest::join({idle(3),
-                              {holding({keyEsc})},
-                              idle(8),
-                              {holding({keyEnter})},
-                              idle(3),
-                              {holding({keyEsc})},
-                              idle(1),
-                              {holding({keyQ})},
-                              idle(5)}),
-              state);
+  runWithPlan(folder, false, keyScript(3, {{keyEsc, 8}, {keyEnter, 3}, {keyEsc, 1}, {keyQ, 5}}), state);
   // plan[i] is read in cycle i + 1: 0..3 step, 4 raises the prompt, 4..12 held, 13 cancels with Enter.
   ASSERT_EQ(seen.size(), 20u) << "no cycle after the one that saw Q";
   EXPECT_EQ(seen[3].time, 2.0) << "four steps of 0.5 before the prompt";
@@ -101,10 +91,8 @@ TEST(heldRun, analysisShowsTheNewestDumpAndItsArrowsStepWithoutWrappingAroundOrW
   const std::string param = marvtest::readText(folder / "input" / "param.txt");
   driverState analysis;
   // Left four times, then right four times, two idle frames between.
-  std::vector<inputFrame> frames = idle(2);
-  for (int key : {keyLeft, keyLeft, keyLeft, keyLeft, keyRight, keyRight, keyRight, keyRight})
-    marvtest::append(frames, marvtest::join({{holding({key})}, idle(2)}));
-  EXPECT_EQ(runWithPlan(folder, true, frames, analysis), 0);
+  const std::pair<int, int> left{keyLeft, 2}, right{keyRight, 2};
+  EXPECT_EQ(runWithPlan(folder, true, keyScript(2, {left, left, left, left, right, right, right, right}), analysis), 0);
   std::vector<int> shown;
   for (const cycleSeen& c : seen)
     if (shown.empty() || shown.back() != c.sts) shown.push_back(c.sts);
