@@ -1,10 +1,17 @@
-// Picture test helpers: the off-screen layer, a short batch run that saves its image, and the JPEG read back.
+// Picture test helpers: the off-screen layer, a short batch run that saves its image, and the saved JPEG read back.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <jpeglib.h>
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+#pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#include <stb/stb_image.h>
+#pragma GCC diagnostic pop
 
-#include <cstdio>
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -21,25 +28,11 @@ struct picture {
   int width = 0, height = 0;
   std::vector<unsigned char> rgb;
   bool read(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) return false;
-    jpeg_decompress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&info);
-    jpeg_stdio_src(&info, file);
-    jpeg_read_header(&info, TRUE);
-    info.out_color_space = JCS_RGB;
-    jpeg_start_decompress(&info);
-    width = static_cast<int>(info.output_width), height = static_cast<int>(info.output_height);
-    rgb.resize(static_cast<std::size_t>(width) * height * 3);
-    while (info.output_scanline < info.output_height) {
-      JSAMPROW row = rgb.data() + static_cast<std::size_t>(info.output_scanline) * width * 3;
-      jpeg_read_scanlines(&info, &row, 1);
-    }
-    jpeg_finish_decompress(&info);
-    jpeg_destroy_decompress(&info);
-    std::fclose(file);
+    int channels = 0;
+    unsigned char* data = stbi_load(path.c_str(), &width, &height, &channels, 3);
+    if (data == nullptr) return false;
+    rgb.assign(data, data + static_cast<std::size_t>(width) * height * 3);
+    stbi_image_free(data);
     return true;
   }
   const unsigned char* at(int x, int y) const { return &rgb[(static_cast<std::size_t>(y) * width + x) * 3]; }
