@@ -1,10 +1,17 @@
-// The text catalogue: both languages agree on access letters, placeholders and line breaks; UTF-8 is well-formed.
+// Both languages: the catalogue's texts agree in access letters, placeholders and line breaks and are well-formed
+// UTF-8; the screens' fonts are rebuilt without piling up, with or without an installed face.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <set>
 #include <string>
 
 #include "app/catalogue.h"
+#include "app/fontSet.h"
+#include "layer/faceTable.h"
+#include "layer/layer.h"
+#include "testSupport.h"
 
 namespace {
 
@@ -69,6 +76,55 @@ TEST(catalogue, theProceedHintTheDropWordAndTheFileMenuByteForByte) {
   EXPECT_EQ(drop.substr(0, 6), "\xE3\x81\x93\xE3\x81\x93");
   EXPECT_EQ(utf8Length(drop), 9);
   EXPECT_EQ(catalogueText(5, true), "\xE3\x83\x95\xE3\x82\xA1\xE3\x82\xA4\xE3\x83\xAB (&F)");  // ファイル (&F)
+}
+
+std::set<int> languageHandles(const marv::appConfig& c) {
+  return {c.fontBody, c.fontBold, c.fontTiny, c.fontCaption, c.fontHeading, c.fontTitle};
+}
+
+std::set<int> allHandles(const marv::appConfig& c) {
+  std::set<int> all = languageHandles(c);
+  for (int h : {c.fixedBold, c.fixedCaption, c.fixedTiny, c.fixedHeading, c.fixedTitle, c.fixedBody, c.fixedSmall,
+                c.logoFont, c.logoPlusFont})
+    all.insert(h);
+  return all;
+}
+
+TEST(fontSet, rebuildsReplaceTheFontsWithoutPilingThemUpAndDeleteFontsForgetsThem) {
+  marv::appConfig cfg;
+  int highest = 0;
+  for (int i = 0; i < 40; ++i) {
+    cfg.textHeight = i % 2 ? 30 : 20;
+    marv::buildFonts(cfg);
+    for (int h : allHandles(cfg)) highest = std::max(highest, h);
+  }
+  EXPECT_LT(highest, 40) << "forty rebuilds left the old fonts alive";
+  marv::deleteFonts(cfg);
+  for (int h : {cfg.fontBody, cfg.fixedHeading, cfg.fixedInput, cfg.logoPlusFont}) EXPECT_EQ(h, -1);
+}
+
+TEST(fontSet, japaneseScreensTakeTheFirstInstalledJapaneseFaceOrLeaveTheLanguageFontsUnmade) {
+  ASSERT_TRUE(marv::fontExists("Meiryo UI", -1))
+      << "no Japanese face: install fonts-ipafont-gothic (scripts/install-deps.sh)";
+  EXPECT_TRUE(marv::fontExists("meiryo  ", -1)) << "case and trailing blanks do not matter";
+  EXPECT_FALSE(marv::fontExists("No Such Face", -1));
+  EXPECT_STREQ(marv::languageFace(true), "Meiryo UI");
+
+  marv::appConfig cfg;
+  cfg.uiJapanese = 1;
+  // No font at all: the language fonts are not made, the fixed ones still asked for, nothing breaks.
+  const auto empty = marvtest::scratchFolder("nofonts");
+  marv::setFontRoot(empty.c_str());
+  EXPECT_FALSE(marv::fontExists("Meiryo UI", -1) || marv::fontExists("Consolas", -1));
+  EXPECT_EQ(marv::languageFace(true), nullptr);
+  EXPECT_STREQ(marv::languageFace(false), "Consolas") << "English never asks whether its face exists";
+  marv::buildFonts(cfg);
+  for (int h : languageHandles(cfg)) EXPECT_EQ(h, -1);
+  EXPECT_EQ(cfg.fixedInput, cfg.fixedHeading);
+  EXPECT_EQ(marv::textWidthInFont(cfg.fontBody, "ab"), 0) << "without any face, text has no width";
+  marv::setFontRoot("");
+  std::filesystem::remove_all(empty);
+  marv::deleteFonts(cfg);
 }
 
 }  // namespace
