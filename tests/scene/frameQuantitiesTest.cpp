@@ -74,8 +74,7 @@ TEST(FrameQuantities, DivergenceTimesTheStepInBothModes) {
   EXPECT_NEAR(k.display(3, 2, 0), 2.5 * 0.01, 1e-12);
   // Thermo-fluid: the mass flux over the mean density. rho = 2 + x with u = 1: d(rho u)/dx = 1, over rhow = 4.
   smallCase m(6, 5, true);
-  m.cfg.deltat = 0.1;
-  m.cfg.rhow = 4.0;
+  m.cfg.deltat = 0.1, m.cfg.rhow = 4.0;
   m.each([&](int i, int j, double x, double) { m.rho(i, j, 0) = 2.0 + x, m.u(i, j, 0) = 1.0; });
   m.show(10);
   EXPECT_NEAR(m.display(2, 2, 0), 0.1 / 4.0, 1e-12);
@@ -103,8 +102,7 @@ TEST(FrameQuantities, CopiesAndFallBacks) {
 
 TEST(FrameTimeStep, AdaptiveDeltatFromTheFramesPeaks) {
   smallCase k(5, 5);  // dx = dy = 0.25
-  k.cfg.cfl = 0.3;
-  k.cfg.deltat = 0.123;
+  k.cfg.cfl = 0.3, k.cfg.deltat = 0.123;
   fill<double>(k.u, 1.0);
   k.u(2, 2, 0) = -2.0;  // peakU 2 by magnitude
   k.v(1, 3, 0) = 0.5;
@@ -117,16 +115,14 @@ TEST(FrameTimeStep, AdaptiveDeltatFromTheFramesPeaks) {
   EXPECT_NEAR(k.cfg.deltat, 0.3 * std::min(0.25 / 2.0, 0.25 / 0.5), 1e-12);
   EXPECT_NEAR(k.cfg.maxCfl, 0.3, 1e-12) << "the step meets the target Courant number";
 
-  k.cfg.fixedDeltat = 1;
-  k.cfg.deltat = 0.5;
+  k.cfg.fixedDeltat = 1, k.cfg.deltat = 0.5;
   drawFrame(k.scene, k.cfg, k.views, 1);
   EXPECT_EQ(k.cfg.deltat, 0.5) << "a given deltat is never adapted";
 }
 
 TEST(FrameTimeStep, ADivergedFieldKeepsTheNumbersFinite) {
   smallCase k(5, 5);
-  k.cfg.cfl = 0.25;
-  k.cfg.ts = 50;
+  k.cfg.cfl = 0.25, k.cfg.ts = 50;
   fill<double>(k.u, 1.0);
   k.u(1, 1, 0) = std::numeric_limits<double>::quiet_NaN();
   k.v(3, 3, 0) = std::numeric_limits<double>::infinity();
@@ -199,14 +195,11 @@ TEST(StatusText, PanelAndTitleLinesKeepTheirColumnsAndTheRemainingTime) {
 
 TEST(StatusText, StepTimeIsSmoothedOnlyWhileRunning) {
   appConfig cfg;
-  cfg.sts = 100;
+  cfg.sts = 100, cfg.ts = 101, cfg.stepMsSmoothed = 5.0;
   cfg.solveStartMs = 1000, cfg.solveEndMs = 1030, cfg.drawEndMs = 1040;  // 30 + 10 ms
-  cfg.stepMsSmoothed = 5.0;
-  cfg.ts = 101;
   smoothStepTime(cfg);
   EXPECT_EQ(cfg.stepMsSmoothed, 40.0) << "the first step after the start takes the raw sum";
-  cfg.ts = 102;
-  cfg.solveEndMs = 1009, cfg.drawEndMs = 1010;  // 9 + 1 ms
+  cfg.ts = 102, cfg.solveEndMs = 1009, cfg.drawEndMs = 1010;  // 9 + 1 ms
   smoothStepTime(cfg);
   EXPECT_DOUBLE_EQ(cfg.stepMsSmoothed, (20.0 * 40.0 + 10.0) / 21.0);
   const double before = cfg.stepMsSmoothed;

@@ -146,9 +146,7 @@ TEST_F(shortcuts, eachRowChangesItsFlag) {
     SCOPED_TRACE(row.what);
     cfg = appConfig{};
     cfg.lastKeyMs = nowMs() - cfg.keyDelayMs - 1;
-    cfg.cmode = row.cmode;
-    cfg.nz = row.nz;
-    cfg.*row.flag = row.before;
+    cfg.cmode = row.cmode, cfg.nz = row.nz, cfg.*row.flag = row.before;
     resetInputState(input);
     EXPECT_EQ(press(row.keys), 1);
     EXPECT_EQ(cfg.*row.flag, row.after);
