@@ -1,6 +1,7 @@
 // Streamline steps equal, bit for bit, a plain integration through the grid sampler written from its interface.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -72,17 +73,13 @@ steps reference(const swirl& s, point seed, double vmax, int maxSteps) {
     if (!(speed / vmax >= 0.01)) break;
     point q = p;
     bool inside = true;
+    int node[3] = {0, 0, 0};
     for (int a = 0; a < s.dims; ++a) {
       q[a] = p[a] + vel[a] * scale;
       inside = inside && q[a] >= coord[a]->front() && q[a] <= coord[a]->back();
+      node[a] = std::clamp(static_cast<int>(std::floor((q[a] - coord[a]->front()) / h[a] + 0.5)), 0, n[a] - 1);
     }
-    if (!inside) break;
-    int node[3] = {0, 0, 0};
-    for (int a = 0; a < s.dims; ++a) {
-      const int nearest = static_cast<int>(std::floor((q[a] - coord[a]->front()) / h[a] + 0.5));
-      node[a] = nearest < 0 ? 0 : (nearest > n[a] - 1 ? n[a] - 1 : nearest);
-    }
-    if (s.solid(node[0], node[1], node[2]) != 0) break;
+    if (!inside || s.solid(node[0], node[1], node[2]) != 0) break;
     out.taken.push_back({p, q});
     p = q;
   }
