@@ -30,26 +30,16 @@ inline std::filesystem::path copyExample(const std::string& example) {
   return folder;
 }
 
-// Sets every "NNN:key value" line of each key; a key without one goes before "#End of file".
+// Sets every "NNN:key value" line of each key given (a key may stand twice).
 inline void setParameters(const std::filesystem::path& folder, const std::map<std::string, std::string>& values) {
   std::istringstream lines(readText(folder / "input" / "param.txt"));
-  std::map<std::string, std::string> missing = values;
   std::string text, line;
-  auto addMissing = [&] {
-    for (const auto& [key, value] : missing) text += "099:" + key + " " + value + "\n";
-    missing.clear();
-  };
   while (std::getline(lines, line)) {
     const std::size_t colon = line.find(':'), end = line.find(' ', colon);
     const auto value = colon == std::string::npos ? values.end() : values.find(line.substr(colon + 1, end - colon - 1));
-    if (value != values.end()) {
-      line = line.substr(0, colon + 1) + value->first + " " + value->second;
-      missing.erase(value->first);
-    }
-    if (line.starts_with("#End of file")) addMissing();
+    if (value != values.end()) line = line.substr(0, colon + 1) + value->first + " " + value->second;
     text += line + "\n";
   }
-  addMissing();
   writeText(folder / "input" / "param.txt", text);
 }
 

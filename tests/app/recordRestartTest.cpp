@@ -20,6 +20,8 @@ namespace fs = std::filesystem;
 // The thermo example recording from step 0: probes at two points, both walls' force and heat loss.
 fs::path recordingProject() {
   const fs::path folder = marvtest::copyExample("thermo2d");
+  marvtest::writeText(folder / "input" / "param.txt",
+                      "001:sts 0\n" + marvtest::readText(folder / "input" / "param.txt"));
   marvtest::setParameters(folder, {{"nx", "21"}, {"ny", "21"}, {"deltat", "0.002"}, {"nfig", "0"}});
   std::ofstream(folder / "input" / "viz.txt", std::ios::app)
       << "probeRecordInterval 5\nnumProbes 2\nforceRecInterval 5\nshowForce 1\nnumRecForce 2\n"
