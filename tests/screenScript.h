@@ -75,22 +75,17 @@ inline bool& runActive() {
 
 struct scriptedRun {
   explicit scriptedRun(std::vector<marv::inputFrame> frames) {
-    static bool installed = false;
-    if (!installed) {
-      installed = true;
-      std::atexit([] {
-        if (runActive()) {
-          std::fprintf(stderr, "the screen did not decide before its script ended\n");
-          _exit(1);
-        }
-      });
-    }
+    [[maybe_unused]] static const int installed = std::atexit([] {
+      if (runActive()) {
+        std::fprintf(stderr, "the screen did not decide before its script ended\n");
+        _exit(1);
+      }
+    });
     runActive() = true;
     // Two quiet frames at the end: a screen's last decision needs one frame more.
     const marv::inputFrame rest =
         frames.empty() ? marv::inputFrame{} : pointer(frames.back().mouseX, frames.back().mouseY);
-    frames.push_back(rest);
-    frames.push_back(rest);
+    frames.insert(frames.end(), 2, rest);
     // A quiet frame first, so that nothing held by an earlier script reaches the screen.
     frames.insert(frames.begin(), rest);
     marv::setInputScript(std::move(frames), true);

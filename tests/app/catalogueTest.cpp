@@ -68,16 +68,6 @@ TEST(catalogue, everyUsedNumberHasTwoTextsThatAgreeInAccessLettersPlaceholdersAn
   EXPECT_EQ(catalogueText(INT_MIN, false) + catalogueText(INT_MAX, true), "");
 }
 
-TEST(catalogue, theProceedHintTheDropWordAndTheFileMenuByteForByte) {
-  EXPECT_EQ(catalogueText(34, false), "Enter/right-arrow button : Proceed");
-  EXPECT_EQ(catalogueText(35, false), "ESC/return button: Cancel");
-  // "ここにドロップする": hiragana ko is U+3053, E3 81 93 in UTF-8 (not Shift-JIS 82 B1).
-  const std::string drop = catalogueText(37, true);
-  EXPECT_EQ(drop.substr(0, 6), "\xE3\x81\x93\xE3\x81\x93");
-  EXPECT_EQ(utf8Length(drop), 9);
-  EXPECT_EQ(catalogueText(5, true), "\xE3\x83\x95\xE3\x82\xA1\xE3\x82\xA4\xE3\x83\xAB (&F)");  // ファイル (&F)
-}
-
 std::set<int> languageHandles(const marv::appConfig& c) {
   return {c.fontBody, c.fontBold, c.fontTiny, c.fontCaption, c.fontHeading, c.fontTitle};
 }
