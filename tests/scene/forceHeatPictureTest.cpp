@@ -12,7 +12,6 @@
 #include "app/driver.h"
 #include "layer/inputScript.h"
 #include "layer/layer.h"
-#include "renderSupport.h"
 #include "scene/savedPicture.h"
 
 namespace {

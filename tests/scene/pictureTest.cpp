@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "layer/layer.h"
-#include "renderSupport.h"
 #include "scene/colourScale.h"
 #include "scene/savedPicture.h"
 #include "testSupport.h"

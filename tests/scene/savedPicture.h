@@ -1,15 +1,6 @@
 // Picture test helpers: the off-screen layer, a short batch run that saves its image, and the saved JPEG read back.
 #pragma once
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
-#pragma GCC diagnostic ignored "-Wunused-function"
-#pragma GCC diagnostic ignored "-Wsign-compare"
-#define STB_IMAGE_STATIC
-#define STB_IMAGE_IMPLEMENTATION
-#include <stb/stb_image.h>
-#pragma GCC diagnostic pop
-
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -20,6 +11,7 @@
 
 #include "batchRun.h"
 #include "layer/layer.h"
+#include "renderSupport.h"
 #include "testSupport.h"
 
 namespace marvtest {
