@@ -99,7 +99,6 @@ TEST(fontSet, japaneseScreensTakeTheFirstInstalledJapaneseFaceOrLeaveTheLanguage
   EXPECT_TRUE(marv::fontExists("meiryo  ", -1)) << "case and trailing blanks do not matter";
   EXPECT_FALSE(marv::fontExists("No Such Face", -1));
   EXPECT_STREQ(marv::languageFace(true), "Meiryo UI");
-
   marv::appConfig cfg;
   cfg.uiJapanese = 1;
   // No font at all: the language fonts are not made, the fixed ones still asked for, nothing breaks.

@@ -167,7 +167,6 @@ TEST(RunProgress, LineCarriesStepTimeResidualRateAndTimeLeftButNoResidualOnceDiv
   for (const char* part : {"step 100/1000", "dt=1.000e-03", "residual=2.000e-07", "sweeps=40", "left 0:01:30"})
     EXPECT_NE(text.find(part), std::string::npos) << part << " (900 steps at 10 per second) in " << text;
   EXPECT_NE(progressLine(cfg, 100, 0.0).find("left --"), std::string::npos) << "no rate yet";
-
   cfg.presResidual = 0.0, cfg.presIterations = 0, cfg.diverged = 1, cfg.divergedStep = 37;
   const std::string diverged = progressLine(cfg, 36, 10.0);
   EXPECT_NE(diverged.find("DIVERGED at step 37"), std::string::npos) << diverged;

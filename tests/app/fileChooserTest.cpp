@@ -21,7 +21,6 @@ TEST(FileChooser, ListsFoldersFirstThenInputFilesAndAProjectFolderStandsForItsPa
   EXPECT_EQ(listChoosable(root.string()),
             (std::vector<std::string>{"alpha/", "case/", "zeta/", "bc.stl", "bcXY0.BMP", "param.txt"}));
   EXPECT_TRUE(listChoosable((root / "missing").string()).empty());
-
   const std::string param = (root / "case" / "input" / "param.txt").string();
   EXPECT_EQ(resolveChosenPath((root / "case").string(), false), param);
   EXPECT_EQ(resolveChosenPath((root / "case" / ".." / "case" / "").string(), false), param);

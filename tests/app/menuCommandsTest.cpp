@@ -46,7 +46,6 @@ class menuCommandsTest : public ::testing::Test {
   std::string requests() const {
     return state.chosenFilePath + " " + std::to_string(state.newProjectRequest) + std::to_string(state.analysisRequest);
   }
-
   void SetUp() override {
     script = dialogScript{};
     messages.clear();
@@ -84,13 +83,11 @@ TEST_F(menuCommandsTest, aCancelledOrMissingDialogOrNoStartDirectoryLeavesTheReq
   marv::windowHook(40006, &hook);
   EXPECT_EQ(requests(), " 01") << "the path is cleared before the dialog";
   EXPECT_TRUE(messages.empty());
-
   script.result = -2;  // no dialog program on this desktop
   marv::windowHook(40009, &hook);
   EXPECT_EQ(state.analysisRequest, 1);
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_NE(messages[0].find("zenity"), std::string::npos);
-
   // Without a start directory an existing project is refused.
   state.startDirectory.clear();
   script.result = 0;

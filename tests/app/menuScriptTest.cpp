@@ -44,7 +44,6 @@ class menuScriptTest : public ::testing::Test {
     marv::setMenuCommandReceiver(record, nullptr);
   }
   void TearDown() override { marv::stopLayer(); }
-
   // Plays one frame; what the screens saw of the left button in it.
   int play(const inputFrame& f) {
     marv::setInputScript({f}, false);
@@ -132,7 +131,6 @@ TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   stages.onePass = true;
   stages.writeHistory = false;
   stages.splash = false;
-
   // File, Load, In Simulation Mode: the pass goes on with the path, the project commands greyed.
   state.analysisRequest = 1;
   marv::setInputScript(fileMenuKeys({letterL, letterS}), false);
@@ -142,7 +140,6 @@ TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   EXPECT_EQ(std::filesystem::current_path(), start);
   EXPECT_FALSE(windowClosed);
   EXPECT_EQ(greyedDuringThePass, 3) << "the project commands are greyed";
-
   // File, Exit ends the process's loop at the next message handling.
   marv::setWindowMenu(101);
   marv::installMenuHook(hook);

@@ -58,7 +58,6 @@ TEST(RecordRestart, RecordsContinueLineForLineAsAnUninterruptedRun) {
   ASSERT_EQ(std::count(expected[0].begin(), expected[0].end(), '\n'), 1 + 9) << "head line and steps 0, 5 .. 40";
   EXPECT_EQ(expected[0].find("      Black_flag "), expected[0].rfind("      Black_flag ")) << "one head line";
   EXPECT_NE(expected[1].find("\n          40 "), std::string::npos);
-
   // Stopped at step 20, dying while writing step 25, and continued from dump 20: the half lines go.
   const fs::path split = recordingProject();
   runSteps(split, 0, 20, 20);

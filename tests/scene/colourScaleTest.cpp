@@ -68,7 +68,6 @@ TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
     scanRange(field, solid, false, lo, hi);
     EXPECT_EQ(std::pair(lo, hi), std::pair(low, high)) << flat;
   }
-
   // A solid node's value counts only when solids are asked for.
   fill<double>(field, 1.0);
   field(2, 1, 0) = 40.0;
@@ -78,7 +77,6 @@ TEST(RangeScan, FlatFieldsAreWidenedAndSolidsLeftOut) {
   EXPECT_EQ(hi, 1.0);
   scanRange(field, solid, true, lo, hi);
   EXPECT_EQ(std::pair(lo, hi), std::pair(-2.0, 40.0));
-
   // Diverged nodes never stretch the range.
   fill<int>(solid, 0);
   field(1, 0, 0) = nan;

@@ -24,7 +24,6 @@ TEST(arrows, LengthFollowsTheSpeedBetweenAFifthAndTheWhole) {
   EXPECT_NEAR(std::hypot(b.headX - b.tailX, b.headY - b.tailY), 8.0, 1e-4);
   EXPECT_FALSE(makeArrow2d(0.0, 0.0, 0.0, 5.0, 4, 10, 0.0, 0.0, b)) << "at rest";
   EXPECT_FALSE(makeArrow2d(std::nan(""), 1.0, 0.0, 5.0, 4, 10, 0.0, 0.0, b)) << "not a number";
-
   const double along[3] = {2.0, 0.1, 0.0}, inflow[3] = {1.0, 0.05, 0.0}, plain[3] = {1.0, 1.0, 1.0};
   EXPECT_NEAR(inflowCorrelation(along, inflow), 1.0, 1e-12);
   EXPECT_TRUE(std::isnan(inflowCorrelation(along, plain))) << "an inflow with no spread";
@@ -48,7 +47,6 @@ TEST(tracers, AUniformStreamCarriesThemByVelocityTimesStepAndFreesThemAtTheBound
   EXPECT_NEAR(speed[0], std::hypot(0.5, 0.25), 1e-12);
   EXPECT_EQ((std::vector<double>{double(state[0]), double(state[1]), speed[1]}), (std::vector<double>{0, 1, 0}))
       << "the second one crossed x = 1 and stands";
-
   for (int n = 0; n < u.count(); ++n) u[n] = 0.005, v[n] = 0.0;
   advanceParticles(cfg, sample, 2, 0.04, 0.0, 1.0, 1, position, speed, state);
   EXPECT_EQ(state[0], 1) << "slower than 1% of the speed range";
@@ -79,7 +77,6 @@ TEST(planePicking, TheWheelMovesTheNearestPlaneWithinTheMeshAndClicksAddOrRemove
   scene.hitDistanceXY = 10.0;
   selectPlaneAndProbe(scene, cfg);
   EXPECT_EQ(scene.planeK, 4) << "without Shift the wheel is the camera's";
-
   scene.sceneScale = 100.0, scene.originX = 20, scene.originY = 10;
   cfg.leftClick = 1, cfg.shiftDown = 1, cfg.wheelDelta = 0.0f;
   for (int n = 0; n < 11; ++n) {

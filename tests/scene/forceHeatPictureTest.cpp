@@ -110,7 +110,6 @@ void runExample(const char* example, int bodyColour, int inletColour) {
   body = bodyColour, inlet = inletColour, cycle = 0;
   driverState state;
   ASSERT_EQ(runDriver(stages, state), 0);
-
   mouseX = bodyX, mouseY = bodyY;
   for (const char* step : {"00000004", "00000008"}) {
     SCOPED_TRACE(step);

@@ -25,7 +25,6 @@ struct smallCase {
   sceneView scene;
   ownedArray3d<double> u, v, w, p, y, display, a, b, c, rho, t;
   fieldViews views{};
-
   smallCase(int nx, int ny, bool thermo = false) {
     marv::testing::setGrid(cfg, nx, ny, 1);
     constructDomain(domain, cfg);
@@ -114,7 +113,6 @@ TEST(FrameTimeStep, AdaptiveDeltatFromTheFramesPeaks) {
   drawFrame(k.scene, k.cfg, k.views, 1);
   EXPECT_NEAR(k.cfg.deltat, 0.3 * std::min(0.25 / 2.0, 0.25 / 0.5), 1e-12);
   EXPECT_NEAR(k.cfg.maxCfl, 0.3, 1e-12) << "the step meets the target Courant number";
-
   k.cfg.fixedDeltat = 1, k.cfg.deltat = 0.5;
   drawFrame(k.scene, k.cfg, k.views, 1);
   EXPECT_EQ(k.cfg.deltat, 0.5) << "a given deltat is never adapted";
@@ -130,7 +128,6 @@ TEST(FrameTimeStep, ADivergedFieldKeepsTheNumbersFinite) {
   EXPECT_NEAR(k.cfg.deltat, 0.25 * 0.25 / 1.0, 1e-12) << "the diverged nodes are left out of the peaks";
   EXPECT_EQ(k.scene.stats.nonFiniteNodes, 2) << "yet the run can tell that it diverged";
   EXPECT_TRUE(std::isfinite(k.cfg.maxCfl));
-
   // Nothing finite at all: the frame still draws and the step stays a number.
   fill<double>(k.u, std::numeric_limits<double>::quiet_NaN());
   drawFrame(k.scene, k.cfg, k.views, 1);
@@ -146,14 +143,12 @@ TEST(VelocityStatistics, PeaksStillFluidRoundingAndValuesThatAreNotFinite) {
   // The negative extreme counts by magnitude; an empty w counts as 0.
   EXPECT_EQ((std::vector<double>{s.peakU, s.peakV, s.peakW, s.maxSpeed, s.minSpeed}),
             (std::vector<double>{4.0, 0.5, 0.0, 4.0, 0.0}));
-
   ownedArray3d<double> still(4, 4, 4);
   EXPECT_DOUBLE_EQ(marv::adaptiveDeltat(0.25, 0.1, 0.2, marv::scanVelocity(still, still, still)), 2500.0)
       << "still fluid";
   ownedArray3d<double> one(1, 1, 1);
   one(0, 0, 0) = 1.0 + 1e-12;
   EXPECT_EQ(marv::scanVelocity(one, one, one).peakU, 1.0) << "values are rounded to single precision";
-
   // max and min pass over NaN, so one NaN among calm values would otherwise look like a calm field.
   for (double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300}) {
     for (int component = 0; component < 3; ++component) {
@@ -179,16 +174,13 @@ TEST(StatusText, PanelAndTitleLinesKeepTheirColumnsAndTheRemainingTime) {
   EXPECT_STREQ(line, "1.5000e+00 s | 000042 steps | 007 iters | 1.250e-06 er");
   formatStatusLine2(line, sizeof line, 0.0, 1234567, 1000, -1.0e10);
   EXPECT_STREQ(line, "0.0000e+00 s | 1234567 steps | 1000 iters | -1.000e+10 er");
-
   const remainingTime left = timeLeft(1000, 0, 3723);  // 3723 s
   EXPECT_EQ(hms(left), std::tuple(1, 2, 3));
   formatTitleLine(line, sizeof line, "Marvanesse+ (2021R3.0) | cyl | Simulation Mode", 1.0e-3, 0.25, 3723, left);
   EXPECT_STREQ(line,
                "Marvanesse+ (2021R3.0) | cyl | Simulation Mode | dt:1.00e-03 s | max{CFL}:0.25 | CPU:3723 ms | "
                "Remaining:01h:02m:03s");
-
   EXPECT_EQ(hms(timeLeft(10, 12, 1000)), std::tuple(0, 0, -2)) << "two steps beyond the end";
-
   // 3e9 ms does not fit the 32-bit product: it wraps to -1294967296 ms.
   EXPECT_EQ(hms(timeLeft(3000000, 0, 1000)), std::tuple(-359, (-1294967 % 3600) / 60, -1294967 % 60));
 }

@@ -46,7 +46,6 @@ TEST_F(frameInput, clicksNeedTheReleaseWhereThePressWasForLeftAndTheLastHeldPlac
   step(frameAt(50, 40, mouseLeft));
   step(frameAt(51, 40));
   EXPECT_EQ(cfg.leftClick, 0) << "one pixel off is no click";
-
   step(frameAt(10, 10, mouseRight));
   step(frameAt(20, 20, mouseRight));
   EXPECT_EQ(cfg.rightDrag, 1);
@@ -137,10 +136,7 @@ TEST_F(shortcuts, eachRowChangesItsFlag) {
       {"Z X", {keyZ, keyX}, &appConfig::showCrosssectionXZFlag, 0, 1},
       {"X Y Z is XY", {keyX, keyY, keyZ}, &appConfig::showCrosssectionXYFlag, 0, 1},
       {"X alone", {keyX}, &appConfig::showCrosssectionXZFlag, 0, 0},
-      {"Esc", {keyEsc}, &appConfig::quitPromptFlag, 0, 1},
       {"Enter", {keyEnter}, &appConfig::quitPromptFlag, 1, 0},
-      {"right", {keyRight}, &appConfig::analysisDirection, 0, 1},
-      {"left", {keyLeft}, &appConfig::analysisDirection, 1, -1},
   };
   for (const shortcutRow& row : rows) {
     SCOPED_TRACE(row.what);
@@ -172,7 +168,6 @@ TEST_F(shortcuts, aPressActsOnceAndOnlyWhereARowActedAndQuitNeedsThePrompt) {
   EXPECT_EQ(step(frameAt(5, 5)), 1) << "a confirmation without the prompt ends nothing";
   cfg.quitPromptFlag = 1;
   EXPECT_EQ(step(frameAt(5, 5)), -1);
-
   cfg.quitPromptFlag = 0;
   step(frameAt(5, 5, 0, {key2}));
   step(frameAt(5, 5, 0, {key2, key3}));
@@ -190,7 +185,6 @@ TEST_F(shortcuts, aPressActsOnceAndOnlyWhereARowActedAndQuitNeedsThePrompt) {
   EXPECT_EQ(cfg.quitPromptFlag, 0) << "spent until released";
   press({keyEsc});
   EXPECT_EQ(cfg.quitPromptFlag, 1);
-
   // Typing into a field is no shortcut.
   const int field = makeTextInput(40, 1, 0, 0, 0, 0);
   activateTextInput(field);

@@ -85,7 +85,6 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   const std::vector<double> bc = readRaw(folder / "dump" / name / "bc.raw", nx * ny);
   ASSERT_FALSE(u.empty());
   ASSERT_FALSE(bc.empty());
-
   // 2D layout: 720/241 = 2 pixels a cell, 120 pixels a metre; margins 10 left, 30 on top.
   const double perMetre = 2.0 / (4.0 / 240.0);
   auto pixelX = [&](int i) { return static_cast<int>(i * (4.0 / 240.0) * perMetre + 10 + 0.5); };
@@ -117,7 +116,6 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
     }
   EXPECT_GT(compared, 1000);
   EXPECT_GE(matched, compared * 98 / 100) << matched << " of " << compared << " cells in their colour";
-
   // The outline: the first node inside the wall on the middle row is where the black iso-line crosses.
   const int jc = ny / 2;
   int inside = -1;

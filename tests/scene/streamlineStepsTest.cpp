@@ -112,7 +112,6 @@ TEST(streamlineSteps, LinesFollowTheSamplerToTheLastBitIn3dAnd2d) {
   // A short limit, and a slow reference speed that stops nothing.
   expectSameSteps(s, seeds[1], 1.9, 7);
   expectSameSteps(s, seeds[1], 0.5, 400);
-
   swirl f(31, 19, 1);
   const appConfig& d = f.cfg;
   for (const point& seed :
