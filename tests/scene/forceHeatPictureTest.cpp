@@ -13,6 +13,7 @@
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "scene/savedPicture.h"
+#include "screenScript.h"
 
 namespace {
 
@@ -82,10 +83,8 @@ void followPlan(appConfig& cfg, bool final) {
   const bool onInlet = inlet && cycle >= 10 && cycle <= 12;
   aimAt(cfg, onInlet ? inlet : body);
   if (!onInlet) bodyX = mouseX, bodyY = mouseY;
-  inputFrame f;
-  f.mouseX = mouseX, f.mouseY = mouseY;
-  f.buttons = cycle == 6 || ((cycle == 11 || cycle == 14) && inlet) ? mouseLeft : 0;
-  setInputScript({f}, false);
+  const bool down = cycle == 6 || ((cycle == 11 || cycle == 14) && inlet);
+  setInputScript({marvtest::frameAt(mouseX, mouseY, down ? mouseLeft : 0)}, false);
 }
 
 // Share of the pixels of a rectangle within 60 of the colour in every channel.

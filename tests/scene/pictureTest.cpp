@@ -17,13 +17,9 @@ namespace {
 
 using namespace marv;
 
-using marvtest::picture;
-
-// The scale: blue, cyan, green-yellow, red in three ramps over 0..765.
-void expectedColour(double value, double lo, double hi, int rgb[3]) {
-  double q = (value - lo) / (hi - lo) * 31.0;
-  q = q < 0.0 ? 0.0 : (q > 31.0 ? 31.0 : q);
-  const int c = static_cast<int>(static_cast<int>(q) / 31.0 * 765.0);
+// The scale's colour k of 0..31: blue, cyan, green-yellow, red in three ramps over 0..765.
+void expectedColour(int k, int rgb[3]) {
+  const int c = static_cast<int>(k / 31.0 * 765.0);
   if (c < 256)
     rgb[0] = 0, rgb[1] = c, rgb[2] = 255;
   else if (c <= 510)
@@ -76,15 +72,14 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
   const auto folder =
       marvtest::runExample("cylinder2d", {{"latts", "30"}, {"nfig", "30"}, {"nfile", "30"}, {"domx", "720"}},
                            "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue 0\nmanualMaxFlag 1\nmanualMaxValue 1.6\n");
-  picture shot;
+  marvtest::picture shot;
   const std::string name = "00000030";
   ASSERT_TRUE(shot.read((folder / "figs" / (name + ".jpg")).string()));
   const int nx = 241, ny = 61;
   const std::vector<double> u = readRaw(folder / "dump" / name / "ufld.raw", nx * ny);
   const std::vector<double> v = readRaw(folder / "dump" / name / "vfld.raw", nx * ny);
   const std::vector<double> bc = readRaw(folder / "dump" / name / "bc.raw", nx * ny);
-  ASSERT_FALSE(u.empty());
-  ASSERT_FALSE(bc.empty());
+  ASSERT_FALSE(u.empty() || v.empty() || bc.empty());
   // 2D layout: 720/241 = 2 pixels a cell, 120 pixels a metre; margins 10 left, 30 on top.
   const double perMetre = 2.0 / (4.0 / 240.0);
   auto pixelX = [&](int i) { return static_cast<int>(i * (4.0 / 240.0) * perMetre + 10 + 0.5); };
@@ -108,7 +103,7 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
           plain = plain && cellIndex(i + di, j + dj) == cellIndex(i, j) && bc[i + di + nx * (j + dj)] == 0.0;
       if (!plain) continue;
       int want[3];
-      expectedColour(meanSpeed(i, j), lo, hi, want);
+      expectedColour(cellIndex(i, j), want);
       const unsigned char* got = shot.at(pixelX(i) + 1, pixelY(j + 1) + 1);
       ++compared;
       matched +=
@@ -137,7 +132,7 @@ TEST_F(pictureRender, DuctShowsItsPlanesInScaleColoursAndItsStreamlines) {
       "duct3d", {{"latts", "20"}, {"nfig", "20"}, {"nfile", "20"}},
       "showBoundaryFlagUser 0\nshowBoundaryFlagBlack 0\nshowCrosssectionXYFlag 1\nshowCrosssectionYZFlag 1\n"
       "showCrosssectionXZFlag 1\nshowStreamlineFlag 1\nshowCrosssectionVectorFlag 0\n");
-  picture shot;
+  marvtest::picture shot;
   ASSERT_TRUE(shot.read((folder / "figs" / "00000020.jpg").string()));
   const std::string kept = (std::filesystem::path(MARV_BUILD_DIR) / "duct3d-planes.png").string();
   EXPECT_NE(stbi_write_png(kept.c_str(), shot.width, shot.height, 3, shot.rgb.data(), shot.width * 3), 0) << kept;
