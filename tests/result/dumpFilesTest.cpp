@@ -156,76 +156,65 @@ TEST(Dump, ResamplesATwiceFinerMeshExactlyForLinearFields) {
   }
 }
 
-TEST(Dump, RefusalsLeaveFieldsUntouched) {
+TEST(Dump, RefusalsNameTheirCauseAndLeaveFieldsUntouched) {
   inProject project;
-  messages.clear();
   dumpCase written(5, 5, 1, 1.0, 1.0, 0.0);
   written.set([](int, double x, double, double) { return x; });
-  written.cfg.ts = 3;
-  marv::writeDump(written.cfg, written.views);
-
-  dumpCase other(5, 5, 1, 1.01, 1.0, 0.0);
-  other.cfg.showMessage = keepMessage;
-  EXPECT_EQ(marv::readDump(other.cfg, other.views, 3), -1) << "another domain size";
-  EXPECT_EQ(marv::readDump(other.cfg, other.views, 4), -1) << "no such dump";
-
+  for (int step : {2, 3, 4, 5}) written.cfg.ts = step, marv::writeDump(written.cfg, written.views);
   marvtest::writeText(marv::dumpFolder(3) + "/vfld.raw", std::string(100, 'x'));
-  dumpCase read(5, 5, 1, 1.0, 1.0, 0.0);
-  read.cfg.showMessage = keepMessage;
-  read.set([](int, double, double, double) { return -7.0; });
-  // Each refusal names its cause and reads nothing.
-  auto refused = [&](int step, const char* named) {
-    SCOPED_TRACE(named);
-    const std::size_t before = messages.size();
-    const double was = read.views[1](2, 2, 0);
-    EXPECT_EQ(marv::readDump(read.cfg, read.views, step), -1);
-    ASSERT_EQ(messages.size(), before + 1);
-    EXPECT_NE(messages.back().find(named), std::string::npos) << messages.back();
-    EXPECT_EQ(read.views[1](2, 2, 0), was) << "nothing was read";
-  };
-  refused(3, "vfld.raw");  // short
-  std::filesystem::remove(marv::dumpFolder(3) + "/vfld.raw");
-  refused(3, "incomplete (vfld.raw is missing)");
-  written.cfg.ts = 4;
-  marv::writeDump(written.cfg, written.views);
-  marvtest::writeText(marv::dumpFolder(4) + "/ufld.raw.tmp", "half");  // left of a killed write
-  refused(4, "ufld.raw.tmp");
-  std::filesystem::remove(marv::dumpFolder(4) + "/ufld.raw.tmp");
-  EXPECT_EQ(marv::readDump(read.cfg, read.views, 4), 1);
-  EXPECT_EQ(read.views[1](4, 0, 0), 1.0);
-
+  std::filesystem::remove(marv::dumpFolder(4) + "/vfld.raw");
+  marvtest::writeText(marv::dumpFolder(5) + "/ufld.raw.tmp", "half");  // left of a killed write
   marvtest::writeText(marv::dumpFolder(9) + "/info.txt",
                       "cmode: 0\ndeltat: 1\ntime: 0\nmesh: 1 5 1\nx: 0 1\ny: 0 1\nz: 0 0\n");
-  refused(9, "");  // a single point across x
   marvtest::writeText(marv::dumpFolder(10) + "/info.txt", "cmode: 0\ndeltat:");
-  refused(10, "");  // truncated info.txt
+  dumpCase read(5, 5, 1, 1.0, 1.0, 0.0), other(5, 5, 1, 1.01, 1.0, 0.0);
+  read.cfg.showMessage = other.cfg.showMessage = keepMessage;
+  read.set([](int, double, double, double) { return -7.0; });
+  const struct {
+    dumpCase* into;
+    int step;
+    const char* named;
+  } refusals[] = {{&other, 2, nullptr},    // another domain size
+                  {&read, 3, "vfld.raw"},  // short
+                  {&read, 4, "incomplete (vfld.raw is missing)"},
+                  {&read, 5, "ufld.raw.tmp"},
+                  {&read, 9, ""},         // a single point across x
+                  {&read, 10, ""},        // truncated info.txt
+                  {&read, 11, nullptr}};  // no such dump
+  for (const auto& r : refusals) {
+    SCOPED_TRACE(r.step);
+    messages.clear();
+    EXPECT_EQ(marv::readDump(r.into->cfg, r.into->views, r.step), -1);
+    if (!r.named) continue;  // refused without a message
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages.back().find(r.named), std::string::npos) << messages.back();
+  }
+  EXPECT_EQ(read.views[1](4, 2, 0), -7.0) << "nothing was read";
+  EXPECT_EQ(marv::readDump(read.cfg, read.views, 2), 1);
+  EXPECT_EQ(read.views[1](4, 0, 0), 1.0);
 }
 
 TEST(Dump, ARewrittenDumpIsReplacedWholeAndLeftoversGoAtTheStart) {
   inProject project;
   dumpCase c(4, 3, 1, 1.0, 1.0, 0.0);
   c.cfg.ts = 5;
-  c.set([](int, double, double, double) { return 1.0; });
-  ASSERT_TRUE(marv::writeDump(c.cfg, c.views));
-  c.set([](int, double, double, double) { return 2.0; });
-  ASSERT_TRUE(marv::writeDump(c.cfg, c.views)) << "a held step writes its dump again";
-  EXPECT_FALSE(std::filesystem::exists(marv::dumpFolder(5) + ".tmp"));
+  for (double value : {1.0, 2.0}) {
+    c.set([value](int, double, double, double) { return value; });
+    ASSERT_TRUE(marv::writeDump(c.cfg, c.views)) << "a held step writes its dump again";
+  }
   dumpCase read(4, 3, 1, 1.0, 1.0, 0.0);
   ASSERT_EQ(marv::readDump(read.cfg, read.views, 5), 1);
   EXPECT_EQ(read.views[marv::fieldU](3, 2, 0), 2.0) << "the second write stands";
 
   // What killed writes leave, beside a user's own file that merely ends in .tmp.
-  std::filesystem::create_directories(marv::dumpFolder(6) + ".tmp");
-  marvtest::writeText(marv::dumpFolder(6) + ".tmp/ufld.raw", "x");
-  marvtest::writeText(marv::dumpFolder(5) + "/pfld.raw.tmp", "x");
-  marvtest::writeText("dump/series.xmf.tmp", "x");
-  marvtest::writeText("input/param.txt.tmp", "x");
+  const std::vector<std::string> leftovers{marv::dumpFolder(6) + ".tmp/ufld.raw", marv::dumpFolder(5) + "/pfld.raw.tmp",
+                                           "dump/series.xmf.tmp", "input/param.txt.tmp"};
+  for (const std::string& name : leftovers) marvtest::writeText(name, "x");
   marvtest::writeText("input/notes.tmp", "mine");
   EXPECT_FALSE(marv::dumpIsWhole(5));
   marv::removeDumpLeftovers();
-  for (const std::string& gone : {marv::dumpFolder(6) + ".tmp", marv::dumpFolder(5) + "/pfld.raw.tmp",
-                                  std::string("dump/series.xmf.tmp"), std::string("input/param.txt.tmp")})
-    EXPECT_FALSE(std::filesystem::exists(gone)) << gone;
+  for (const std::string& gone : leftovers) EXPECT_FALSE(std::filesystem::exists(gone)) << gone;
+  EXPECT_FALSE(std::filesystem::exists(marv::dumpFolder(6) + ".tmp"));
   EXPECT_TRUE(std::filesystem::exists("input/notes.tmp"));
   EXPECT_TRUE(marv::dumpIsWhole(5)) << "the dump itself is untouched";
 }
@@ -246,47 +235,34 @@ TEST(Dump, ModeChangeGoesThroughResamplingAndKeepsMissingFields) {
 }
 
 // Reads the XDMF files back as a visualisation tool would: each binary data
-// item names a raw file whose size is the product of its dimensions times 8.
+// item names a raw file of 8 bytes times the product of its dimensions.
 TEST(Dump, XdmfFilesDescribeTheRawFiles) {
   inProject project;
   dumpCase c(6, 4, 3, 1.0, 1.0, 1.0);
   for (int step : {0, 5, 10}) {
-    c.cfg.ts = step;
-    c.cfg.time = step * 0.1;
+    c.cfg.ts = step, c.cfg.time = step * 0.1;
     marv::writeDump(c.cfg, c.views);
   }
-  // Each binary data item: its dimensions and the file it names.
-  struct dataItem {
-    long long bytes = 0;
-    std::string file;
-  };
-  auto binaryItems = [](const std::string& text) {
-    std::vector<dataItem> items;
-    const std::string open = "<DataItem Dimensions=\"";
+  auto check = [](const std::string& xmf, const std::filesystem::path& base, std::size_t expectedItems) {
+    const std::string text = marvtest::readText(xmf), open = "<DataItem Dimensions=\"";
+    std::size_t items = 0;
     for (std::size_t at = text.find(open); at != std::string::npos; at = text.find(open, at + 1)) {
-      const std::size_t end = text.find("</DataItem>", at);
-      const std::string item = text.substr(at, end - at);
+      const std::string item = text.substr(at, text.find("</DataItem>", at) - at);
       if (item.find("Format=\"Binary\" Endian=\"Little\"") == std::string::npos) continue;
       std::istringstream dims(item.substr(open.size()));
-      long long a = 0, b = 0, c = 0;
-      dims >> a >> b >> c;
-      items.push_back({a * b * c * 8, item.substr(item.find('>') + 1)});
+      long long a = 0, b = 0, d = 0;
+      dims >> a >> b >> d;
+      const std::string file = item.substr(item.find('>') + 1);
+      EXPECT_EQ(static_cast<long long>(std::filesystem::file_size(base / file)), a * b * d * 8) << file;
+      ++items;
     }
-    return items;
-  };
-  auto check = [&](const std::string& xmf, const std::filesystem::path& base, std::size_t expectedItems) {
-    const std::string text = marvtest::readText(xmf);
-    const std::vector<dataItem> items = binaryItems(text);
-    for (const dataItem& item : items)
-      EXPECT_EQ(static_cast<long long>(std::filesystem::file_size(base / item.file)), item.bytes) << item.file;
-    EXPECT_EQ(items.size(), expectedItems) << xmf;
+    EXPECT_EQ(items, expectedItems) << xmf;
     return text;
   };
   check(marv::dumpFolder(5) + "/dump.xmf", marv::dumpFolder(5), 6);  // u v w p massfr boundary
   const std::string series = check("dump/series.xmf", "dump", 18);
-  EXPECT_NE(series.find("CollectionType=\"Temporal\""), std::string::npos);
-  EXPECT_NE(series.find("<Time Value=\"0.5\"/>"), std::string::npos);
-  EXPECT_NE(series.find("Dimensions=\"3 4 6\""), std::string::npos) << "z, y, x order";
+  for (const char* part : {"CollectionType=\"Temporal\"", "<Time Value=\"0.5\"/>", "Dimensions=\"3 4 6\""})
+    EXPECT_NE(series.find(part), std::string::npos) << part;  // times, and z, y, x order
 }
 
 }  // namespace
