@@ -1,13 +1,12 @@
 // Long run (label "long"): de Vahl Davis (1983) heated cavity, hot-wall Nusselt number at Ra 1e4 and 1e5.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <string>
 
-#include "tests/solver/thermoCase.h"
+#include "tests/solver/cavityCase.h"
 
 namespace marv {
 namespace {
@@ -24,7 +23,6 @@ double publishedNusselt(const std::string& ra) {
 void verify(const std::string& raText, int n, double tolerance) {
   const double ra = std::stod(raText);
   testing::heatedCavity c(n, ra, 0.71, 1);
-  const auto start = std::chrono::steady_clock::now();
   // Steady when the Nusselt number changes by less than 1e-5 over one tenth
   // of the thermal diffusion time L^2/alpha.
   const double alpha = c.cfg.mu / c.cfg.rhow / c.cfg.pr;
@@ -35,17 +33,12 @@ void verify(const std::string& raText, int n, double tolerance) {
     for (int s = 0; s < block; ++s) c.advance();
     steps += block;
     const double next = c.hotWallNusselt();
-    std::printf("Ra %s: t = %.1f s, Nu = %.4f, sweeps %d\n", raText.c_str(), c.cfg.time, next, c.cfg.presIterations);
-    std::fflush(stdout);
     if (std::fabs(next - nu) < 1e-5 * next) settledAt = c.cfg.time;
     nu = next;
   }
-  const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   const double reference = publishedNusselt(raText);
-  std::printf(
-      "Ra %s on %d x %d: Nu %.4f, reference %.3f, deviation %.1f %%; steady at t = %.1f s after %d steps; "
-      "wall time %.1f s\n",
-      raText.c_str(), n, n, nu, reference, 100.0 * (nu - reference) / reference, settledAt, steps, wall);
+  std::printf("Ra %s on %d x %d: Nu %.4f, reference %.3f; steady at t = %.1f s after %d steps\n", raText.c_str(), n, n,
+              nu, reference, settledAt, steps);
   EXPECT_GT(settledAt, 0.0) << "no steady state within the step limit";
   EXPECT_NEAR(nu, reference, tolerance * reference);
 }

@@ -10,25 +10,7 @@
 namespace marv {
 namespace {
 
-struct openBox {
-  appConfig cfg;
-  bcDomain domain;
-  std::unique_ptr<incompSolver> solver;
-  // n^3 (or n^2 with nz = 1) fluid nodes, no walls: the outer planes only
-  // copy their inner neighbours.
-  openBox(int nx, int ny, int nz, int threads = 1) {
-    testing::setGrid(cfg, nx, ny, nz);
-    testing::setTiles(cfg, 1, 1, threads);
-    if (nz == 1) testing::setTiles(cfg, 1, threads, 1);
-    cfg.ibm = 0;
-    cfg.mu = 1e-3;
-    cfg.deltat = 1e-3;
-    setColourTables(cfg);
-    constructDomain(domain, cfg);
-    buildNodeLists(domain, cfg);
-    solver = std::make_unique<incompSolver>(cfg, domain);
-  }
-};
+using openBox = testing::openBox<incompSolver>;
 
 TEST(IncompSolver, UniformFlowStaysUniform) {
   for (int nz : {1, 7}) {
@@ -37,9 +19,9 @@ TEST(IncompSolver, UniformFlowStaysUniform) {
     setInitialFields(*b.solver);
     for (int s = 0; s < 20; ++s) b.solver->step();
     for (int n = 0; n < b.solver->ufld.count(); ++n) {
-      ASSERT_NEAR(b.solver->ufld[n], 0.7, 1e-12) << "nz=" << nz << " at n=" << n;
-      ASSERT_NEAR(b.solver->vfld[n], -0.2, 1e-12) << "nz=" << nz << " at n=" << n;
-      ASSERT_NEAR(b.solver->pfld[n], 0.0, 1e-9) << "nz=" << nz << " at n=" << n;
+      ASSERT_NEAR(b.solver->ufld[n], 0.7, 1e-12) << nz << " n=" << n;
+      ASSERT_NEAR(b.solver->vfld[n], -0.2, 1e-12) << nz << " n=" << n;
+      ASSERT_NEAR(b.solver->pfld[n], 0.0, 1e-9) << nz << " n=" << n;
     }
   }
 }
@@ -75,10 +57,9 @@ TEST(IncompSolver, TwoDimensionsLeaveWAloneAndSubGridOffWritesNoStress) {
 // The age of still fluid grows by deltat a step.
 TEST(IncompSolver, SpeciesBlobIsConservedAndAgeGrowsInAClosedBox) {
   for (int threads : {1, 2}) {
-    openBox b(17, 16, 1, threads);
-    b.cfg.speciesFlag = 1, b.cfg.ageFlag = 1;
-    b.cfg.sc = 0.5;
-    b.solver = std::make_unique<incompSolver>(b.cfg, b.domain);
+    openBox b(17, 16, 1, 0, threads);
+    b.cfg.speciesFlag = 1, b.cfg.ageFlag = 1, b.cfg.sc = 0.5;
+    b.start();
     setInitialFields(*b.solver);
     for (int j = 0; j < 16; ++j)
       for (int i = 0; i < 17; ++i) b.solver->yfld(i, j, 0) = std::exp(-((i - 8) * (i - 8) + (j - 7) * (j - 7)) / 6.0);
@@ -98,54 +79,22 @@ TEST(IncompSolver, SpeciesBlobIsConservedAndAgeGrowsInAClosedBox) {
   }
 }
 
-TEST(IncompSolver, CavityDevelopsAPrimaryVortexAndSettles) {
-  testing::cavityCase c(33, 100.0);
-  auto snapshot = [&] {
-    return std::vector<double>(c.solver->ufld.data, c.solver->ufld.data + c.solver->ufld.count());
-  };
-  auto change = [](const std::vector<double>& a, const std::vector<double>& b) {
-    double worst = 0.0;
-    for (std::size_t n = 0; n < a.size(); ++n) worst = std::max(worst, std::fabs(a[n] - b[n]));
-    return worst;
-  };
-  for (int s = 0; s < 100; ++s) c.advance();
-  const auto at100 = snapshot();
-  for (int s = 0; s < 200; ++s) c.advance();
-  const double earlyChange = change(at100, snapshot());
-  for (int s = 0; s < 500; ++s) c.advance();
-  const auto at800 = snapshot();
-  for (int s = 0; s < 200; ++s) c.advance();
-  EXPECT_LT(change(at800, snapshot()), 0.2 * earlyChange) << "the flow settles toward its steady state";
-  EXPECT_LT(c.maxDivergence(), 0.05) << "the core stays nearly free of divergence (velocity gradients are O(1))";
-  const int mid = 16;
-  // Primary vortex: return flow along the bottom half of the vertical
-  // centreline, up on the left and down on the right of the horizontal one.
-  EXPECT_LT(c.solver->ufld(mid, 8, 0), -0.05);
-  EXPECT_GT(c.solver->ufld(mid, 30, 0), 0.2);
-  EXPECT_GT(c.solver->vfld(6, mid, 0), 0.05);
-  EXPECT_LT(c.solver->vfld(26, mid, 0), -0.05);
-  EXPECT_EQ(c.solver->ufld(mid, 32, 0), 1.0) << "the lid";
-  EXPECT_EQ(c.solver->ufld(0, mid, 0), 0.0) << "the wall";
-}
-
-// A lid moving the other way gives the mirror image of the flow, up to the
-// pressure tolerance (the sweep order is not mirror-symmetric). One and two
-// threads agree to the same tolerance.
-TEST(IncompSolver, MirroredCavityAndThreadCountsAgree) {
-  testing::cavityCase right(17, 100.0, 1);
-  testing::cavityCase left(17, 100.0, 1, true);
-  testing::cavityCase twoThreads(17, 100.0, 2);
-  for (int s = 0; s < 100; ++s) {
-    right.advance();
-    left.advance();
-    twoThreads.advance();
-  }
-  for (int j = 0; j < 17; ++j)
-    for (int i = 0; i < 17; ++i) {
-      ASSERT_NEAR(right.solver->ufld(i, j, 0), -left.solver->ufld(16 - i, j, 0), 1e-6) << "at i=" << i << " j=" << j;
-      ASSERT_NEAR(right.solver->vfld(i, j, 0), left.solver->vfld(16 - i, j, 0), 1e-6) << "at i=" << i << " j=" << j;
-      ASSERT_NEAR(right.solver->ufld(i, j, 0), twoThreads.solver->ufld(i, j, 0), 1e-6) << "at i=" << i << " j=" << j;
-    }
+// The settled profiles are checked against published ones in a long run;
+// here the first steps: the primary vortex forms, the core stays nearly free
+// of divergence, and two threads follow one to the pressure tolerance.
+TEST(IncompSolver, CavityFormsAPrimaryVortexAlikeOnOneAndTwoThreads) {
+  testing::cavityCase one(33, 100.0, 1), two(33, 100.0, 2);
+  for (int s = 0; s < 300; ++s) one.advance(), two.advance();
+  EXPECT_LT(one.maxDivergence(), 0.05) << "velocity gradients are O(1)";
+  // Return flow along the bottom half of the vertical centreline, up on the
+  // left and down on the right of the horizontal one.
+  EXPECT_LT(one.solver->ufld(16, 8, 0), -0.05);
+  EXPECT_GT(one.solver->ufld(16, 30, 0), 0.2);
+  EXPECT_GT(one.solver->vfld(6, 16, 0), 0.05);
+  EXPECT_LT(one.solver->vfld(26, 16, 0), -0.05);
+  EXPECT_EQ(one.solver->ufld(16, 32, 0) - one.solver->ufld(0, 16, 0), 1.0) << "lid and wall";
+  for (int n = 0; n < one.solver->ufld.count(); ++n)
+    ASSERT_NEAR(one.solver->ufld[n], two.solver->ufld[n], 1e-6) << "at n=" << n;
 }
 
 }  // namespace

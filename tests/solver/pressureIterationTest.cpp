@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "domain/bcDomain.h"
-#include "tests/solver/pressureOnly.h"
+#include "tests/solver/cavityCase.h"
 #include "tests/testGrid.h"
 
 namespace marv {

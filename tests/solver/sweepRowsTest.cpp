@@ -9,7 +9,7 @@
 
 #include "domain/bcDomain.h"
 #include "solver/sweepRows.h"
-#include "tests/solver/pressureOnly.h"
+#include "tests/solver/cavityCase.h"
 #include "tests/testGrid.h"
 
 namespace marv {
