@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <limits>
-#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -52,30 +51,25 @@ struct poissonCase {
   }
 };
 
-// The same test bodies run with one thread and with two, split along each axis.
+// One thread, and two split along each axis.
 using layout = std::tuple<int, int, int>;
-const std::vector<layout> layouts2D{{1, 1, 1}, {2, 1, 1}, {1, 2, 1}};
-const std::vector<layout> layouts3D{{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}};
-
-std::string label(int n, int nz, const layout& l) {
-  auto [x, y, z] = l;
-  return " at n=" + std::to_string(n) + " nz=" + std::to_string(nz) + " tiles " + std::to_string(x) + "x" +
-         std::to_string(y) + "x" + std::to_string(z);
+std::vector<layout> layouts(int nz) {
+  if (nz == 1) return {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}};
+  return {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}};
 }
 
 TEST(PressureIteration, ManufacturedPoissonConvergesWithOneAndTwoThreads) {
   for (int n : {3, 7, 16, 17, 65})
-    for (int nz : {1, n}) {
-      if (nz > 17) continue;
-      for (const layout& l : nz == 1 ? layouts2D : layouts3D) {
-        poissonCase c(n, nz, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+    for (int nz : {1, n})
+      for (const auto& [x, y, z] : nz > 17 ? std::vector<layout>{} : layouts(nz)) {
+        SCOPED_TRACE(::testing::Message() << n << " " << nz << " tiles " << x << y << z);
+        poissonCase c(n, nz, x, y, z);
         c.cfg.peps = 1e-13, c.cfg.loopmax = 20000;
         c.solver->step();
-        EXPECT_TRUE(c.solver->converged) << label(n, nz, l);
-        EXPECT_EQ(c.cfg.presIterations % 20, 0) << label(n, nz, l);
-        EXPECT_LT(c.maxError(), 1e-9) << label(n, nz, l);
+        EXPECT_TRUE(c.solver->converged);
+        EXPECT_EQ(c.cfg.presIterations % 20, 0);
+        EXPECT_LT(c.maxError(), 1e-9);
       }
-    }
 }
 
 TEST(PressureIteration, TestsFallOnEveryTwentiethSweepAndTheComparisonIsStrict) {
@@ -122,22 +116,22 @@ TEST(PressureIteration, UnderRelaxationAveragesInteriorNodesWithTheOldPressure) 
     for (int i = 0; i < 16; ++i) {
       const bool inner = i > 0 && i < 15 && j > 0 && j < 15;
       const double expected = inner ? 0.5 * full.solver->pfld(i, j, 0) + 0.5 : full.solver->pfld(i, j, 0);
-      ASSERT_DOUBLE_EQ(half.solver->pfld(i, j, 0), expected) << " at i=" << i << " j=" << j;
+      ASSERT_DOUBLE_EQ(half.solver->pfld(i, j, 0), expected) << i << "," << j;
     }
 }
 
 TEST(PressureIteration, MeanRemovalOverAllNodesWithOneAndTwoThreads) {
   for (int nz : {1, 7})
-    for (const layout& l : nz == 1 ? layouts2D : layouts3D) {
-      poissonCase c(17, nz, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+    for (const auto& [x, y, z] : layouts(nz)) {
+      SCOPED_TRACE(::testing::Message() << nz << " tiles " << x << y << z);
+      poissonCase c(17, nz, x, y, z);
       long double sum = 0.0L;
       for (int n = 0; n < c.solver->pfld.count(); ++n) sum += c.solver->pfld[n] = std::sin(0.37 * n) + 3.0;
       const double mean = static_cast<double>(sum / c.solver->pfld.count());
-      EXPECT_NEAR(c.solver->removeMeanOnTeam(), mean, 1e-14) << label(17, nz, l);
-      EXPECT_NEAR(c.solver->pfld[5], std::sin(0.37 * 5) + 3.0 - mean, 1e-14) << label(17, nz, l);
+      EXPECT_NEAR(c.solver->removeMeanOnTeam(), mean, 1e-14);
       c.cfg.presAdjustFlag = 0;
       c.solver->removeMeanOnTeam();
-      EXPECT_NEAR(c.solver->pfld[5], std::sin(0.37 * 5) + 3.0 - mean, 1e-14) << " kept" << label(17, nz, l);
+      EXPECT_NEAR(c.solver->pfld[5], std::sin(0.37 * 5) + 3.0 - mean, 1e-14) << "removed once, then kept";
     }
 }
 
