@@ -1,7 +1,6 @@
 // Node lists and solidMask from hand-made bcFlag fields: which nodes enter each list, in which order, how often.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <tuple>
 #include <vector>
 
@@ -62,33 +61,6 @@ TEST(NodeLists, WallCellsRunByTypeThenKJIAndHonourPresenceNoFlowAndTypeNine) {
   EXPECT_EQ(c.domain.solidMask(1, 0, 0), 3) << "a no-flow inlet stays solid";
   EXPECT_EQ(c.domain.solidMask(2, 0, 0), 0) << "a flowing inlet is open";
   EXPECT_EQ(c.domain.solidMask(1, 2, 0), 5) << "an inlet colour with all velocities zero is solid";
-}
-
-TEST(NodeLists, EdgePairsPairEveryFaceNodeWithItsInnerNeighbour) {
-  for (int nx : {1, 2, 3, 7})
-    for (int ny : {1, 2, 3, 16})
-      for (int nz : {1, 2, 3, 17}) {
-        listCase c(nx, ny, nz);
-        const pairList pairs = makeEdgePairs(c.domain.bcFlag);
-        const std::size_t expected = 2 * ny * nz + 2 * nx * nz + (nz != 1 ? 2 * nx * ny : 0);
-        ASSERT_EQ(pairs.size(), expected) << " at " << nx << "x" << ny << "x" << nz;
-        for (std::size_t p = 0; p < pairs.size(); ++p) {
-          const edgePair& e = pairs[p];
-          const std::string where = " at pair " + std::to_string(p) + " of " + std::to_string(nx) + "x" +
-                                    std::to_string(ny) + "x" + std::to_string(nz);
-          // The group follows from the position in the list.
-          const int group = p < std::size_t(2 * ny * nz) ? 0 : p < std::size_t(2 * ny * nz + 2 * nx * nz) ? 1 : 2;
-          const int n[3] = {nx, ny, nz}, t[3] = {e.i, e.j, e.k}, s[3] = {e.si, e.sj, e.sk};
-          const bool low = p % 2 == 0;
-          ASSERT_EQ(t[group], low ? 0 : n[group] - 1) << where;
-          const int inner = low ? std::min(1, n[group] - 1) : std::max(n[group] - 2, 0);
-          ASSERT_EQ(s[group], inner) << where;
-          for (int a = 0; a < 3; ++a)
-            if (a != group) {
-              ASSERT_EQ(s[a], t[a]) << where << " axis " << a;
-            }
-        }
-      }
 }
 
 TEST(NodeLists, OpenCellsTakeFluidAndFreeInletComponentsPerGroup) {

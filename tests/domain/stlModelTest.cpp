@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "domain/modelPlacement.h"
 #include "domain/stlReader.h"
@@ -43,62 +45,6 @@ struct stlFile {
   }
 };
 
-TEST(StlReader, BinaryFormByItsSize) {
-  stlFile file;
-  bcSurface s;
-  EXPECT_EQ(file.read(binaryStl(0, 0), s).stored, 1) << "84 bytes with count 0: a model of no triangles";
-  EXPECT_EQ(s.numTriangles, 0);
-  EXPECT_EQ(file.read(binaryStl(3, 3, "solid made by a CAD program"), s, 1).stored, 1) << "solid header, binary size";
-  ASSERT_EQ(s.numTriangles, 3);
-  EXPECT_EQ(s.triangles[2].vertex[0][0], 2.0f);
-  EXPECT_EQ(s.triangles[1].normal[2], -1.0f) << "inward normals are negated";
-  EXPECT_EQ(file.read(binaryStl(4000000000u, 2), s).stored, 0) << "a count the size does not carry";
-  EXPECT_EQ(s.numTriangles, 3) << "a failed read keeps the model";
-  EXPECT_EQ(file.read("solid x\nendsolid\n", s).problem, stlProblem::tooShort);
-  std::string nan = binaryStl(1, 1);
-  const float bad = std::nanf("");
-  std::memcpy(nan.data() + 84 + 12, &bad, 4);
-  EXPECT_EQ(file.read(nan, s).problem, stlProblem::notFinite);
-  EXPECT_EQ(readStlFile(s, (file.folder / "none.stl").string(), 0).problem, stlProblem::missing);
-  EXPECT_TRUE(stlProblemText(stlProblem::missing, "x").empty());
-  EXPECT_FALSE(stlProblemText(stlProblem::notSolid, "x").empty());
-}
-
-TEST(StlReader, AsciiLayouts) {
-  stlFile file;
-  bcSurface s;
-  ASSERT_EQ(file.read("solid part\n" + facet(0) + facet(5) + "endsolid part\n", s, 1).stored, 1);
-  ASSERT_EQ(s.numTriangles, 2);
-  EXPECT_EQ(s.triangles[1].vertex[0][0], 5.0f);
-  EXPECT_EQ(s.triangles[0].normal[2], -1.0f);
-  EXPECT_FLOAT_EQ(s.triangles[1].centroid[0], 2.0f);
-
-  // Several solids: reading stops at the first endsolid; the facets counted
-  // from the later lines stay as zero triangles.
-  ASSERT_EQ(
-      file.read("solid a\n" + facet(1) + "endsolid a\nsolid b\n" + facet(2) + facet(3) + "endsolid b\n", s).stored, 1);
-  EXPECT_EQ(s.numTriangles, 3);
-  EXPECT_EQ(s.triangles[0].vertex[0][0], 1.0f);
-  EXPECT_EQ(s.triangles[1].vertex[0][0], 0.0f);
-
-  // Blank lines make the count too large (zero surplus); short facets make it
-  // too small, and the facet beyond it refuses the file.
-  EXPECT_EQ(file.read("solid a\n\n\n\n\n\n\n\n" + facet(1) + "endsolid\n", s).stored, 1);
-  EXPECT_EQ(s.numTriangles, 2);
-  std::string shortFacets = "solid a\n";
-  for (int f = 0; f < 12; ++f)
-    shortFacets += "facet normal 0 0 1\nouter loop\nvertex 0 0 0 vertex 1 0 0 vertex 0 1 0\nendloop\nendfacet\n";
-  EXPECT_EQ(file.read(shortFacets + "endsolid\n", s).problem, stlProblem::tooManyFacets);
-  EXPECT_EQ(s.numTriangles, 2) << "the refused file changed nothing";
-
-  EXPECT_EQ(file.read(std::string(200, 'x') + "\n", s).problem, stlProblem::notSolid);
-  EXPECT_EQ(file.read("solid " + std::string(100000, 'y') + "\n" + facet(1) + "endsolid\n", s).stored, 1)
-      << "a long line is cut, not a fault";
-  std::string infinite = facet(1);
-  infinite.replace(infinite.find("0 0 1"), 5, "0 0 inf");
-  EXPECT_EQ(file.read("solid a\n" + infinite + "endsolid\n", s).problem, stlProblem::notFinite);
-}
-
 bcSurface triangleModel() {
   bcSurface s;
   bcTriangle t;
@@ -108,6 +54,62 @@ bcSurface triangleModel() {
   s.triangles = {t};
   s.numTriangles = 1;
   return s;
+}
+
+TEST(StlReader, BothFormsAndTheirLayouts) {
+  stlFile file;
+  bcSurface s;
+  EXPECT_EQ(file.read(binaryStl(0, 0), s).stored, 1) << "84 bytes with count 0: a model of no triangles";
+  EXPECT_EQ(s.numTriangles, 0);
+  ASSERT_EQ(file.read(binaryStl(3, 3, "solid made by a CAD program"), s, 1).stored, 1) << "solid header, binary size";
+  ASSERT_EQ(s.numTriangles, 3);
+  EXPECT_EQ(s.triangles[2].vertex[0][0], 2.0f);
+  EXPECT_EQ(s.triangles[1].normal[2], -1.0f) << "inward normals are negated";
+
+  ASSERT_EQ(file.read("solid part\n" + facet(0) + facet(5) + "endsolid part\n", s, 1).stored, 1);
+  ASSERT_EQ(s.numTriangles, 2);
+  EXPECT_EQ(s.triangles[0].normal[2], -1.0f);
+  EXPECT_FLOAT_EQ(s.triangles[1].centroid[0], 2.0f);
+  // Several solids: reading stops at the first endsolid; the facets counted
+  // from the later lines stay as zero triangles.
+  ASSERT_EQ(
+      file.read("solid a\n" + facet(1) + "endsolid a\nsolid b\n" + facet(2) + facet(3) + "endsolid b\n", s).stored, 1);
+  EXPECT_EQ(std::tuple(s.numTriangles, s.triangles[0].vertex[0][0], s.triangles[1].vertex[0][0]),
+            std::tuple(3, 1.0f, 0.0f));
+  // Blank lines make the count too large (zero surplus).
+  EXPECT_EQ(file.read("solid a\n\n\n\n\n\n\n\n" + facet(1) + "endsolid\n", s).stored, 1);
+  EXPECT_EQ(s.numTriangles, 2);
+  EXPECT_EQ(file.read("solid " + std::string(100000, 'y') + "\n" + facet(1) + "endsolid\n", s).stored, 1)
+      << "a long line is cut, not a fault";
+}
+
+TEST(StlReader, BadFilesAreRefusedAndKeepTheModel) {
+  stlFile file;
+  std::string nan = binaryStl(1, 1), infinite = facet(1), shortFacets = "solid a\n";
+  const float bad = std::nanf("");
+  std::memcpy(nan.data() + 84 + 12, &bad, 4);
+  infinite.replace(infinite.find("0 0 1"), 5, "0 0 inf");
+  // Short facets make the count too small, and the facet beyond it refuses the file.
+  for (int f = 0; f < 12; ++f)
+    shortFacets += "facet normal 0 0 1\nouter loop\nvertex 0 0 0 vertex 1 0 0 vertex 0 1 0\nendloop\nendfacet\n";
+  const std::pair<std::string, stlProblem> badFiles[] = {
+      {binaryStl(4000000000u, 2), stlProblem::notSolid},  // a count the size does not carry
+      {"solid x\nendsolid\n", stlProblem::tooShort},
+      {nan, stlProblem::notFinite},
+      {shortFacets + "endsolid\n", stlProblem::tooManyFacets},
+      {std::string(200, 'x') + "\n", stlProblem::notSolid},
+      {"solid a\n" + infinite + "endsolid\n", stlProblem::notFinite}};
+  for (const auto& [bytes, problem] : badFiles) {
+    SCOPED_TRACE(bytes.substr(0, 20));
+    bcSurface s = triangleModel();
+    const stlResult got = file.read(bytes, s);
+    EXPECT_EQ(std::pair(got.stored, got.problem), std::pair(0, problem));
+    EXPECT_EQ(s.numTriangles, 1) << "the model is kept";
+    EXPECT_FALSE(stlProblemText(problem, "x").empty());
+  }
+  bcSurface s;
+  EXPECT_EQ(readStlFile(s, (file.folder / "none.stl").string(), 0).problem, stlProblem::missing);
+  EXPECT_TRUE(stlProblemText(stlProblem::missing, "x").empty()) << "no model is no fault";
 }
 
 TEST(ModelPlacement, LoadOrderMirrorsScalesTurnsThenMoves) {
