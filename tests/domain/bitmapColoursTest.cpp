@@ -1,14 +1,19 @@
-// The bitmap stage's colour list (counting, purge, removed colours, a full list) and whole bitmaps read at the mesh.
+// The bitmap colour list (counting, purge, removed colours, a full list), whole bitmaps read at the mesh, extreme
+// sizes.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
 #include "bitmapTestSupport.h"
 #include "domain/bitmapColours.h"
 #include "domain/bitmapReading.h"
+#include "domain/progressLine.h"
 #include "layer/layer.h"
+#include "project/applyParameters.h"
 #include "testSupport.h"
+#include "tests/testGrid.h"
 
 namespace {
 
@@ -181,6 +186,45 @@ TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
   EXPECT_EQ(inBitmap(cfg, 1, 1, planeXY), 0) << "the truncated one leaves its slice empty";
   EXPECT_EQ(cfg.bitmapZX[sliceIndex(5, 3, 1, 4, 2)], 4) << "one green pixel covers the plane";
   EXPECT_EQ(cfg.bitmapYZ[sliceIndex(3, 5, 1, 1, 4)], 2) << "the PNM is read";
+}
+
+TEST(ExtremeValues, BitmapPlaneGeometryOfAHugeDomainStaysBounded) {
+  for (const double lx : {1e300, 1e-300, 1e38, 1.0}) {
+    appConfig cfg;
+    marv::testing::setGrid(cfg, 9, 7, 1, lx, 1.0);
+    cfg.pixPerMetre = 100.0 / cfg.dx;
+    cfg.domPixX = INT_MAX;
+    cfg.domPixY = 700;
+    cfg.bitmapScreenWidth = INT_MAX;
+    cfg.bitmapScreenHeight = INT_MIN;
+    const planeGeometry g = makePlaneGeometry(cfg, planeXY);
+    ASSERT_EQ(g.across, 9) << lx;
+    for (int p : g.px) EXPECT_LE(std::abs(static_cast<long long>(p)), 1LL << 26) << lx;
+    for (int p : g.py) EXPECT_LE(std::abs(static_cast<long long>(p)), 1LL << 26) << lx;
+    EXPECT_LE(std::abs(static_cast<long long>(g.ox)), 1LL << 26);
+    EXPECT_LE(std::abs(static_cast<long long>(g.oy)), 1LL << 26);
+    std::vector<std::uint32_t> codes;
+    const int image = makeImage(4, 4, 0);
+    if (lx > 1e6) {
+      EXPECT_EQ(readImageAtMesh(cfg, planeXY, image, codes), -1) << "no image that large is made";
+    }
+    deleteImage(image);
+  }
+}
+
+TEST(ExtremeValues, ProgressLineWithSizesAndCountsAtTheLimit) {
+  appConfig cfg;
+  marv::testing::setGrid(cfg, 5, 5, 1);
+  for (const int size : {INT_MAX, INT_MIN, 0}) {
+    cfg.sceneWidth = cfg.sceneHeight = size;
+    cfg.progressTotal = 3;
+    cfg.progressCount = INT_MAX;
+    showProgress(cfg, 1);
+    EXPECT_EQ(cfg.progressCount, INT_MAX) << "the count saturates";
+    cfg.progressTotal = -5;
+    cfg.progressCount = -7;
+    showProgress(cfg, 2);
+  }
 }
 
 }  // namespace
