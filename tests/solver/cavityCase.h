@@ -68,31 +68,21 @@ struct cavityCase {
   std::unique_ptr<incompSolver> solver;
   int ts = 0;  // steps taken
 
-  // n x n nodes, lid speed lid [m/s], Reynolds number re (rho = 1, L = 1),
-  // threads tiles along y.
+  // n x n nodes, lid speed 1 m/s, Reynolds number re (rho = 1, L = 1), threads tiles along y.
   cavityCase(int n, double re, int threads = 1) {
     setGrid(cfg, n, n, 1);
     setTiles(cfg, 1, threads, 1);
-    cfg.ibm = 0;
-    cfg.rhow = 1.0;
-    cfg.mu = 1.0 / re;
-    cfg.cs = dashValue;
-    cfg.uinb = 1.0;
-    cfg.vinb = 0.0;
+    cfg.ibm = 0, cfg.rhow = 1.0, cfg.mu = 1.0 / re, cfg.cs = dashValue, cfg.uinb = 1.0, cfg.vinb = 0.0;
     // The pressure change is measured against presw (1e5 Pa): a cavity whose
     // pressures are of order rho U^2 = 1 Pa needs a tight tolerance.
-    cfg.peps = 1e-10;
-    cfg.loopmax = 2000;
+    cfg.peps = 1e-10, cfg.loopmax = 2000;
     setColourTables(cfg);
     cfg.bcTypePresent = {0, 1, 1, 0, 0, 0, 0, 0, 0, 0};
     const double h = cfg.dx;
     cfg.deltat = 0.5 * std::min(cfg.cfl * h / 1.0, 0.5 * cfg.cfl * h * h / (cfg.mu / cfg.rhow));
     constructDomain(domain, cfg);
     for (int j = 0; j < n; ++j)
-      for (int i = 0; i < n; ++i) {
-        const bool side = i == 0 || i == n - 1 || j == 0;
-        domain.bcFlag(i, j, 0) = side ? 1 : (j == n - 1 ? 2 : 0);
-      }
+      for (int i = 0; i < n; ++i) domain.bcFlag(i, j, 0) = i == 0 || i == n - 1 || j == 0 ? 1 : j == n - 1 ? 2 : 0;
     buildNodeLists(domain, cfg);
     buildSolidMask(domain, cfg);
     solver = std::make_unique<incompSolver>(cfg, domain);
@@ -156,37 +146,22 @@ struct heatedCavity {
   heatedCavity(int n, double ra, double pr, int threads = 1) {
     setGrid(cfg, n, n, 1);
     setTiles(cfg, 1, threads, 1);
-    cfg.cmode = 1;
-    cfg.ibm = 0;
-    cfg.pr = pr;
-    cfg.cs = dashValue;
+    cfg.cmode = 1, cfg.ibm = 0, cfg.pr = pr, cfg.cs = dashValue, cfg.gfy = -9.8;
     cfg.tempw = 0.5 * (hot + cold);
     cfg.rhow = cfg.presw * cfg.molarMass / cfg.gasConstant / cfg.tempw;
-    cfg.gfy = -9.8;
     // Ra = g beta dT L^3 / (nu alpha) with beta = 1/T0 and alpha = nu/Pr.
     const double gBetaDt = 9.8 * (hot - cold) / cfg.tempw;
     const double nu = std::sqrt(gBetaDt * pr / ra);
-    cfg.mu = nu * cfg.rhow;
-    cfg.tempwallk = hot;
-    cfg.tempwall = cold;
-    cfg.uinb = cfg.vinb = cfg.winb = 0.0;
-    cfg.tempb = 0.0;  // adiabatic
-    cfg.peps = 1e-11;
-    cfg.loopmax = 4000;
+    cfg.mu = nu * cfg.rhow, cfg.tempwallk = hot, cfg.tempwall = cold;
+    cfg.uinb = cfg.vinb = cfg.winb = 0.0, cfg.tempb = 0.0;  // adiabatic
+    cfg.peps = 1e-11, cfg.loopmax = 4000;
     setColourTables(cfg);
     cfg.bcTypePresent = {0, 1, 1, 0, 0, 0, 0, 0, 1, 0};
     const double h = cfg.dx, alpha = nu / pr;
-    cfg.deltat = 0.2 * h * h / std::max(nu, alpha);
-    cfg.fixedDeltat = 1;
+    cfg.deltat = 0.2 * h * h / std::max(nu, alpha), cfg.fixedDeltat = 1;
     constructDomain(domain, cfg);
-    for (int j = 0; j < n; ++j)
-      for (int i = 0; i < n; ++i) {
-        int type = 0;
-        if (j == 0 || j == n - 1) type = 2;
-        if (i == 0) type = 1;
-        if (i == n - 1) type = 8;
-        domain.bcFlag(i, j, 0) = type;
-      }
+    for (int j = 0; j < n; ++j)  // hot Black left, cold Non-Preset right, adiabatic Blue top and bottom
+      for (int i = 0; i < n; ++i) domain.bcFlag(i, j, 0) = i == 0 ? 1 : i == n - 1 ? 8 : j == 0 || j == n - 1 ? 2 : 0;
     buildNodeLists(domain, cfg);
     buildSolidMask(domain, cfg);
     solver = std::make_unique<incompSolverThermo>(cfg, domain);
@@ -208,8 +183,7 @@ struct heatedCavity {
           (-3.0 * solver->tfld(0, j, 0) + 4.0 * solver->tfld(1, j, 0) - solver->tfld(2, j, 0)) / (2.0 * cfg.dx);
       sum += (j == 0 || j == n - 1 ? 0.5 : 1.0) * dTdx;
     }
-    const double mean = sum / (n - 1);
-    return -mean * cfg.lx / (hot - cold);
+    return -sum / (n - 1) * cfg.lx / (hot - cold);
   }
 };
 
