@@ -1,20 +1,15 @@
-// From slices to the boundary: stretch rules, mirror before invert, the mask filter, image points, the cavity example.
+// From slices to the boundary: stretch rules, mirror before invert, the mask filter, image points.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
 #include <functional>
+#include <tuple>
 
 #include "bitmapTestSupport.h"
 #include "domain/bitmapColours.h"
 #include "domain/bitmapDomain.h"
 #include "domain/bitmapReading.h"
 #include "domain/prepareInputs.h"
-#include "layer/layer.h"
-#include "project/parameterEditor.h"
-#include "project/parameterFile.h"
-#include "solver/solverCommon.h"
-#include "testSupport.h"
 
 namespace {
 
@@ -136,19 +131,16 @@ TEST(filterMask, keepsConstantsSpreadsSymmetricallyAndWeightZeroIsIdentity) {
     const int kc = nz / 2;
     f(3, 3, kc) = 1.0f;
     filterMask(f, s, 1.0);
-    // Per axis 1/4, 1/2, 1/4: the product in every direction.
+    // Per axis 1/4, 1/2, 1/4: the product in every direction, alike on both sides.
     const double axisZ = nz == 1 ? 1.0 : (nz == 2 ? 1.5 / 2.5 : 0.5);
-    EXPECT_NEAR(f(3, 3, kc), 0.25 * axisZ, 1e-6) << "nz=" << nz;
-    EXPECT_NEAR(f(2, 3, kc), 0.125 * axisZ, 1e-6) << "nz=" << nz;
-    EXPECT_NEAR(f(4, 2, kc), 0.0625 * axisZ, 1e-6) << "nz=" << nz;
-    EXPECT_NEAR(f(2, 3, kc), f(4, 3, kc), 1e-7) << "nz=" << nz;
-    EXPECT_NEAR(f(3, 2, kc), f(3, 4, kc), 1e-7) << "nz=" << nz;
+    for (const auto& [i, j, w] :
+         {std::tuple{3, 3, 0.25}, {2, 3, 0.125}, {4, 3, 0.125}, {3, 2, 0.125}, {3, 4, 0.125}, {4, 2, 0.0625}})
+      EXPECT_NEAR(f(i, j, kc), w * axisZ, 1e-6) << "nz=" << nz << " at " << i << "," << j;
 
     fill(static_cast<const array3d<float>&>(f), 0.0f);
     f(0, 0, 0) = 1.0f;
     filterMask(f, s, 0.0);
-    EXPECT_EQ(f(0, 0, 0), 1.0f) << "weight 0, nz=" << nz;
-    EXPECT_EQ(f(1, 0, 0), 0.0f) << "weight 0, nz=" << nz;
+    EXPECT_EQ(f(0, 0, 0) - f(1, 0, 0), 1.0f) << "weight 0, nz=" << nz;
   }
 }
 
@@ -175,24 +167,23 @@ TEST(classifyMask, imagePointsMirrorNodesAcrossASphereWithinACell) {
         const double p[3] = {cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]};
         const double r = std::hypot(p[0] - xc, p[1] - yc, p[2] - (cfg.lz - zc));
         const int flag = domain.bcFlag(i, j, k);
-        if (r > R + 0.01 * h) {
-          EXPECT_EQ(flag, 0) << "outside at i=" << i << " j=" << j << " k=" << k;
-        }
+        SCOPED_TRACE(::testing::Message() << i << "," << j << "," << k);
+        EXPECT_TRUE(r <= R + 0.01 * h || flag == 0) << "outside, flag " << flag;
         if (flag == solidType) {
           ++deep;
-          EXPECT_LT(r, R - 1.5 * h) << "deep at i=" << i << " j=" << j << " k=" << k;
+          EXPECT_LT(r, R - 1.5 * h) << "deep";
           EXPECT_FLOAT_EQ(domain.imageX(i, j, k), 2.4f);
         }
         if (flag != 1) continue;
         ++surface;
         const double q[3] = {domain.imageX(i, j, k), domain.imageY(i, j, k), domain.imageZ(i, j, k)};
         const double rq = std::hypot(q[0] - xc, q[1] - yc, q[2] - (cfg.lz - zc));
-        EXPECT_NEAR(rq, 2 * R - r, 0.45 * h) << "mirror across the surface at i=" << i << " j=" << j << " k=" << k;
+        EXPECT_NEAR(rq, 2 * R - r, 0.45 * h) << "mirror across the surface";
         const double d = std::hypot(q[0] - p[0], q[1] - p[1], q[2] - p[2]);
         // Along the radius: the offset is parallel to p - centre.
         const double c[3] = {p[0] - xc, p[1] - yc, p[2] - (cfg.lz - zc)};
         const double cosine = ((q[0] - p[0]) * c[0] + (q[1] - p[1]) * c[1] + (q[2] - p[2]) * c[2]) / (d * r);
-        EXPECT_GT(cosine, 0.97) << "outward along the normal at i=" << i << " j=" << j << " k=" << k;
+        EXPECT_GT(cosine, 0.97) << "outward along the normal";
       }
   EXPECT_GT(surface, 300);
   EXPECT_GT(deep, 50);
@@ -206,47 +197,8 @@ TEST(classifyMask, imagePointsMirrorNodesAcrossASphereWithinACell) {
   for (int n = 0; n < m.count(); ++n) {
     const int was = domain.bcFlag[n], now = inlet.bcFlag[n];
     ASSERT_EQ(now, was == solidType ? inletBodyType : (was == 1 ? 2 : 0)) << "at n=" << n;
-    if (now == inletBodyType) {
-      ASSERT_EQ(inlet.imageX[n], 0.0f) << "at n=" << n;
-    }
+    ASSERT_TRUE(now != inletBodyType || inlet.imageX[n] == 0.0f) << "no image point at n=" << n;
   }
-}
-
-TEST(wholeExample, cavityBitmapBuildsWallsAndLid) {
-  ASSERT_EQ(startLayer(), 0);
-  auto folder = marvtest::scratchFolder("cavity");
-  const std::filesystem::path example = std::filesystem::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "cavity2d";
-  std::filesystem::create_directories(folder / "input");
-  for (const char* name : {"param.txt", "bcXY0.bmp"})
-    std::filesystem::copy_file(example / "input" / name, folder / "input" / name);
-  marvtest::inFolder here(folder);
-  appConfig cfg;
-  parameterEditor editor;
-  resetParameterEditor(editor);
-  ASSERT_GT(readParameterFile(editor, cfg, "./input/param.txt"), 0);
-  takeChoiceValues(editor);
-  ASSERT_EQ(acceptParameters(editor, cfg), 1);
-  std::vector<std::string> said;
-  readBoundaryBitmaps(cfg, [&](const std::string& s) { said.push_back(s); });
-  EXPECT_TRUE(said.empty());
-  bcDomain domain;
-  constructDomain(domain, cfg);
-  std::unique_ptr<solverCommon> solver = makeSolver(cfg, domain);
-  prepareFromInputs(domain, cfg);
-  build2D(domain, cfg);
-  const int n = cfg.nx;
-  for (int s = 0; s < n; ++s) {
-    EXPECT_EQ(domain.bcFlag(s, n - 1, 0), 2) << "lid at i=" << s;
-    EXPECT_EQ(domain.bcFlag(s, 0, 0), 1) << "bottom at i=" << s;
-    if (s < n - 2) {
-      EXPECT_EQ(domain.bcFlag(0, s, 0), 1) << "left wall at j=" << s;
-      EXPECT_EQ(domain.bcFlag(n - 1, s, 0), 1) << "right wall at j=" << s;
-    }
-  }
-  EXPECT_EQ(domain.bcFlag(n / 2, n / 2, 0), 0);
-  EXPECT_EQ(domain.typeMasks[1].count(), 0) << "the build releases the masks";
-  EXPECT_FALSE(domain.inletCells.empty());
-  EXPECT_FALSE(domain.wallCells.empty());
 }
 
 }  // namespace
