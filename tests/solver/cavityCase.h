@@ -26,16 +26,6 @@ class pressureOnly : public solverCommon {
   void step() override {
     runStep([&](int t) { solvePressure(t); });
   }
-  // One collective mean removal on all threads; returns the mean found.
-  double removeMeanOnTeam() {
-    double found = 0.0;
-    runStep([&](int t) {
-      const double mean = meanPressure(t, cfg->numThreads);
-      removeMean(pfld, mean, t);
-      if (t == 0) found = mean;
-    });
-    return found;
-  }
 };
 
 // nx x ny x nz fluid nodes over 1 m, no walls (the outer planes only copy

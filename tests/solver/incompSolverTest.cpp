@@ -26,30 +26,23 @@ TEST(IncompSolver, UniformFlowStaysUniform) {
   }
 }
 
-TEST(IncompSolver, TwoDimensionsLeaveWAloneAndSubGridOffWritesNoStress) {
-  testing::cavityCase flat(17, 100.0);
-  for (int j = 1; j < 16; ++j)
-    for (int i = 1; i < 16; ++i) flat.solver->wfld(i, j, 0) = 0.125;
-  for (int s = 0; s < 30; ++s) flat.advance();
-  for (int j = 1; j < 16; ++j)
-    for (int i = 1; i < 16; ++i) ASSERT_EQ(flat.solver->wfld(i, j, 0), 0.125) << "at i=" << i << " j=" << j;
-
-  openBox b(7, 7, 7);
-  b.cfg.cs = dashValue;
-  setInitialFields(*b.solver);
-  for (int n = 0; n < b.solver->ufld.count(); ++n) b.solver->ufld[n] = std::sin(0.3 * n);
-  b.solver->step();
-  for (int n = 0; n < b.solver->tau12.count(); ++n) ASSERT_EQ(b.solver->tau12[n], 0.0) << "at n=" << n;
-
-  // With the model on, a shear flow has stresses of the sign that damps it.
-  openBox on(7, 7, 7);
-  on.cfg.cs = 0.17;
-  setInitialFields(*on.solver);
-  for (int k = 0; k < 7; ++k)
-    for (int j = 0; j < 7; ++j)
-      for (int i = 0; i < 7; ++i) on.solver->ufld(i, j, k) = j * on.cfg.dy;  // du/dy = 1
-  on.solver->interiorTerms(0);
-  EXPECT_LT(on.solver->tau12(3, 3, 3), 0.0);
+// Without the model no sub-grid stress is written; with it a shear flow has
+// stresses of the sign that damps it.
+TEST(IncompSolver, SubGridStressOnlyWithTheModelAndOfTheSignThatDamps) {
+  for (double cs : {dashValue, 0.17}) {
+    openBox b(7, 7, 7);
+    b.cfg.cs = cs;
+    setInitialFields(*b.solver);
+    for (int k = 0; k < 7; ++k)
+      for (int j = 0; j < 7; ++j)
+        for (int i = 0; i < 7; ++i) b.solver->ufld(i, j, k) = j * b.cfg.dy;  // du/dy = 1
+    b.solver->interiorTerms(0);
+    double least = 0.0, most = 0.0;
+    for (int n = 0; n < b.solver->tau12.count(); ++n)
+      least = std::min(least, b.solver->tau12[n]), most = std::max(most, b.solver->tau12[n]);
+    EXPECT_EQ(most, 0.0) << cs;
+    EXPECT_EQ(least<0.0, cs> 0.0) << cs;
+  }
 }
 
 // A blob of species diffusing in still fluid with no walls: the interior sum
