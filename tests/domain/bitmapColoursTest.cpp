@@ -1,5 +1,4 @@
-// The bitmap colour list (counting, purge, removed colours, a full list), whole bitmaps read at the mesh, extreme
-// sizes.
+// The bitmap colour list (counting, purge, removed colours, a full list), whole bitmaps at the mesh, extreme sizes.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -161,18 +160,15 @@ TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
   EXPECT_TRUE(said.empty());
 
   marvtest::writeBmp("input/bcXY0.bmp", 40, 40, [](int, int) { return rgb{0, 0, 0}; });
-  std::string whole = marvtest::readText("input/bcXY0.bmp");
-  marvtest::writeText("input/bcXY1.bmp", whole.substr(0, 70));        // truncated
-  marvtest::writeText("input/bcXY2.bmp", std::string(500, '\xff'));   // binary junk
-  marvtest::writeText("input/bcXY3.bmp", "");                         // empty
-  marvtest::writeText("input/bcYZ0.bmp", "P3\n1 1\n255\n0 0 255\n");  // another format, text
-  // A header that claims 20000 x 20000 pixels.
-  std::string huge = whole.substr(0, 54);
-  for (int at : {18, 22}) {
-    const int side = 20000;
-    for (int b = 0; b < 4; ++b) huge[at + b] = static_cast<char>((side >> (8 * b)) & 255);
-  }
-  marvtest::writeText("input/bcZX0.bmp", huge + std::string(4096, '\0'));
+  const std::string whole = marvtest::readText("input/bcXY0.bmp");
+  std::string huge = whole.substr(0, 54);  // a header that claims 20000 x 20000 pixels
+  for (int at : {18, 22}) huge.replace(at, 4, std::string("\x20\x4e\0\0", 4));
+  const std::pair<const char*, std::string> unreadable[] = {{"input/bcXY1.bmp", whole.substr(0, 70)},  // truncated
+                                                            {"input/bcXY2.bmp", std::string(500, '\xff')},
+                                                            {"input/bcXY3.bmp", ""},
+                                                            {"input/bcYZ0.bmp", "P3\n1 1\n255\n0 0 255\n"},
+                                                            {"input/bcZX0.bmp", huge + std::string(4096, '\0')}};
+  for (const auto& [name, bytes] : unreadable) marvtest::writeText(name, bytes);
   // Whatever the extension says, the content decides: a binary PNM of one
   // blue pixel is a picture.
   marvtest::writeText("input/bcYZ1.bmp", std::string("P6\n1 1\n255\n") + std::string("\0\0\xff", 3));
@@ -193,21 +189,16 @@ TEST(ExtremeValues, BitmapPlaneGeometryOfAHugeDomainStaysBounded) {
     appConfig cfg;
     marv::testing::setGrid(cfg, 9, 7, 1, lx, 1.0);
     cfg.pixPerMetre = 100.0 / cfg.dx;
-    cfg.domPixX = INT_MAX;
-    cfg.domPixY = 700;
-    cfg.bitmapScreenWidth = INT_MAX;
-    cfg.bitmapScreenHeight = INT_MIN;
+    cfg.domPixX = cfg.bitmapScreenWidth = INT_MAX, cfg.domPixY = 700, cfg.bitmapScreenHeight = INT_MIN;
     const planeGeometry g = makePlaneGeometry(cfg, planeXY);
     ASSERT_EQ(g.across, 9) << lx;
-    for (int p : g.px) EXPECT_LE(std::abs(static_cast<long long>(p)), 1LL << 26) << lx;
-    for (int p : g.py) EXPECT_LE(std::abs(static_cast<long long>(p)), 1LL << 26) << lx;
-    EXPECT_LE(std::abs(static_cast<long long>(g.ox)), 1LL << 26);
-    EXPECT_LE(std::abs(static_cast<long long>(g.oy)), 1LL << 26);
+    std::vector<long long> all{g.ox, g.oy};
+    all.insert(all.end(), g.px.begin(), g.px.end());
+    all.insert(all.end(), g.py.begin(), g.py.end());
+    for (long long p : all) EXPECT_LE(std::abs(p), 1LL << 26) << lx;
     std::vector<std::uint32_t> codes;
     const int image = makeImage(4, 4, 0);
-    if (lx > 1e6) {
-      EXPECT_EQ(readImageAtMesh(cfg, planeXY, image, codes), -1) << "no image that large is made";
-    }
+    EXPECT_TRUE(lx < 1e6 || readImageAtMesh(cfg, planeXY, image, codes) == -1) << "no image that large is made";
     deleteImage(image);
   }
 }
@@ -217,12 +208,10 @@ TEST(ExtremeValues, ProgressLineWithSizesAndCountsAtTheLimit) {
   marv::testing::setGrid(cfg, 5, 5, 1);
   for (const int size : {INT_MAX, INT_MIN, 0}) {
     cfg.sceneWidth = cfg.sceneHeight = size;
-    cfg.progressTotal = 3;
-    cfg.progressCount = INT_MAX;
+    cfg.progressTotal = 3, cfg.progressCount = INT_MAX;
     showProgress(cfg, 1);
     EXPECT_EQ(cfg.progressCount, INT_MAX) << "the count saturates";
-    cfg.progressTotal = -5;
-    cfg.progressCount = -7;
+    cfg.progressTotal = -5, cfg.progressCount = -7;
     showProgress(cfg, 2);
   }
 }
