@@ -3,6 +3,7 @@
 #include <omp.h>
 
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -88,9 +89,8 @@ TEST(StlScan, VerticesFarOutsideAndAHugeScanWidthMarkNothing) {
       domain.surfaces[7] = sphereModel(far, -far, far, 0.5, 4, 8);
       bcTriangle spread;  // one vertex each in a different far corner
       const float corners[3][3] = {{far, 0.5f, 0.5f}, {0.5f, -far, 0.5f}, {0.5f, 0.5f, far}};
-      for (int v = 0; v < 3; ++v)
-        for (int a = 0; a < 3; ++a) spread.vertex[v][a] = corners[v][a];
-      for (int a = 0; a < 3; ++a) spread.centroid[a] = far;
+      std::memcpy(spread.vertex, corners, sizeof corners);
+      spread.centroid[0] = spread.centroid[1] = spread.centroid[2] = far;
       spread.normal[0] = 1.0f;
       domain.surfaces[7].triangles.push_back(spread);
       domain.surfaces[7].numTriangles = static_cast<int>(domain.surfaces[7].triangles.size());
@@ -103,58 +103,36 @@ TEST(StlScan, VerticesFarOutsideAndAHugeScanWidthMarkNothing) {
   }
 }
 
-struct stlCase {
-  appConfig cfg;
-  bcDomain domain;
-  int result = 0;
-  std::vector<std::string> messages;
-};
+std::vector<std::string> said;
+void keep(appConfig&, const char* text) { said.push_back(text); }
 
-std::vector<std::string>* log = nullptr;
-void keep(appConfig&, const char* text) {
-  if (log) log->push_back(text);
-}
-
-// A 33^3 unit box with the model in input/bc.stl, built as a run builds it.
-void build(stlCase& c, const std::vector<std::pair<const char*, const char*>>& extra) {
+// A 33^3 unit box with an unreadable input/bc.stl, built as a run builds it.
+TEST(StlDomain, UnusableModelIsSaidOnceAndTheCaseRunsWithoutIt) {
+  marvtest::inFolder here(marvtest::scratchFolder("stlbad"));
+  marvtest::writeText("input/bc.stl", std::string(200, 'z') + "\n");
   parameterEditor editor;
   resetParameterEditor(editor);
-  std::vector<std::pair<const char*, const char*>> values = {
-      {"nx", "33"}, {"ny", "33"}, {"nz", "33"}, {"domx", "330"}, {"ibm", "1"}};
-  values.insert(values.end(), extra.begin(), extra.end());
-  for (const auto& [name, value] : values) {
+  for (const auto& [name, value] : {std::pair{"nx", "33"}, {"ny", "33"}, {"nz", "33"}, {"domx", "330"}, {"ibm", "1"}}) {
     parameterEntry e = lookupParameter(name);
     e.value = value;
     editor.entries[editor.count++] = e;
   }
   takeChoiceValues(editor);
-  constructAppConfig(c.cfg, false, false);
-  log = &c.messages;
-  c.cfg.showMessage = keep;
+  appConfig cfg;
+  constructAppConfig(cfg, false, false);
+  cfg.showMessage = keep;
   omp_set_num_threads(1);
-  c.result = applyParameters(editor, c.cfg, editor.count);
-  constructDomain(c.domain, c.cfg);
-  prepareFromInputs(c.domain, c.cfg);
-  build3D(c.domain, c.cfg);
-  log = nullptr;
-}
-
-int countType(const bcDomain& d, int type) {
-  int n = 0;
-  for (int at = 0; at < d.bcFlag.count(); ++at) n += d.bcFlag[at] == type;
-  return n;
-}
-
-TEST(StlDomain, UnusableModelIsSaidOnceAndTheCaseRunsWithoutIt) {
-  marvtest::inFolder here(marvtest::scratchFolder("stlbad"));
-  marvtest::writeText("input/bc.stl", std::string(200, 'z') + "\n");
-  stlCase c;
-  build(c, {});
-  ASSERT_EQ(c.result, 1);
-  EXPECT_EQ(c.cfg.stlPresent, 0);
-  ASSERT_EQ(c.messages.size(), 1u);
-  EXPECT_NE(c.messages[0].find("bc.stl"), std::string::npos) << c.messages[0];
-  EXPECT_EQ(countType(c.domain, 7), 0);
+  ASSERT_EQ(applyParameters(editor, cfg, editor.count), 1);
+  bcDomain domain;
+  constructDomain(domain, cfg);
+  prepareFromInputs(domain, cfg);
+  build3D(domain, cfg);
+  EXPECT_EQ(cfg.stlPresent, 0);
+  ASSERT_EQ(said.size(), 1u);
+  EXPECT_NE(said[0].find("bc.stl"), std::string::npos) << said[0];
+  int model = 0;
+  for (int at = 0; at < domain.bcFlag.count(); ++at) model += domain.bcFlag[at] == stlType;
+  EXPECT_EQ(model, 0);
 }
 
 }  // namespace
