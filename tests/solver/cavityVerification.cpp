@@ -1,8 +1,11 @@
-// Long run (label "long"): Ghia, Ghia and Shin (1982) cavity centrelines at Re 100 and 1000, 129 x 129 nodes.
+// Long runs (label "long"): Ghia, Ghia and Shin (1982) cavity centrelines at Re 100 and 1000 on 129 x 129 nodes;
+// de Vahl Davis (1983) heated cavity, hot-wall Nusselt number at Ra 1e4 and 1e5.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstdio>
+#include <fstream>
+#include <string>
 #include <vector>
 
 #include "tests/solver/cavityCase.h"
@@ -19,7 +22,7 @@ std::vector<double> centrelines(const testing::cavityCase& c) {
   return values;
 }
 
-void verify(int re, double cfl, double tolerance) {
+void verifyLid(int re, double cfl, double tolerance) {
   const int n = 129;
   testing::cavityCase c(n, re, 1);
   c.cfg.peps = 1e-9;  // pressure changes below 1e-4 Pa, against pressures of order 1 Pa
@@ -56,8 +59,43 @@ void verify(int re, double cfl, double tolerance) {
   EXPECT_LT(worstV, tolerance);
 }
 
-TEST(CavityVerification, Re100) { verify(100, 0.15, 0.05); }
-TEST(CavityVerification, Re1000) { verify(1000, 0.25, 0.15); }
+TEST(CavityVerification, Re100) { verifyLid(100, 0.15, 0.05); }
+TEST(CavityVerification, Re1000) { verifyLid(1000, 0.25, 0.15); }
+
+double publishedNusselt(const std::string& ra) {
+  std::ifstream in(MARV_TEST_DATA "/devahldavis1983-nusselt.csv");
+  std::string line;
+  while (std::getline(in, line)) {
+    if (line.rfind(ra + ",", 0) == 0) return std::stod(line.substr(ra.size() + 1));
+  }
+  return 0.0;
+}
+
+void verifyHeated(const std::string& raText, int n, double tolerance) {
+  const double ra = std::stod(raText);
+  testing::heatedCavity c(n, ra, 0.71, 1);
+  // Steady when the Nusselt number changes by less than 1e-5 over one tenth
+  // of the thermal diffusion time L^2/alpha.
+  const double alpha = c.cfg.mu / c.cfg.rhow / c.cfg.pr;
+  const int block = static_cast<int>(0.1 / alpha / c.cfg.deltat) + 1;
+  double nu = c.hotWallNusselt(), settledAt = -1.0;
+  int steps = 0;
+  for (int b = 0; b < 200 && settledAt < 0.0; ++b) {
+    for (int s = 0; s < block; ++s) c.advance();
+    steps += block;
+    const double next = c.hotWallNusselt();
+    if (std::fabs(next - nu) < 1e-5 * next) settledAt = c.cfg.time;
+    nu = next;
+  }
+  const double reference = publishedNusselt(raText);
+  std::printf("Ra %s on %d x %d: Nu %.4f, reference %.3f; steady at t = %.1f s after %d steps\n", raText.c_str(), n, n,
+              nu, reference, settledAt, steps);
+  EXPECT_GT(settledAt, 0.0) << "no steady state within the step limit";
+  EXPECT_NEAR(nu, reference, tolerance * reference);
+}
+
+TEST(HeatedCavityVerification, Ra1e4) { verifyHeated("1e4", 65, 0.05); }
+TEST(HeatedCavityVerification, Ra1e5) { verifyHeated("1e5", 97, 0.08); }
 
 }  // namespace
 }  // namespace marv
