@@ -25,33 +25,43 @@ using testing::pressureOnly;
 // so the discrete solution is this field itself.
 double exact(double x, double y, double z) { return x * x + y * y + z * z; }
 
-struct poissonCase {
+// A pressure-only solver on nx x ny x nz nodes over 1 x ly x lz m, tiles npx x npy x npz.
+struct pressureCase {
   appConfig cfg;
   bcDomain domain;
   std::unique_ptr<pressureOnly> solver;
-  // Grid n x n (x nz), tiles npx x npy x npz; boundary nodes hold the exact
-  // solution, interior nodes start at 0, ppeRhs = 4 (6 in three dimensions).
-  poissonCase(int n, int nz, int npx, int npy, int npz) {
-    testing::setGrid(cfg, n, n, nz, 1.0, 1.0, 1.0);
+  pressureCase(int nx, int ny, int nz, double ly, double lz, int npx, int npy, int npz) {
+    testing::setGrid(cfg, nx, ny, nz, 1.0, ly, lz);
     testing::setTiles(cfg, npx, npy, npz);
     cfg.presw = 1.0;
     constructDomain(domain, cfg);
     solver = std::make_unique<pressureOnly>(cfg, domain);
-    for (int k = 0; k < nz; ++k)
-      for (int j = 0; j < n; ++j)
-        for (int i = 0; i < n; ++i) {
-          const bool inner = i > 0 && i < n - 1 && j > 0 && j < n - 1 && (nz == 1 || (k > 0 && k < nz - 1));
-          solver->pfld(i, j, k) = inner ? 0.0 : exact(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]);
-          solver->tau11(i, j, k) = nz == 1 ? 4.0 : 6.0;
-        }
   }
-  double maxError() const {
-    double worst = 0.0;
+  // f(i, j, k, x, y, z, p, ppeRhs) at every node.
+  template <class F>
+  void each(F f) {
     for (int k = 0; k < cfg.nz; ++k)
       for (int j = 0; j < cfg.ny; ++j)
         for (int i = 0; i < cfg.nx; ++i)
-          worst =
-              std::fmax(worst, std::fabs(solver->pfld(i, j, k) - exact(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k])));
+          f(i, j, k, cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k], solver->pfld(i, j, k), solver->tau11(i, j, k));
+  }
+};
+
+// Grid n x n (x nz) over 1 m; boundary nodes hold the exact solution,
+// interior nodes start at 0, ppeRhs = 4 (6 in three dimensions).
+struct poissonCase : pressureCase {
+  poissonCase(int n, int nz, int npx, int npy, int npz) : pressureCase(n, n, nz, 1.0, 1.0, npx, npy, npz) {
+    each([&](int i, int j, int k, double x, double y, double z, double& p, double& rhs) {
+      const bool inner = i > 0 && i < n - 1 && j > 0 && j < n - 1 && (nz == 1 || (k > 0 && k < nz - 1));
+      p = inner ? 0.0 : exact(x, y, z);
+      rhs = nz == 1 ? 4.0 : 6.0;
+    });
+  }
+  double maxError() {
+    double worst = 0.0;
+    each([&](int, int, int, double x, double y, double z, double& p, double&) {
+      worst = std::fmax(worst, std::fabs(p - exact(x, y, z)));
+    });
     return worst;
   }
 };
@@ -128,28 +138,6 @@ struct kernelGuard {
 // wrong neighbour, an old value for a new one or a lost block shows.
 double rough(int i, int j, int k) { return std::sin(1.3 * i + 0.7 * j * j + 2.1 * k) + 0.01 * i * j; }
 
-struct sweepCase {
-  appConfig cfg;
-  bcDomain domain;
-  std::unique_ptr<pressureOnly> solver;
-  sweepCase(int nx, int ny, int nz, int npx) {
-    testing::setGrid(cfg, nx, ny, nz, 1.0, 0.8, 0.6);  // dx, dy, dz all different
-    testing::setTiles(cfg, npx, 1, 1);
-    cfg.presw = 1.0;
-    cfg.peps = 0.0;  // never met: exactly loopmax sweeps
-    cfg.loopmax = 5;
-    cfg.omega = 1.7;
-    constructDomain(domain, cfg);
-    solver = std::make_unique<pressureOnly>(cfg, domain);
-    for (int k = 0; k < nz; ++k)
-      for (int j = 0; j < ny; ++j)
-        for (int i = 0; i < nx; ++i) {
-          solver->pfld(i, j, k) = rough(i, j, k);
-          solver->tau11(i, j, k) = 3.0 * rough(j, k, i);
-        }
-  }
-};
-
 // The update as written, node by node in k, j, i order, in place, over the
 // interior nodes with i0 <= i < i1.
 std::vector<double> referenceSweeps(const appConfig& g, std::vector<double> p, const std::vector<double>& rhs,
@@ -189,7 +177,11 @@ TEST(SweepRows, EveryKernelFollowsTheLexicographicSweepOnRowsOfEveryLength) {
     ASSERT_EQ(useSweepInstructions(set), set);
     for (int nz : {1, 5})
       for (int nx = 3; nx <= 15; ++nx) {
-        sweepCase c(nx, 6, nz, 1);
+        pressureCase c(nx, 6, nz, 0.8, 0.6, 1, 1, 1);            // dx, dy, dz all different
+        c.cfg.peps = 0.0, c.cfg.loopmax = 5, c.cfg.omega = 1.7;  // never met: exactly loopmax sweeps
+        c.each([](int i, int j, int k, double, double, double, double& p, double& rhs) {
+          p = rough(i, j, k), rhs = 3.0 * rough(j, k, i);
+        });
         const int count = c.solver->pfld.count();
         const std::vector<double> start(c.solver->pfld.data, c.solver->pfld.data + count);
         const std::vector<double> rhs(c.solver->tau11.data, c.solver->tau11.data + count);
