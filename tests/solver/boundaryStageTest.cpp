@@ -57,26 +57,21 @@ TEST(BoundaryStage, WithoutWallsOnlyTheOuterPlanesCopyTheirInnerNeighbour) {
       }
 }
 
-TEST(BoundaryStage, StaircaseWallsStopTheFlowAndInletsImposeOnlyTheirFixedComponents) {
-  stageCase c(5, 4, 1);
-  c.domain.bcFlag(0, 1, 0) = c.domain.bcFlag(0, 2, 0) = 2;  // Blue on the left face
-  c.domain.bcFlag(2, 2, 0) = 1;
-  c.domain.bcFlag(3, 1, 0) = 9;
-  buildNodeLists(c.domain, c.cfg);
-  const double vInside[2] = {c.v(1, 1, 0), c.v(1, 2, 0)};
-  applyVelocity(c.domain, c.u, c.v, c.w);
-  for (int n : {2 + 5 * 2, 3 + 5 * 1}) EXPECT_EQ(c.u[n] + c.v[n] + c.w[n], 0.0) << "wall at n=" << n;
-  for (int j : {1, 2})  // fixed u and w; a free v follows its neighbour
-    EXPECT_EQ(std::tuple(c.u(0, j, 0), c.w(0, j, 0), c.v(0, j, 0)), std::tuple(2.0, 0.0, vInside[j - 1])) << j;
-}
-
-TEST(BoundaryStage, StaircaseScalarsFixValuesOrCopyTheLastFluidNeighbour) {
+TEST(BoundaryStage, StaircaseWallsStopTheFlowInletsFixTheirComponentsAndScalarsCopyTheLastFluidNeighbour) {
   stageCase c(5, 5, 1);
   c.cfg.cmode = 1;
   c.cfg.bcFixTemp = {0, 1, 0, 0, 0, 0, 0, 0, 1};
+  c.domain.bcFlag(0, 1, 0) = c.domain.bcFlag(0, 2, 0) = 2;  // Blue on the left face
   c.domain.bcFlag(2, 2, 0) = 1;                             // Black, 300 K
+  c.domain.bcFlag(3, 1, 0) = 9;
   c.domain.bcFlag(1, 3, 0) = c.domain.bcFlag(2, 3, 0) = 8;  // adiabatic
   buildNodeLists(c.domain, c.cfg);
+  const double vInside[2] = {c.v(1, 1, 0), c.v(1, 2, 0)};
+  applyVelocity(c.domain, c.u, c.v, c.w);
+  for (int n : {2 + 5 * 2, 3 + 5 * 1, 1 + 5 * 3}) EXPECT_EQ(c.u[n] + c.v[n] + c.w[n], 0.0) << "wall at n=" << n;
+  for (int j : {1, 2})  // fixed u and w; a free v follows its neighbour
+    EXPECT_EQ(std::tuple(c.u(0, j, 0), c.w(0, j, 0), c.v(0, j, 0)), std::tuple(2.0, 0.0, vInside[j - 1])) << j;
+
   applyScalar(c.domain, c.q, c.cfg.bcTemp, c.domain.tempCells);
   EXPECT_EQ(c.q(2, 2, 0), 300.0);
   // Neighbours go +x, -x, +y, -y and the last fluid one decides: -y for
