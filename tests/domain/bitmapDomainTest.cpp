@@ -16,14 +16,14 @@ namespace {
 using namespace marv;
 using body = std::function<bool(int, int, int)>;
 
-// A case of n^3 nodes with one extra colour (list index 8) whose three
-// views are the silhouettes of shape, and the domain constructed.
+// A case with one extra colour (list index 8) whose views are the silhouettes
+// of the given shapes (none where a shape is empty), and the domain constructed.
 struct viewCase {
   appConfig cfg;
   bcDomain domain;
   static constexpr int c = 8;
 
-  viewCase(int nx, int ny, int nz, const body& shape, bool xy = true, bool yz = true, bool zx = true) {
+  viewCase(int nx, int ny, int nz, const body& xy, const body& yz = {}, const body& zx = {}) {
     marvtest::setBitmapCase(cfg, nx, ny, nz);
     setPresetColours(cfg);
     cfg.iNumBcColor = 9;
@@ -31,13 +31,11 @@ struct viewCase {
     for (int k = 0; k < nz; ++k)
       for (int j = 0; j < ny; ++j)
         for (int i = 0; i < nx; ++i) {
-          if (!shape(i, j, k)) continue;
-          if (xy) cfg.bitmapXY[sliceIndex(nx, ny, 0, i, j)] = c;
-          if (yz) cfg.bitmapYZ[sliceIndex(nz, ny, 0, k, j)] = c;
-          if (zx) cfg.bitmapZX[sliceIndex(nx, nz, 0, i, k)] = c;
+          if (xy && xy(i, j, k)) cfg.bitmapXY[sliceIndex(nx, ny, 0, i, j)] = c;
+          if (yz && yz(i, j, k)) cfg.bitmapYZ[sliceIndex(nz, ny, 0, k, j)] = c;
+          if (zx && zx(i, j, k)) cfg.bitmapZX[sliceIndex(nx, nz, 0, i, k)] = c;
         }
-    for (int p = 0; p < 3; ++p)
-      if ((p == 0 && xy) || (p == 1 && yz) || (p == 2 && zx)) inBitmap(cfg, c, 0, p) = 1;
+    for (int p = 0; p < 3; ++p) inBitmap(cfg, c, 0, p) = p == 0 ? bool(xy) : p == 1 ? bool(yz) : bool(zx);
     constructDomain(domain, cfg);
   }
 
@@ -67,7 +65,7 @@ TEST(stretchColors, eachRuleRebuildsAPyramidFromItsThreeSilhouettes) {
   } cases[] = {
       {0, &alongZ, "XY section along z"}, {1, &alongX, "YZ section along x"}, {2, &alongY, "ZX section along y"}};
   for (const auto& t : cases) {
-    viewCase v(9, 9, 9, *t.shape);
+    viewCase v(9, 9, 9, *t.shape, *t.shape, *t.shape);
     v.cfg.StretchPlane[viewCase::c] = t.rule;
     stretchColors(v.cfg, v.domain);
     v.expectLabels(*t.shape, t.name);
@@ -76,25 +74,21 @@ TEST(stretchColors, eachRuleRebuildsAPyramidFromItsThreeSilhouettes) {
 
 TEST(stretchColors, offRuleGivesPrismsAndTheirIntersection) {
   const body disc = [](int i, int j, int) { return (i - 3) * (i - 3) + (j - 3) * (j - 3) <= 4; };
-  viewCase prism(7, 7, 5, disc, true, false, false);
+  viewCase prism(7, 7, 5, disc);
   stretchColors(prism.cfg, prism.domain);
   prism.expectLabels(disc, "an XY view alone fills the whole depth");
 
   // XY: x in 1..3; ZX: x in 2..5 and z in 1..2. The body is x in 2..3,
   // z in 1..2, every y.
-  viewCase both(7, 4, 5, [](int, int, int) { return false; });
-  for (int j = 0; j < 4; ++j)
-    for (int i = 1; i <= 3; ++i) both.cfg.bitmapXY[sliceIndex(7, 4, 0, i, j)] = viewCase::c;
-  for (int k = 1; k <= 2; ++k)
-    for (int i = 2; i <= 5; ++i) both.cfg.bitmapZX[sliceIndex(7, 5, 0, i, k)] = viewCase::c;
-  inBitmap(both.cfg, viewCase::c, 0, planeXY) = 1;
-  inBitmap(both.cfg, viewCase::c, 0, planeZX) = 1;
+  viewCase both(
+      7, 4, 5, [](int i, int, int) { return i >= 1 && i <= 3; }, {},
+      [](int i, int, int k) { return i >= 2 && i <= 5 && k >= 1 && k <= 2; });
   stretchColors(both.cfg, both.domain);
   both.expectLabels([](int i, int, int k) { return i >= 2 && i <= 3 && k >= 1 && k <= 2; }, "two prisms");
 
   // Two dimensions: the label is the slice.
   const body blob = [](int i, int j, int) { return i * j % 3 == 1; };
-  viewCase flat(6, 5, 1, blob, true, false, false);
+  viewCase flat(6, 5, 1, blob);
   stretchColors(flat.cfg, flat.domain);
   flat.expectLabels(blob, "two dimensions");
 }
@@ -103,7 +97,7 @@ TEST(prepareFromInputs, mirrorsEveryColourBeforeInvertingAny) {
   // A block at the left, mirrored across x and inverted: fluid is only
   // where the block and its mirror stood.
   const body block = [](int i, int j, int) { return i <= 2 && j >= 3 && j <= 5; };
-  viewCase v(12, 9, 1, block, true, false, false);
+  viewCase v(12, 9, 1, block);
   v.cfg.SymmetricPlane[viewCase::c] = 1;
   v.cfg.InverseFlag[viewCase::c] = 0;
   prepareFromInputs(v.domain, v.cfg);
@@ -114,7 +108,7 @@ TEST(prepareFromInputs, mirrorsEveryColourBeforeInvertingAny) {
   EXPECT_GT(v.domain.outlines[8].numSegments, 0) << "the outline is drawn from the mask";
 
   // A preview leaves everything as it was.
-  viewCase p(12, 9, 1, block, true, false, false);
+  viewCase p(12, 9, 1, block);
   p.cfg.stageInterrupted = 1;
   prepareFromInputs(p.domain, p.cfg);
   EXPECT_EQ(p.domain.bcFlag(1, 4, 0), 0);
