@@ -92,23 +92,21 @@ TEST(NodeLists, ScalarAndAgeListsFollowTheirTablesAndFlags) {
   c.cfg.bcFixU[6] = c.cfg.bcFixV[6] = 0.0, c.cfg.bcU[6] = c.cfg.bcV[6] = dashValue, c.cfg.bcNoFlow[6] = 0;
   c.set(2, 3, 0, 6);  // on the face j = ny-1: not interior
 
-  buildNodeLists(c.domain, c.cfg);
-  EXPECT_TRUE(c.domain.massfrCells.empty()) << "no species";
-  EXPECT_TRUE(c.domain.tempCells.empty()) << "cmode 0";
-  EXPECT_TRUE(c.domain.ageWallCells.empty()) << "no age";
+  const auto lists = [&] {
+    buildNodeLists(c.domain, c.cfg);
+    return std::vector{indicesOf(c.domain.massfrCells), indicesOf(c.domain.tempCells), indicesOf(c.domain.ageWallCells),
+                       indicesOf(c.domain.ageInletCells)};
+  };
+  EXPECT_EQ(lists(), std::vector<std::vector<ijk>>(4)) << "no species, cmode 0, no age";
 
   c.cfg.speciesFlag = 1, c.cfg.cmode = 1, c.cfg.ageFlag = 1;
   c.set(1, 1, 0, 6);  // Cyan inside, free: a reset node
   c.set(2, 1, 0, 4);  // Green inside: u free but v fixed, so no reset
-  buildNodeLists(c.domain, c.cfg);
-  const std::vector<ijk> massfr{{0, 1, 0}, {2, 1, 0}, {3, 1, 0}, {1, 2, 0}};  // types 2, 4, 2, 7
-  EXPECT_EQ(indicesOf(c.domain.massfrCells), massfr);
-  const std::vector<ijk> temp{{1, 2, 0}, {2, 2, 0}};  // types 7, 3
-  EXPECT_EQ(indicesOf(c.domain.tempCells), temp);
-  const std::vector<ijk> ageWall{{1, 2, 0}, {2, 2, 0}};
-  EXPECT_EQ(indicesOf(c.domain.ageWallCells), ageWall);
-  const std::vector<ijk> ageInlet{{0, 1, 0}, {1, 1, 0}};  // faces first, then interior
-  EXPECT_EQ(indicesOf(c.domain.ageInletCells), ageInlet);
+  // massfr: types 2, 4, 2, 7; temperature: 7, 3; age walls; age resets, faces first, then interior.
+  EXPECT_EQ(lists(), (std::vector<std::vector<ijk>>{{{0, 1, 0}, {2, 1, 0}, {3, 1, 0}, {1, 2, 0}},
+                                                    {{1, 2, 0}, {2, 2, 0}},
+                                                    {{1, 2, 0}, {2, 2, 0}},
+                                                    {{0, 1, 0}, {1, 1, 0}}}));
   EXPECT_EQ(c.domain.ageInletCells[1].type, 6);
 }
 
