@@ -49,6 +49,8 @@ TEST(BoundaryStage, WithoutWallsOnlyTheOuterPlanesCopyTheirInnerNeighbour) {
       for (int nz : {1, 2, 3}) {
         stageCase c(nx, ny, nz);
         buildNodeLists(c.domain, c.cfg);
+        // Each face node once with its inner neighbour; no z faces in two dimensions.
+        ASSERT_EQ(c.domain.edgePairs.size(), std::size_t(2 * (ny * nz + nx * nz + (nz == 1 ? 0 : nx * ny))));
         ownedArray3d<double> before(nx, ny, nz);
         copyFrom(before, c.q);
         applyPressure(c.domain, c.q);
