@@ -2,6 +2,7 @@
 // de Vahl Davis (1983) heated cavity, hot-wall Nusselt number at Ra 1e4 and 1e5.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -12,6 +13,10 @@
 
 namespace marv {
 namespace {
+
+double seconds(std::chrono::steady_clock::time_point since) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+}
 
 // Velocities along the two centrelines, u on x = 0.5 then v on y = 0.5.
 std::vector<double> centrelines(const testing::cavityCase& c) {
@@ -30,6 +35,7 @@ void verifyLid(int re, double cfl, double tolerance) {
   // on this mesh the explicit viscous limit h^2/(4 nu) = 1.5e-3 s lies below
   // 0.25 h/U = 2.0e-3 s, so this case runs at a smaller cfl.
   c.cfg.cfl = cfl;
+  const auto start = std::chrono::steady_clock::now();
   // Steady when no centreline velocity changes by more than 1e-4 of the lid
   // speed per second of simulated time, measured over one second.
   double settledAt = -1.0;
@@ -52,8 +58,8 @@ void verifyLid(int re, double cfl, double tolerance) {
     double& worst = p.quantity == 'u' ? worstU : worstV;
     worst = std::max(worst, std::fabs(value - p.value));
   }
-  std::printf("Re %d: largest deviation u %.4f, v %.4f; steady at t = %.1f s after %d steps\n", re, worstU, worstV,
-              settledAt, c.ts);
+  std::printf("Re %d: largest deviation u %.4f, v %.4f; steady at t = %.1f s after %d steps; wall time %.1f s\n", re,
+              worstU, worstV, settledAt, c.ts, seconds(start));
   EXPECT_GT(settledAt, 0.0) << "no steady state within 400 s";
   EXPECT_LT(worstU, tolerance);
   EXPECT_LT(worstV, tolerance);
@@ -74,6 +80,7 @@ double publishedNusselt(const std::string& ra) {
 void verifyHeated(const std::string& raText, int n, double tolerance) {
   const double ra = std::stod(raText);
   testing::heatedCavity c(n, ra, 0.71, 1);
+  const auto start = std::chrono::steady_clock::now();
   // Steady when the Nusselt number changes by less than 1e-5 over one tenth
   // of the thermal diffusion time L^2/alpha.
   const double alpha = c.cfg.mu / c.cfg.rhow / c.cfg.pr;
@@ -88,8 +95,10 @@ void verifyHeated(const std::string& raText, int n, double tolerance) {
     nu = next;
   }
   const double reference = publishedNusselt(raText);
-  std::printf("Ra %s on %d x %d: Nu %.4f, reference %.3f; steady at t = %.1f s after %d steps\n", raText.c_str(), n, n,
-              nu, reference, settledAt, steps);
+  std::printf(
+      "Ra %s on %d x %d: Nu %.4f, reference %.3f, deviation %.1f %%; steady at t = %.1f s after %d steps; "
+      "wall time %.1f s\n",
+      raText.c_str(), n, n, nu, reference, 100.0 * (nu - reference) / reference, settledAt, steps, seconds(start));
   EXPECT_GT(settledAt, 0.0) << "no steady state within the step limit";
   EXPECT_NEAR(nu, reference, tolerance * reference);
 }
