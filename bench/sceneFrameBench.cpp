@@ -3,7 +3,8 @@
 // - frame/N: the frame's own work on an N x N 2D case (quantity, colour
 //   mapping and the recording of one box per cell) followed by the clear of
 //   a picture nobody looks at, which the layer drops without rasterising;
-// - presented/N: the same frame read back, so that it is rasterised (Mesa's
+// - presented/N/0/1 (and a 241 x 61 channel at 5 pixels a cell, the size of
+//   the cylinder example's picture): the same frame read back, so that it is rasterised (Mesa's
 //   software renderer here): the frames per second a window could show;
 // - solverStep/513: one step of the constant-density solver on the same
 //   grid with 20 pressure sweeps, one thread, for comparison;
@@ -42,34 +43,43 @@ struct cavity {
   fieldViews views{};
   sceneView scene;
 
-  explicit cavity(int n) {
-    cfg.nx = cfg.ny = n;
+  // nx x ny nodes (ny = nx when 0), `ppc` pixels a cell.
+  explicit cavity(int nx, int ny = 0, int ppc = 1) {
+    ny = ny > 0 ? ny : nx;
+    const double h = 1.0 / (nx - 1);
+    cfg.nx = nx, cfg.ny = ny;
     cfg.nz = 1;
-    cfg.lx = cfg.ly = 1.0, cfg.lz = 0.0;
-    cfg.dx = cfg.dy = 1.0 / (n - 1), cfg.dz = 1.0;
+    cfg.lx = 1.0, cfg.ly = h * (ny - 1), cfg.lz = 0.0;
+    cfg.dx = cfg.dy = h, cfg.dz = 1.0;
     cfg.ibm = 0, cfg.mu = 1e-3, cfg.uinb = 1.0, cfg.cs = dashValue;
     cfg.peps = 0.0, cfg.loopmax = 20;  // every step 20 sweeps
     cfg.deltat = 0.2 * cfg.dx, cfg.fixedDeltat = 1;
     cfg.numThreads = 1, cfg.npx = cfg.npy = cfg.npz = 1;
     cfg.threadX.assign(1, 0), cfg.threadY.assign(1, 0), cfg.threadZ.assign(1, 0);
-    cfg.tileI0 = {0}, cfg.tileI1 = {n}, cfg.tileJ0 = {0}, cfg.tileJ1 = {n}, cfg.tileK0 = {0}, cfg.tileK1 = {1};
-    cfg.xCoord.resize(n), cfg.yCoord.resize(n), cfg.zCoord.assign(1, 0.0);
-    cfg.pixPerCell = 1, cfg.pixPerMetre = 1.0 / cfg.dx;
+    cfg.tileI0 = {0}, cfg.tileI1 = {nx}, cfg.tileJ0 = {0}, cfg.tileJ1 = {ny}, cfg.tileK0 = {0}, cfg.tileK1 = {1};
+    cfg.xCoord.resize(nx), cfg.yCoord.resize(ny), cfg.zCoord.assign(1, 0.0);
+    const int w = ppc * (nx - 1), hPix = ppc * (ny - 1);
+    cfg.pixPerCell = ppc, cfg.pixPerMetre = ppc / cfg.dx;
     cfg.marginLeft = cfg.marginRight = 10, cfg.marginTop = 30;
-    cfg.domPixX = cfg.domPixY = cfg.domPixW = cfg.domPixH = n - 1;
-    cfg.screenWidth = cfg.sceneWidth = n - 1 + 20;
-    cfg.screenHeight = cfg.sceneHeight = 30 + 21 + n - 1 + 63;
-    cfg.pixelX.resize(n), cfg.pixelY.resize(n);
-    for (int i = 0; i < n; ++i) {
-      cfg.xCoord[i] = cfg.yCoord[i] = i * cfg.dx;
+    cfg.domPixX = cfg.domPixY = cfg.domPixW = w;
+    cfg.domPixH = hPix;
+    cfg.screenWidth = cfg.sceneWidth = w + 20;
+    cfg.screenHeight = cfg.sceneHeight = 30 + 21 + hPix + 63;
+    cfg.pixelX.resize(nx), cfg.pixelY.resize(ny);
+    for (int i = 0; i < nx; ++i) {
+      cfg.xCoord[i] = i * cfg.dx;
       cfg.pixelX[i] = static_cast<float>(cfg.xCoord[i] * cfg.pixPerMetre) + 10.5f;
-      cfg.pixelY[i] = static_cast<float>(cfg.pixPerMetre - cfg.yCoord[i] * cfg.pixPerMetre) + 30.5f;
+    }
+    for (int j = 0; j < ny; ++j) {
+      cfg.yCoord[j] = j * cfg.dy;
+      cfg.pixelY[j] = static_cast<float>((cfg.ly - cfg.yCoord[j]) * cfg.pixPerMetre) + 30.5f;
     }
     setColourTables(cfg);
     cfg.bcTypePresent = {0, 1, 1, 0, 0, 0, 0, 0, 0, 0};
     constructDomain(domain, cfg);
-    for (int j = 0; j < n; ++j)
-      for (int i = 0; i < n; ++i) domain.bcFlag(i, j, 0) = j == n - 1 ? 2 : ((i == 0 || i == n - 1 || j == 0) ? 1 : 0);
+    for (int j = 0; j < ny; ++j)
+      for (int i = 0; i < nx; ++i)
+        domain.bcFlag(i, j, 0) = j == ny - 1 ? 2 : ((i == 0 || i == nx - 1 || j == 0) ? 1 : 0);
     buildNodeLists(domain, cfg);
     solver = std::make_unique<incompSolver>(cfg, domain);
     setInitialFields(*solver);
@@ -97,7 +107,7 @@ void frame(benchmark::State& state) {
 
 void presented(benchmark::State& state) {
   if (!layerUp()) return state.SkipWithError("no OpenGL renderer");
-  cavity c(static_cast<int>(state.range(0)));
+  cavity c(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2)));
   const int probe = makePixelImage(1, 1);
   for (auto _ : state) {
     drawFrame(c.scene, c.cfg, c.views, 1);
@@ -161,7 +171,13 @@ void batch(benchmark::State& state, const std::string& name, int steps) {
 }  // namespace
 
 BENCHMARK(frame)->Arg(257)->Arg(513)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(presented)->Arg(257)->Arg(513)->Unit(benchmark::kMillisecond)->UseRealTime();
+// The last: a channel the size of the cylinder example's picture, 5 pixels a cell.
+BENCHMARK(presented)
+    ->Args({257, 0, 1})
+    ->Args({513, 0, 1})
+    ->Args({241, 61, 5})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(solverStep)->Arg(513)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK_CAPTURE(batch, cylinder2d, "cylinder2d", 1000)
     ->Arg(1)

@@ -90,6 +90,43 @@ void main() {
 }
 )";
 
+// The two shapes that fill most of a 2D picture's pixels, each without the
+// branches and the discard of the general shader: the software rasteriser
+// then shades a pixel in a fraction of the time. A discarded fragment and a
+// blended fragment of alpha 0 leave the same pixel when no depth is
+// written, which is when these are used.
+const char* flatFragmentSource = R"(#version 330 core
+in vec4 vColour;
+out vec4 fragColour;
+void main() { fragColour = vColour; }
+)";
+
+const char* glyphFragmentSource = R"(#version 330 core
+in vec4 vColour;
+in vec2 vUv;
+uniform sampler2D uTex;
+out vec4 fragColour;
+void main() { fragColour = vec4(vColour.rgb, vColour.a * texture(uTex, vUv).r); }
+)";
+
+// Runs of many boxes (the contour) are painted on the processor into a
+// sheet and drawn as one picture with this shader: the rasteriser then fills
+// the picture's pixels at the speed of a copy, where thousands of thin boxes
+// would cost it a triangle set-up each.
+const char* pictureFragmentSource = R"(#version 330 core
+in vec2 vUv;
+uniform sampler2D uTex;
+out vec4 fragColour;
+void main() { fragColour = texture(uTex, vUv); }
+)";
+
+enum shaderKind { generalShader, flatShader, glyphShader, pictureShader };
+
+// Box runs of fewer boxes than this are drawn as triangles.
+constexpr int pictureMinBoxes = 16;
+// Largest box sheet [px]: runs beyond it are drawn as triangles.
+constexpr int boxSheetLimit = 8192;
+
 coreState& state = coreInstance;
 
 unsigned compileShader(GLenum kind, const char* source) {
@@ -107,8 +144,6 @@ unsigned compileShader(GLenum kind, const char* source) {
   }
   return s;
 }
-
-void uploadMatrix(int slot, const matrix4& m) { glUniformMatrix4fv(state.uniforms[slot], 1, GL_TRUE, &m.m[0][0]); }
 
 // Pixels to clip coordinates, rows top-down: x 0..w to -1..1, y 0..h to -1..1.
 matrix4 pixelMatrix(int width, int height) {
@@ -140,22 +175,48 @@ drawUniforms uniformsNow(const batchKey& k) {
   return u;
 }
 
-void applyCommand(const command& c) {
+// The shader a command is drawn with: a shape untextured, unlit and at full
+// strength goes to the flat one, a glyph run to the glyph one, unless it
+// writes depth and could hold transparent pixels (those must be discarded).
+shaderKind shaderFor(const command& c) {
+  if (c.asPicture) return pictureShader;
   const batchKey& k = c.key;
-  uploadMatrix(uMatrix, c.uniforms.matrix);
-  glUniform1i(state.uniforms[uLit], k.lit ? 1 : 0);
-  if (k.lit) {
-    const lightState& l = c.uniforms.light;
-    glUniform3f(state.uniforms[uLightPos], l.position.x, l.position.y, l.position.z);
-    glUniform4f(state.uniforms[uAtten], l.a0, l.a1, l.a2, l.range);
-    const vec3 e = c.uniforms.eye;
-    glUniform3f(state.uniforms[uEye], e.x, e.y, e.z);
+  const bool plain = !k.lit && k.alphaAmount == 255 && (!k.depthWrite || c.opaque);
+  if (plain && k.texture == 0) return flatShader;
+  if (plain && k.glyphs && !k.depthWrite) return glyphShader;
+  return generalShader;
+}
+
+void applyCommand(const command& c, shaderKind shader) {
+  const batchKey& k = c.key;
+  const int* uniforms = state.uniforms[shader];
+  if (state.currentShader != shader) {
+    glUseProgram(state.programs[shader]);
+    state.currentShader = shader;
   }
-  glUniform1i(state.uniforms[uTextured], k.texture != 0 ? 1 : 0);
-  glUniform1i(state.uniforms[uTexAlpha], k.textureAlpha ? 1 : 0);
-  glUniform1i(state.uniforms[uGlyphs], k.glyphs ? 1 : 0);
-  glUniform1f(state.uniforms[uAlphaScale], static_cast<float>(k.alphaAmount) / 255.0f);
-  glBindTexture(GL_TEXTURE_2D, k.texture);
+  // Blending an opaque pixel gives the pixel itself; without it the
+  // rasteriser writes the colour straight away.
+  if (c.opaque && (shader == flatShader || shader == pictureShader)) {
+    glDisable(GL_BLEND);
+  } else {
+    glEnable(GL_BLEND);
+  }
+  glUniformMatrix4fv(uniforms[uMatrix], 1, GL_TRUE, &c.uniforms.matrix.m[0][0]);
+  if (shader == generalShader) {
+    glUniform1i(uniforms[uLit], k.lit ? 1 : 0);
+    if (k.lit) {
+      const lightState& l = c.uniforms.light;
+      glUniform3f(uniforms[uLightPos], l.position.x, l.position.y, l.position.z);
+      glUniform4f(uniforms[uAtten], l.a0, l.a1, l.a2, l.range);
+      const vec3 e = c.uniforms.eye;
+      glUniform3f(uniforms[uEye], e.x, e.y, e.z);
+    }
+    glUniform1i(uniforms[uTextured], k.texture != 0 ? 1 : 0);
+    glUniform1i(uniforms[uTexAlpha], k.textureAlpha ? 1 : 0);
+    glUniform1i(uniforms[uGlyphs], k.glyphs ? 1 : 0);
+    glUniform1f(uniforms[uAlphaScale], static_cast<float>(k.alphaAmount) / 255.0f);
+  }
+  glBindTexture(GL_TEXTURE_2D, c.asPicture ? state.boxSheet : k.texture);
   if (k.depthTest) {
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
@@ -211,25 +272,40 @@ bool operator==(const batchKey& a, const batchKey& b) {
 
 // ---------------------------------------------------------------- renderer life
 
-bool startRenderer(int width, int height) {
+// Links the shared vertex shader with one fragment shader and finds the
+// uniforms (a location of -1 where that shader has none; GL ignores those).
+bool linkShader(shaderKind kind, const char* fragment) {
   const GLuint vs = compileShader(GL_VERTEX_SHADER, vertexSource);
-  const GLuint fs = compileShader(GL_FRAGMENT_SHADER, fragmentSource);
-  if (vs == 0 || fs == 0) return false;
-  state.program = glCreateProgram();
-  glAttachShader(state.program, vs);
-  glAttachShader(state.program, fs);
-  glLinkProgram(state.program);
+  const GLuint fs = compileShader(GL_FRAGMENT_SHADER, fragment);
+  if (vs == 0 || fs == 0) {
+    glDeleteShader(vs);
+    glDeleteShader(fs);
+    return false;
+  }
+  const GLuint program = glCreateProgram();
+  state.programs[kind] = program;
+  glAttachShader(program, vs);
+  glAttachShader(program, fs);
+  glLinkProgram(program);
   glDeleteShader(vs);
   glDeleteShader(fs);
   GLint linked = 0;
-  glGetProgramiv(state.program, GL_LINK_STATUS, &linked);
+  glGetProgramiv(program, GL_LINK_STATUS, &linked);
   if (!linked) return false;
-  glUseProgram(state.program);
+  glUseProgram(program);
   const char* names[] = {"uMatrix",   "uLit",      "uLightPos", "uAtten",      "uEye",
                          "uTextured", "uTexAlpha", "uGlyphs",   "uAlphaScale", "uTex"};
-  for (int i = 0; i <= uTex; ++i) state.uniforms[i] = glGetUniformLocation(state.program, names[i]);
-  glUniform1i(state.uniforms[uTex], 0);
-  glUniform1f(glGetUniformLocation(state.program, "uAmbient"), ambientShare);
+  for (int i = 0; i <= uTex; ++i) state.uniforms[kind][i] = glGetUniformLocation(program, names[i]);
+  glUniform1i(state.uniforms[kind][uTex], 0);
+  glUniform1f(glGetUniformLocation(program, "uAmbient"), ambientShare);
+  state.currentShader = kind;
+  return true;
+}
+
+bool startRenderer(int width, int height) {
+  if (!linkShader(flatShader, flatFragmentSource) || !linkShader(glyphShader, glyphFragmentSource) ||
+      !linkShader(pictureShader, pictureFragmentSource) || !linkShader(generalShader, fragmentSource))
+    return false;
 
   glGenVertexArrays(1, &state.vao);
   glBindVertexArray(state.vao);
@@ -276,6 +352,9 @@ bool startRenderer(int width, int height) {
 }
 
 void stopRenderer() {
+  // Nobody will see the pending frame: drawings left for it are dropped
+  // unmade (what they point to may be gone already).
+  state.later.clear();
   stopFonts();
   if (state.ready) {
     for (image& img : state.images) freeImageObjects(img);
@@ -283,7 +362,8 @@ void stopRenderer() {
     glDeleteBuffers(1, &state.vbo);
     glDeleteBuffers(1, &state.ebo);
     glDeleteVertexArrays(1, &state.vao);
-    glDeleteProgram(state.program);
+    for (unsigned program : state.programs) glDeleteProgram(program);
+    if (state.boxSheet != 0) glDeleteTextures(1, &state.boxSheet);
   }
   state = coreState{};
 }
@@ -361,6 +441,78 @@ void recordBoxSlow(float x1, float y1, float x2, float y2, std::uint32_t colour)
   ++last->count;
 }
 
+namespace {
+
+// The state a later drawing's primitives are made in, kept and put back.
+void keepDrawState(laterDrawing& d) {
+  d.blendMode = state.blendMode, d.blendAmount = state.blendAmount;
+  d.zBuffer = state.zBuffer, d.zWrite = state.zWrite, d.lighting = state.lighting;
+  d.camera = state.camera, d.light = state.light;
+}
+void putDrawState(const laterDrawing& d) {
+  state.blendMode = d.blendMode, state.blendAmount = d.blendAmount;
+  state.zBuffer = d.zBuffer, state.zWrite = d.zWrite, state.lighting = d.lighting;
+  state.camera = d.camera, state.light = d.light;
+}
+
+}  // namespace
+
+// Makes the drawings left for now, each in its place: its primitives are
+// recorded into an empty command list with the target and blending it was
+// recorded with, then take its place. Meanwhile nothing is rasterised (the
+// record limits are let go).
+void makeLaterDrawings() {
+  if (state.later.empty()) return;
+  std::vector<command> pending, made;
+  pending.swap(state.commands);
+  made.reserve(pending.size());
+  // The drawing state now, restored afterwards: the target and the rest as a
+  // later drawing records them.
+  const int target = state.target;
+  laterDrawing now;
+  keepDrawState(now);
+  state.expandingLater = true;
+  for (const command& c : pending) {
+    if (c.kind != commandKind::later) {
+      made.push_back(c);
+      continue;
+    }
+    if (!c.live || c.laterIndex < 0 || c.laterIndex >= static_cast<int>(state.later.size())) continue;
+    const laterDrawing d = state.later[c.laterIndex];
+    state.target = c.target;
+    putDrawState(d);
+    stateChanged();
+    d.draw(d.context);
+    made.insert(made.end(), state.commands.begin(), state.commands.end());
+    state.commands.clear();
+  }
+  state.expandingLater = false;
+  state.target = target;
+  putDrawState(now);
+  stateChanged();
+  state.commands.swap(made);
+  state.later.clear();
+}
+
+int recordLaterDrawing(void (*draw)(const void*), const void* context, int size) {
+  if (draw == nullptr || size < 0 || size > drawLaterContextSize) return -1;
+  // Without a renderer nothing would be drawn; while the drawings left for
+  // the rasterisation are made, one more is made at once.
+  if (!state.ready || state.expandingLater) {
+    draw(context);
+    return 0;
+  }
+  laterDrawing d;
+  d.draw = draw;
+  if (size > 0) std::memcpy(d.context, context, static_cast<std::size_t>(size));
+  keepDrawState(d);
+  command& c = startCommand(commandKind::later, batchKey{}, 0);
+  c.laterIndex = static_cast<int>(state.later.size());
+  state.later.push_back(d);
+  stateChanged();  // what follows starts a command of its own
+  return 0;
+}
+
 void recordClear() {
   if (!state.ready) return;
   const image* target = imageOf(state.target);
@@ -382,6 +534,7 @@ void recordClear() {
   }
   if (!anyLive) {
     state.commands.clear();
+    state.later.clear();
     state.vertexCount = 0;
     state.boxCount = 0;
     state.glyphCount = 0;
@@ -398,16 +551,110 @@ namespace {
 
 // Vertices a command draws once its records are expanded.
 int verticesOf(const command& c) {
+  if (c.asPicture) return 4;
   switch (c.kind) {
     case commandKind::vertices: return c.count;
     case commandKind::lines: return lineRecordVertices * c.count;
-    case commandKind::clear: return 0;
+    case commandKind::clear:
+    case commandKind::later: return 0;
     default: return 4 * c.count;
   }
 }
 
+// Chooses the box runs drawn as pictures, paints them into the box sheet
+// and uploads it. A run qualifies with many boxes at full strength (blended
+// boxes would blend where they overlap). Each takes the rows of its
+// bounding rectangle, clipped to its target; pixels no box covers stay
+// transparent, and a run that covers all of its rectangle is opaque.
+void paintBoxSheet() {
+  int width = 0, height = 0;
+  for (command& c : state.commands) {
+    c.asPicture = false;
+    if (!c.live || c.kind != commandKind::boxes || c.count < pictureMinBoxes || c.key.alphaAmount != 255) continue;
+    const image* target = imageOf(c.target);
+    if (target == nullptr) continue;
+    float x1 = 1e30f, y1 = 1e30f, x2 = -1e30f, y2 = -1e30f;
+    for (int b = 0; b < c.count; ++b) {
+      const boxRecord& r = state.boxes[c.first + b];
+      x1 = std::min(x1, r.x1), y1 = std::min(y1, r.y1), x2 = std::max(x2, r.x2), y2 = std::max(y2, r.y2);
+    }
+    const int rect[4] = {std::max(static_cast<int>(x1), 0), std::max(static_cast<int>(y1), 0),
+                         std::min(static_cast<int>(x2), target->width), std::min(static_cast<int>(y2), target->height)};
+    const int w = rect[2] - rect[0], h = rect[3] - rect[1];
+    if (w <= 0 || h <= 0 || w > boxSheetLimit || height + h > boxSheetLimit) continue;
+    c.asPicture = true;
+    std::copy(rect, rect + 4, c.pictureRect);
+    c.sheetRow = height;
+    height += h;
+    width = std::max(width, w);
+  }
+  if (height == 0) return;
+  growTo(state.boxPixels, static_cast<std::size_t>(width) * height);
+  std::uint32_t* sheet = state.boxPixels.data();
+  std::fill(sheet, sheet + static_cast<std::size_t>(width) * height, 0u);
+  bool anyTransparent = false;
+  for (command& c : state.commands) {
+    if (!c.asPicture) continue;
+    const int* rect = c.pictureRect;
+    // Boxes have whole-pixel corners (drawBox, drawBoxRow): a box covers the
+    // pixels from x1 to x2 - 1, the same as the rasteriser fills.
+    for (int b = 0; b < c.count; ++b) {
+      const boxRecord& r = state.boxes[c.first + b];
+      const int bx1 = std::max(static_cast<int>(r.x1), rect[0]), bx2 = std::min(static_cast<int>(r.x2), rect[2]);
+      const int by1 = std::max(static_cast<int>(r.y1), rect[1]), by2 = std::min(static_cast<int>(r.y2), rect[3]);
+      if (bx2 <= bx1) continue;
+      const std::uint32_t rgba =
+          ((r.colour >> 16) & 255u) | (r.colour & 0xFF00u) | ((r.colour & 255u) << 16) | 0xFF000000u;
+      for (int y = by1; y < by2; ++y) {
+        std::uint32_t* row = sheet + static_cast<std::size_t>(c.sheetRow + y - rect[1]) * width - rect[0];
+        std::fill(row + bx1, row + bx2, rgba);
+      }
+    }
+    bool covered = true;
+    for (int y = 0; y < rect[3] - rect[1] && covered; ++y) {
+      const std::uint32_t* row = sheet + static_cast<std::size_t>(c.sheetRow + y) * width;
+      covered = std::find(row, row + (rect[2] - rect[0]), 0u) == row + (rect[2] - rect[0]);
+    }
+    c.opaque = covered;
+    anyTransparent |= !covered;
+  }
+  state.boxSheetRowLength = width;
+  // Opaque pictures go straight into their targets' pixels (flush); the
+  // sheet texture is needed only for pictures with holes.
+  if (!anyTransparent) return;
+  if (state.boxSheet == 0) glGenTextures(1, &state.boxSheet);
+  glBindTexture(GL_TEXTURE_2D, state.boxSheet);
+  if (width > state.boxSheetWidth || height > state.boxSheetHeight) {
+    state.boxSheetWidth = std::max(width, state.boxSheetWidth);
+    state.boxSheetHeight = std::max(height, state.boxSheetHeight);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, state.boxSheetWidth, state.boxSheetHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                 nullptr);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  }
+  glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, sheet);
+}
+
+// An opaque picture replaces the pixels of its rectangle: they are written
+// into the target's texture, in order with the draws before and after it.
+// False when the target has no texture of its own.
+bool writePicture(const command& c) {
+  const image* target = imageOf(c.target);
+  if (target == nullptr || target->texture == 0) return false;
+  const int* rect = c.pictureRect;
+  glBindTexture(GL_TEXTURE_2D, target->texture);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, state.boxSheetRowLength);
+  glTexSubImage2D(GL_TEXTURE_2D, 0, rect[0], rect[1], rect[2] - rect[0], rect[3] - rect[1], GL_RGBA, GL_UNSIGNED_BYTE,
+                  state.boxPixels.data() + static_cast<std::size_t>(c.sheetRow) * state.boxSheetRowLength);
+  glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+  return true;
+}
+
 // The vertices of the live commands, records expanded, in one upload.
 int buildUpload() {
+  paintBoxSheet();
   int total = 0;
   for (const command& c : state.commands)
     if (c.live && c.kind != commandKind::clear) total += verticesOf(c);
@@ -417,8 +664,30 @@ int buildUpload() {
     if (!c.live || c.kind == commandKind::clear) continue;
     c.uploadFirst = at;
     vertex* v = state.upload.data() + at;
+    if (c.asPicture) {  // one quad whose texel centres fall on pixel centres
+      const int* rect = c.pictureRect;
+      const float sw = static_cast<float>(state.boxSheetWidth), sh = static_cast<float>(state.boxSheetHeight);
+      const float xs[4] = {float(rect[0]), float(rect[2]), float(rect[2]), float(rect[0])};
+      const float ys[4] = {float(rect[1]), float(rect[1]), float(rect[3]), float(rect[3])};
+      const float us[4] = {0.0f, float(rect[2] - rect[0]) / sw, float(rect[2] - rect[0]) / sw, 0.0f};
+      const float top = float(c.sheetRow) / sh, bottom = float(c.sheetRow + rect[3] - rect[1]) / sh;
+      const float vs[4] = {top, top, bottom, bottom};
+      for (int corner = 0; corner < 4; ++corner) {
+        v[corner] = vertex{};
+        v[corner].x = xs[corner];
+        v[corner].y = ys[corner];
+        v[corner].u = us[corner];
+        v[corner].v = vs[corner];
+      }
+      at += 4;
+      continue;
+    }
     if (c.kind == commandKind::vertices) {
-      std::copy(state.vertices.data() + c.first, state.vertices.data() + c.first + c.count, v);
+      const vertex* from = state.vertices.data() + c.first;
+      std::copy(from, from + c.count, v);
+      bool opaque = true;
+      for (int i = 0; i < c.count; ++i) opaque &= from[i].a == 255;
+      c.opaque = opaque;
       at += c.count;
       continue;
     }
@@ -444,6 +713,7 @@ int buildUpload() {
       at += 4 * c.count;
       continue;
     }
+    c.opaque = true;  // a box's colour has no alpha
     for (int b = 0; b < c.count; ++b, v += 4) {
       const boxRecord& r = state.boxes[c.first + b];
       const float xs[4] = {r.x1, r.x2, r.x2, r.x1}, ys[4] = {r.y1, r.y1, r.y2, r.y2};
@@ -462,7 +732,8 @@ int buildUpload() {
 }  // namespace
 
 void flush() {
-  if (!state.ready || state.commands.empty()) return;
+  if (!state.ready || state.commands.empty() || state.expandingLater) return;
+  makeLaterDrawings();
   const int total = buildUpload();
   glBindVertexArray(state.vao);
   glBindBuffer(GL_ARRAY_BUFFER, state.vbo);
@@ -483,7 +754,8 @@ void flush() {
       glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
       continue;
     }
-    applyCommand(c);
+    if (c.asPicture && c.opaque && writePicture(c)) continue;
+    applyCommand(c, shaderFor(c));
     if (c.key.kind == primitive::quads || c.kind != commandKind::vertices) {
       const int quads = verticesOf(c) / 4;
       glDrawElementsBaseVertex(GL_TRIANGLES, quads * 6, GL_UNSIGNED_INT, nullptr, c.uploadFirst);

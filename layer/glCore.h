@@ -104,7 +104,18 @@ struct lineRecord {
 
 constexpr int lineRecordVertices = 12;  // vertices of a rasterised line record
 
-enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, lines = 4 };
+enum class commandKind : int { clear = 0, vertices = 1, boxes = 2, glyphs = 3, lines = 4, later = 5 };
+
+// A drawing left for the moment the frame is rasterised (drawLater).
+struct laterDrawing {
+  void (*draw)(const void* context) = nullptr;
+  alignas(16) unsigned char context[drawLaterContextSize] = {};
+  // The drawing state when it was recorded, which its primitives are made in.
+  int blendMode = 0, blendAmount = 255;
+  bool zBuffer = false, zWrite = false, lighting = false;
+  cameraState camera;
+  lightState light;
+};
 
 constexpr int maxBoxesPerCommand = 49152;  // boxes of one draw call: 196608 vertices
 
@@ -120,39 +131,54 @@ struct command {
   float background[4] = {};  // colour of a clear
   drawUniforms uniforms;     // of a draw
   int uploadFirst = 0;       // first vertex in the upload, set while rasterising
+  bool opaque = false;       // every vertex fully opaque, set while rasterising
+  // A run of many boxes is painted into the box sheet (a texture) and drawn
+  // as one picture: set while rasterising.
+  bool asPicture = false;
+  int pictureRect[4] = {};  // x1 y1 x2 y2 of the painted pixels in the target [px]
+  int sheetRow = 0;
+  int laterIndex =
+      -1;  // its drawing in coreState::later, for a later command         // first row of its pixels in the box sheet
 };
 
 // The state of the backend. One instance; main thread only.
 struct coreState {
-  bool ready = false;                               // a GL context is current and the renderer is built
-  int width = 1080;                                 // back buffer [px]
-  int height = 560;                                 // back buffer [px]
-  int target = backBuffer;                          // current draw target
-  image backImage;                                  // the back buffer as an off-screen target
-  std::vector<image> images;                        // by handle
-  float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};   // clear colour [0..1]
-  int blendMode = 0;                                // 0 none, 1 alpha
-  int blendAmount = 255;                            // [0..255]
-  bool zBuffer = false;                             // depth test of 3D shapes
-  bool zWrite = false;                              // depth write of 3D shapes
-  bool lighting = false;                            // point light on 3D shapes
-  cameraState camera;                               // current camera; size follows the draw target
-  lightState light;                                 // the point light
-  long long drawCalls = 0;                          // draw calls issued since start
-  std::vector<command> commands;                    // the pending frame, in order
-  std::vector<vertex> vertices;                     // pending vertices; grows, never shrinks
-  int vertexCount = 0;                              // of them in use
-  std::vector<boxRecord> boxes;                     // pending box records; grows, never shrinks
-  int boxCount = 0;                                 // of them in use
-  std::vector<glyphRecord> glyphs;                  // pending glyph records; grows, never shrinks
-  int glyphCount = 0;                               // of them in use
-  std::vector<lineRecord> lines;                    // pending line records; grows, never shrinks
-  int lineCount = 0;                                // of them in use
-  std::vector<vertex> upload;                       // vertices of one rasterisation
-  int bufferCapacity = 0;                           // vertices the GL buffer holds
-  unsigned serial = 1;                              // bumped by every change of drawing state
-  unsigned program = 0, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
-  int uniforms[16] = {};                            // uniform locations, see glBatch.cpp
+  bool ready = false;                                    // a GL context is current and the renderer is built
+  int width = 1080;                                      // back buffer [px]
+  int height = 560;                                      // back buffer [px]
+  int target = backBuffer;                               // current draw target
+  image backImage;                                       // the back buffer as an off-screen target
+  std::vector<image> images;                             // by handle
+  float background[4] = {0.0f, 0.0f, 0.0f, 1.0f};        // clear colour [0..1]
+  int blendMode = 0;                                     // 0 none, 1 alpha
+  int blendAmount = 255;                                 // [0..255]
+  bool zBuffer = false;                                  // depth test of 3D shapes
+  bool zWrite = false;                                   // depth write of 3D shapes
+  bool lighting = false;                                 // point light on 3D shapes
+  cameraState camera;                                    // current camera; size follows the draw target
+  lightState light;                                      // the point light
+  long long drawCalls = 0;                               // draw calls issued since start
+  std::vector<command> commands;                         // the pending frame, in order
+  std::vector<vertex> vertices;                          // pending vertices; grows, never shrinks
+  int vertexCount = 0;                                   // of them in use
+  std::vector<boxRecord> boxes;                          // pending box records; grows, never shrinks
+  int boxCount = 0;                                      // of them in use
+  std::vector<glyphRecord> glyphs;                       // pending glyph records; grows, never shrinks
+  int glyphCount = 0;                                    // of them in use
+  std::vector<lineRecord> lines;                         // pending line records; grows, never shrinks
+  int lineCount = 0;                                     // of them in use
+  std::vector<vertex> upload;                            // vertices of one rasterisation
+  int bufferCapacity = 0;                                // vertices the GL buffer holds
+  unsigned serial = 1;                                   // bumped by every change of drawing state
+  unsigned programs[4] = {}, vao = 0, vbo = 0, ebo = 0;  // GL objects of the renderer
+  int uniforms[4][16] = {};                              // uniform locations of each program, see glBatch.cpp
+  unsigned boxSheet = 0;                                 // texture of the painted box runs
+  int boxSheetWidth = 0, boxSheetHeight = 0;             // its size [px]
+  std::vector<std::uint32_t> boxPixels;                  // its pixels while they are painted
+  int boxSheetRowLength = 0;                             // pixels a row of boxPixels
+  std::vector<laterDrawing> later;                       // drawings of the pending frame left for its rasterisation
+  bool expandingLater = false;                           // they are being made: nothing is rasterised meanwhile
+  int currentShader = -1;                                // the program in use
 };
 
 // Inline: the recording of a box or a glyph asks for it every time.
@@ -189,6 +215,9 @@ batchKey key3d(primitive kind, bool lit);
 
 // Rasterises the pending frame and empties it.
 void flush();
+// drawLater and finishLaterDrawings of the OpenGL backend.
+int recordLaterDrawing(void (*draw)(const void*), const void* context, int size);
+void makeLaterDrawings();
 // Forgets the pending commands of the current target that nobody reads, and
 // records a clear of it.
 void recordClear();

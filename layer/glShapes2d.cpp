@@ -230,6 +230,15 @@ int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t
   return 0;
 }
 
+int drawLater(void (*draw)(const void*), const void* context, int size) {
+  return recordLaterDrawing(draw, context, size);
+}
+
+int finishLaterDrawings() {
+  makeLaterDrawings();
+  return 0;
+}
+
 int drawBoxF(float x1, float y1, float x2, float y2, std::uint32_t c, int fill, float thickness) {
   if (x2 < x1) std::swap(x1, x2);
   if (y2 < y1) std::swap(y1, y2);

@@ -29,9 +29,10 @@ struct glyph {
 
 struct atlas {
   unsigned texture = 0;                             // GL texture of coverage in red
+  unsigned edgeTexture = 0;                         // the same places: coverage of the one-pixel edge
   std::unordered_map<std::uint32_t, glyph> glyphs;  // by code point
   std::array<const glyph*, 128> ascii{};            // the same for code points below 128, null until made
-  int penX = 0, penY = 0, rowHeight = 0;            // free place [px]
+  int penX = 1, penY = 1, rowHeight = 0;            // free place [px]
   unsigned emptied = 0;                             // times the atlas was emptied to make room
 };
 
@@ -54,6 +55,7 @@ void dropAtlas(const fonts::fontEntry& f) {
   if (found->second.texture != 0 && core().ready) {
     flush();  // the batch may still use it
     glDeleteTextures(1, &found->second.texture);
+    glDeleteTextures(1, &found->second.edgeTexture);
   }
   atlases.erase(found);
 }
@@ -62,12 +64,14 @@ atlas& atlasOf(const fonts::fontEntry& f) {
   fonts::fontGoing = dropAtlas;
   atlas& a = atlases[f.serial];
   if (a.texture == 0) {
-    glGenTextures(1, &a.texture);
-    glBindTexture(GL_TEXTURE_2D, a.texture);
-    std::vector<std::uint8_t> zero(static_cast<std::size_t>(atlasSide) * atlasSide, 0);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_R8, atlasSide, atlasSide, 0, GL_RED, GL_UNSIGNED_BYTE, zero.data());
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    const std::vector<std::uint8_t> zero(static_cast<std::size_t>(atlasSide) * atlasSide, 0);
+    for (unsigned* texture : {&a.texture, &a.edgeTexture}) {
+      glGenTextures(1, texture);
+      glBindTexture(GL_TEXTURE_2D, *texture);
+      glTexImage2D(GL_TEXTURE_2D, 0, GL_R8, atlasSide, atlasSide, 0, GL_RED, GL_UNSIGNED_BYTE, zero.data());
+      glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+      glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    }
   }
   return a;
 }
@@ -78,6 +82,26 @@ const glyph* remember(atlas& a, std::uint32_t cp, const glyph& g) {
   const glyph* kept = &(a.glyphs[cp] = g);  // map nodes stay where they are until cleared
   if (cp < a.ascii.size()) a.ascii[cp] = kept;
   return kept;
+}
+
+// The edge of a glyph of w x h coverage values: the glyph drawn once at
+// each of the eight places one pixel around, as one coverage of w + 2 x
+// h + 2. Eight copies blended one over the other leave
+// 1 - (1 - a1)(1 - a2)...(1 - a8) of their colour.
+std::vector<std::uint8_t> edgeOf(const std::vector<std::uint8_t>& rows, int w, int h) {
+  std::vector<std::uint8_t> edge(static_cast<std::size_t>(w + 2) * (h + 2));
+  for (int y = 0; y < h + 2; ++y)
+    for (int x = 0; x < w + 2; ++x) {
+      float clear = 1.0f;  // share of the pixel no copy covers
+      for (int dy = -1; dy <= 1; ++dy)
+        for (int dx = -1; dx <= 1; ++dx) {
+          const int sx = x - 1 - dx, sy = y - 1 - dy;
+          if ((dx == 0 && dy == 0) || sx < 0 || sy < 0 || sx >= w || sy >= h) continue;
+          clear *= 1.0f - static_cast<float>(rows[static_cast<std::size_t>(sy) * w + sx]) / 255.0f;
+        }
+      edge[static_cast<std::size_t>(y) * (w + 2) + x] = static_cast<std::uint8_t>((1.0f - clear) * 255.0f + 0.5f);
+    }
+  return edge;
 }
 
 const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
@@ -93,10 +117,12 @@ const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
   g.top = face->glyph->bitmap_top;
   g.w = static_cast<int>(bm.width);
   g.h = static_cast<int>(bm.rows);
-  if (g.w > 0 && g.h > 0 && g.w < atlasSide && g.h < atlasSide) {
+  // Glyphs keep two pixels apart and one from the atlas's border, so that
+  // each one's edge, a pixel wider all round, has its own pixels.
+  if (g.w > 0 && g.h > 0 && g.w < atlasSide - 2 && g.h < atlasSide - 2) {
     if (a.penX + g.w + 1 > atlasSide) {
-      a.penX = 0;
-      a.penY += a.rowHeight + 1;
+      a.penX = 1;
+      a.penY += a.rowHeight + 2;
       a.rowHeight = 0;
     }
     if (a.penY + g.h + 1 > atlasSide) {
@@ -104,11 +130,12 @@ const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
       a.glyphs.clear();
       a.ascii.fill(nullptr);
       ++a.emptied;
-      a.penX = a.penY = a.rowHeight = 0;
+      a.penX = a.penY = 1;
+      a.rowHeight = 0;
     }
     g.x = a.penX;
     g.y = a.penY;
-    a.penX += g.w + 1;
+    a.penX += g.w + 2;
     a.rowHeight = std::max(a.rowHeight, g.h);
     std::vector<std::uint8_t> rows(static_cast<std::size_t>(g.w) * g.h);
     const int pitch = bm.pitch;
@@ -122,6 +149,9 @@ const glyph* glyphOf(fonts::fontEntry& f, atlas& a, std::uint32_t cp) {
     }
     glBindTexture(GL_TEXTURE_2D, a.texture);
     glTexSubImage2D(GL_TEXTURE_2D, 0, g.x, g.y, g.w, g.h, GL_RED, GL_UNSIGNED_BYTE, rows.data());
+    const std::vector<std::uint8_t> edge = edgeOf(rows, g.w, g.h);
+    glBindTexture(GL_TEXTURE_2D, a.edgeTexture);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, g.x - 1, g.y - 1, g.w + 2, g.h + 2, GL_RED, GL_UNSIGNED_BYTE, edge.data());
   } else {
     g.w = g.h = 0;
   }
@@ -157,17 +187,20 @@ int layOut(fonts::fontEntry& f, atlas& a, const char* text, bool vertical) {
   return n;
 }
 
-// The laid-out glyphs as glyph records with the pen at (x, y).
-bool emit(const batchKey& k, int n, int x, int y, std::uint32_t colour) {
+// The laid-out glyphs as glyph records with the pen at (x, y); grown by
+// `grow` pixels all round (the edge: 1).
+bool emit(const batchKey& k, int n, int x, int y, std::uint32_t colour, int grow = 0) {
   constexpr int chunk = 4096;  // glyphs of one reservation
   const float fx = static_cast<float>(x), fy = static_cast<float>(y);
+  const float d = static_cast<float>(grow), du = d / static_cast<float>(atlasSide);
   for (int first = 0; first < n; first += chunk) {
     const int count = std::min(chunk, n - first);
     glyphRecord* r = reserveGlyphs(k, count);
     if (r == nullptr) return false;
     for (int i = 0; i < count; ++i) {
       const placedGlyph& q = placed[first + i];
-      r[i] = glyphRecord{fx + q.x0, fy + q.y0, fx + q.x1, fy + q.y1, q.u0, q.v0, q.u1, q.v1, colour};
+      r[i] = glyphRecord{fx + q.x0 - d, fy + q.y0 - d, fx + q.x1 + d, fy + q.y1 + d, q.u0 - du,
+                         q.v0 - du,     q.u1 + du,     q.v1 + du,     colour};
     }
   }
   return true;
@@ -197,10 +230,11 @@ int drawTextRunEdged(int x, int y, const char* text, std::uint32_t colour, const
   k.texture = a.texture;
   k.glyphs = true;
   if (clip) std::copy(clip, clip + 4, k.clip);
-  if (edgeColour != nullptr)
-    for (int dy = -1; dy <= 1; ++dy)
-      for (int dx = -1; dx <= 1; ++dx)
-        if ((dx != 0 || dy != 0) && !emit(k, n, x + dx, y + dy, *edgeColour)) return 0;
+  if (edgeColour != nullptr) {
+    batchKey edge = k;
+    edge.texture = a.edgeTexture;
+    if (!emit(edge, n, x, y, *edgeColour, 1)) return 0;
+  }
   emit(k, n, x, y, colour);
   return 0;
 }
@@ -222,8 +256,8 @@ int textWidthOf(int font, const char* text) { return fonts::widthOf(font, text);
 
 int drawText(int x, int y, const char* text, std::uint32_t colour, int font, std::uint32_t edgeColour, int vertical) {
   if (text == nullptr) return -1;
-  // An edge of one pixel: the text in the edge colour around the place,
-  // laid out once for all nine copies.
+  // An edge of one pixel: the text in the edge colour at the eight places
+  // around, drawn as one pass from the edge atlas, then the text.
   return drawTextRunEdged(x, y, text, colour, edgeColour != 0 ? &edgeColour : nullptr, font, nullptr, vertical != 0);
 }
 

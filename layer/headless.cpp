@@ -318,6 +318,12 @@ int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t
   for (int i = 0; i < n; ++i) drawBox(x1[i], y1, x2[i], y2, colours[i], 1);
   return 0;
 }
+int drawLater(void (*draw)(const void*), const void* context, int size) {
+  if (draw == nullptr || size < 0 || size > drawLaterContextSize) return -1;
+  draw(context);
+  return 0;
+}
+int finishLaterDrawings() { return 0; }
 int drawBoxF(float, float, float, float, std::uint32_t, int, float) { return 0; }
 int drawLine(int, int, int, int, std::uint32_t, int) { return 0; }
 int drawLineF(float, float, float, float, std::uint32_t, float) { return 0; }

@@ -211,6 +211,19 @@ int drawBox(int x1, int y1, int x2, int y2, std::uint32_t colour, int fill);  //
 // fill on. Neighbours of one colour that touch or overlap may be recorded
 // as one box.
 int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t* colours, int n);
+// A drawing made only when its pixels are needed: draw(context) runs when
+// the frame is rasterised (presented, saved or read back), in its place
+// among the primitives recorded before and after this call, in the drawing
+// state of this call (target, blending, depth, light, camera); a clear of
+// the target before then drops it unmade. The `size` bytes at context (at
+// most drawLaterContextSize) are copied; what they point to must stay until
+// then. The drawing may use shapes, 2D and 3D, not text or images. A
+// backend without pixels draws at once.
+constexpr int drawLaterContextSize = 64;
+int drawLater(void (*draw)(const void* context), const void* context, int size);
+// Makes every drawing left by drawLater now, in its place, without
+// rasterising: for the moment before what their contexts point to goes.
+int finishLaterDrawings();
 int drawBoxF(float x1, float y1, float x2, float y2, std::uint32_t colour, int fill, float thickness);
 int drawLine(int x1, int y1, int x2, int y2, std::uint32_t colour, int thickness);
 int drawLineF(float x1, float y1, float x2, float y2, std::uint32_t colour, float thickness);

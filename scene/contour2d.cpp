@@ -30,25 +30,56 @@ void layOutCells(sceneView& scene, const appConfig& cfg) {
   }
 }
 
+namespace {
+
+// What the cell rows of one frame are drawn from: the scene's copy of the
+// quantity's values, kept until the frame is rasterised or cleared, and the
+// colour range of the frame.
+struct contourRows {
+  sceneView* scene;
+  const double* field;
+  int nx, cx, cy;
+  double lo, hi;
+};
+
+static_assert(sizeof(contourRows) <= drawLaterContextSize);
+
+// The cells, a row at a time; cells of one colour side by side become one
+// box. Made only when the picture's pixels are needed.
+void drawContourRows(const void* context) {
+  const contourRows& c = *static_cast<const contourRows*>(context);
+  sceneView& scene = *c.scene;
+  // The layout may have changed since the frame: only cells that are still there.
+  const int cx = std::min(c.cx, static_cast<int>(scene.cellX0.size()));
+  const int cy = std::min(c.cy, static_cast<int>(scene.cellY0.size()));
+  if (static_cast<int>(scene.rowColours.size()) < cx) scene.rowColours.assign(cx, 0);
+  if (static_cast<int>(scene.rowSlots.size()) < cx) scene.rowSlots.assign(cx, 0);
+  std::uint32_t* colours = scene.rowColours.data();
+  int* slots = scene.rowSlots.data();
+  const std::uint32_t* table = scene.colourTable.data();
+  for (int j = 0; j < cy; ++j) {
+    const double* row0 = c.field + static_cast<long>(j) * c.nx;
+    const double* row1 = row0 + c.nx;
+    cellColourSlots(row0, row1, cx, c.lo, c.hi, slots);
+    for (int i = 0; i < cx; ++i) colours[i] = table[slots[i]];
+    drawBoxRow(scene.cellX0.data(), scene.cellX1.data(), scene.cellY0[j], scene.cellY1[j], colours, cx);
+  }
+}
+
+}  // namespace
+
 void drawContour2d(sceneView& scene, const appConfig& cfg, const array3d<double>& field) {
   if (cfg.dispQuantFlag == 0) return;
   const int cx = static_cast<int>(scene.cellX0.size()), cy = static_cast<int>(scene.cellY0.size());
   if (field.data != nullptr && field.nx >= cx + 1 && field.ny >= cy + 1) {
-    const double lo = rangeLow(scene, cfg), hi = rangeHigh(scene, cfg);
-    const int nx = field.nx;
-    if (static_cast<int>(scene.rowColours.size()) != cx) scene.rowColours.assign(cx, 0);
-    if (static_cast<int>(scene.rowSlots.size()) != cx) scene.rowSlots.assign(cx, 0);
-    std::uint32_t* colours = scene.rowColours.data();
-    int* slots = scene.rowSlots.data();
-    const std::uint32_t* table = scene.colourTable.data();
-    for (int j = 0; j < cy; ++j) {
-      const double* row0 = field.data + static_cast<long>(j) * nx;
-      const double* row1 = row0 + nx;
-      cellColourSlots(row0, row1, cx, lo, hi, slots);
-      for (int i = 0; i < cx; ++i) colours[i] = table[slots[i]];
-      // One call a row: cells of one colour side by side become one box.
-      drawBoxRow(scene.cellX0.data(), scene.cellX1.data(), scene.cellY0[j], scene.cellY1[j], colours, cx);
-    }
+    // A frame nobody sees costs no colouring: the rows are made when the
+    // picture is presented, saved or read.
+    const std::size_t used = static_cast<std::size_t>(field.nx) * (cy + 1);
+    if (scene.contourValues.size() < used) scene.contourValues.resize(used);
+    std::copy(field.data, field.data + used, scene.contourValues.data());
+    const contourRows rows{
+        &scene, scene.contourValues.data(), field.nx, cx, cy, rangeLow(scene, cfg), rangeHigh(scene, cfg)};
+    drawLater(drawContourRows, &rows, sizeof rows);
   }
   drawBox(cfg.marginLeft - 1, cfg.marginTop - 1, cfg.marginLeft + cfg.domPixW + 2, cfg.marginTop + cfg.domPixH + 2,
           scene.colours.black, 0);

@@ -228,6 +228,7 @@ void drawFrame(sceneView& scene, appConfig& cfg, fieldViews& views, int mode) {
 }
 
 void destroyScene(sceneView& scene) {
+  finishLaterDrawings();  // the contour rows left for the picture read the scene
   deleteImage(scene.helpImage);
   scene.helpImage = -1;
   destroyTextBox(scene.promptBox);

@@ -94,6 +94,10 @@ struct sceneView {
   std::vector<int> cellY0, cellY1;        // pixel rows of each row of cells, ny - 1 of them (top, bottom)
   std::vector<std::uint32_t> rowColours;  // colours of one row of cells, nx - 1 of them, scratch of the frame
   std::vector<int> rowSlots;              // their colour table slots, the same
+  // The quantity's values the contour of the pending frame is drawn from:
+  // the display view is reused (for the boundary field) before the frame is
+  // rasterised.
+  std::vector<double> contourValues;
   // Boundary cells of each colour id as boxes x1 y1 x2 y2 [px], found once
   // for the flags kept in boundaryFlagsSeen: the domain does not change
   // while a run steps, the check costs one comparison a frame.

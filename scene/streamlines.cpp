@@ -261,13 +261,39 @@ int walkSeeds(const appConfig& cfg, const array3d<int>& bcFlag, int dims, bool a
   return w.count;
 }
 
+namespace {
+
+// Streamlines are traced only when the picture is rasterised: the velocity
+// fields stand until then (the run loop presents, saves or clears the frame
+// before it steps). Lines in the quantity's colours read the display view,
+// which is reused before the picture is saved, so they are traced at once.
+struct laterLines {
+  sceneView* scene;
+  const appConfig* cfg;
+  const fieldViews* views;
+  int dims;
+};
+
+void drawLaterLines(const void* context) {
+  const laterLines& l = *static_cast<const laterLines*>(context);
+  drawLines(*l.scene, *l.cfg, *l.views, l.dims);
+}
+
+void drawStreamlines(sceneView& scene, const appConfig& cfg, const fieldViews& views, int dims) {
+  if (cfg.nonBcObjectColorFlag == 1) return drawLines(scene, cfg, views, dims);
+  const laterLines l{&scene, &cfg, &views, dims};
+  drawLater(drawLaterLines, &l, sizeof l);
+}
+
+}  // namespace
+
 void drawStreamlines2d(sceneView& scene, const appConfig& cfg, const fieldViews& views) {
-  drawLines(scene, cfg, views, 2);
+  drawStreamlines(scene, cfg, views, 2);
 }
 
 void drawStreamlines3d(sceneView& scene, const appConfig& cfg, const fieldViews& views) {
   if (cfg.ts < 10) return;
-  drawLines(scene, cfg, views, 3);
+  drawStreamlines(scene, cfg, views, 3);
 }
 
 }  // namespace marv

@@ -1,4 +1,4 @@
-// Off-screen render helpers: a suite fixture on the OpenGL backend, a rectangle's pixels, a PNG to look at.
+// Off-screen render helpers: a suite fixture on the OpenGL backend, a rectangle's pixels, PNG and JPEG files.
 #pragma once
 
 #pragma GCC diagnostic push
@@ -8,6 +8,9 @@
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#include <stb/stb_image.h>
 #pragma GCC diagnostic pop
 
 #include <gtest/gtest.h>

@@ -62,15 +62,12 @@ inline marv::inputFrame typing(const std::string& text, std::vector<int> taps = 
   return f;
 }
 
-// Idle frames, so that the screen's debounce of Enter passes (the clock is
-// the real one).
+// Idle frames, so that the screen's debounce of Enter passes (the clock is the real one).
 inline std::vector<marv::inputFrame> idle(int count, int x = 0, int y = 0) {
   return std::vector<marv::inputFrame>(count, pointer(x, y));
 }
 
-// A screen that never decides runs out of script; the window then closes
-// and the program ends at once. While a scriptedRun is alive that end is
-// turned into a failing exit status.
+// A screen out of script ends the program at once: while a scriptedRun lives, with a failing status.
 inline bool& runActive() {
   static bool active = false;
   return active;
@@ -78,25 +75,18 @@ inline bool& runActive() {
 
 struct scriptedRun {
   explicit scriptedRun(std::vector<marv::inputFrame> frames) {
-    static bool installed = false;
-    if (!installed) {
-      installed = true;
-      std::atexit([] {
-        if (runActive()) {
-          std::fprintf(stderr, "the screen did not decide before its script ended\n");
-          _exit(1);
-        }
-      });
-    }
+    [[maybe_unused]] static const int installed = std::atexit([] {
+      if (runActive()) {
+        std::fprintf(stderr, "the screen did not decide before its script ended\n");
+        _exit(1);
+      }
+    });
     runActive() = true;
-    // Two quiet frames at the end: a screen reads a frame's input before it
-    // hands the frame on, so its last decision needs one frame more.
+    // Two quiet frames at the end: a screen's last decision needs one frame more.
     const marv::inputFrame rest =
         frames.empty() ? marv::inputFrame{} : pointer(frames.back().mouseX, frames.back().mouseY);
-    frames.push_back(rest);
-    frames.push_back(rest);
-    // A quiet frame first, handed on at once, so that nothing held by an
-    // earlier script reaches the screen's first reading.
+    frames.insert(frames.end(), 2, rest);
+    // A quiet frame first, so that nothing held by an earlier script reaches the screen.
     frames.insert(frames.begin(), rest);
     marv::setInputScript(std::move(frames), true);
     marv::processMessages();

@@ -30,8 +30,7 @@ inline std::string readText(const std::filesystem::path& path) {
   return out.str();
 }
 
-// Runs the enclosing scope inside folder; returns to the previous folder and
-// removes the scratch folder at the end.
+// Runs the enclosing scope inside folder; returns to the previous folder and removes the scratch folder at the end.
 class inFolder {
  public:
   explicit inFolder(const std::filesystem::path& folder) : previous_(std::filesystem::current_path()), folder_(folder) {

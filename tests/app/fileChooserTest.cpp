@@ -12,31 +12,24 @@ namespace {
 using namespace marv;
 namespace fs = std::filesystem;
 
-TEST(FileChooser, ListsFoldersFirstThenInputFilesOnly) {
-  const fs::path root = marvtest::scratchFolder("chooser-list");
-  fs::create_directories(root / "zeta");
-  fs::create_directories(root / "alpha");
-  fs::create_directories(root / ".hidden");
+TEST(FileChooser, ListsFoldersFirstThenInputFilesAndAProjectFolderStandsForItsParameterFile) {
+  const fs::path root = marvtest::scratchFolder("chooser");
+  for (const char* folder : {"zeta", "alpha", ".hidden"}) fs::create_directories(root / folder);
   for (const char* name : {"param.txt", "bcXY0.BMP", "bc.stl", "notes.md", "dump.raw", ".history"})
     marvtest::writeText(root / name, "x");
-  const std::vector<std::string> expected = {"alpha/", "zeta/", "bc.stl", "bcXY0.BMP", "param.txt"};
-  EXPECT_EQ(listChoosable(root.string()), expected);
-  EXPECT_TRUE(listChoosable((root / "missing").string()).empty());
-  fs::remove_all(root);
-}
-
-TEST(FileChooser, AProjectFolderStandsForItsParameterFileAndANewPathMustBeFree) {
-  const fs::path root = marvtest::scratchFolder("chooser-resolve");
   marvtest::writeText(root / "case" / "input" / "param.txt", "1:nx 5\n");
+  EXPECT_EQ(listChoosable(root.string()),
+            (std::vector<std::string>{"alpha/", "case/", "zeta/", "bc.stl", "bcXY0.BMP", "param.txt"}));
+  EXPECT_TRUE(listChoosable((root / "missing").string()).empty());
   const std::string param = (root / "case" / "input" / "param.txt").string();
   EXPECT_EQ(resolveChosenPath((root / "case").string(), false), param);
   EXPECT_EQ(resolveChosenPath((root / "case" / ".." / "case" / "").string(), false), param);
   EXPECT_EQ(resolveChosenPath(param, false), param);
   EXPECT_EQ(resolveChosenPath(root.string(), false), "") << "a folder that is no project";
   EXPECT_EQ(resolveChosenPath("", false), "");
-
+  // A new project's path must be free, in an existing folder.
   EXPECT_EQ(resolveChosenPath((root / "fresh").string(), true), (root / "fresh").string());
-  EXPECT_EQ(resolveChosenPath((root / "case").string(), true), "") << "an existing folder is not new";
+  EXPECT_EQ(resolveChosenPath((root / "case").string(), true), "");
   EXPECT_EQ(resolveChosenPath((root / "no" / "such" / "parent").string(), true), "");
   fs::remove_all(root);
 }
@@ -47,18 +40,14 @@ TEST(FileChooser, APathTypedBehindTheShownFolderStartsAnew) {
   marvtest::writeText(root / "case" / "input" / "param.txt", "1:nx 5\n");
   appConfig cfg;
   constructAppConfig(cfg, false, false);
-  inputFrame typed;
-  typed.typed = (root / "case").string();
-  typed.typed.insert(typed.typed.begin(), '/');  // behind the prefilled folder: "...//abs/case"
-  inputFrame enter;
-  enter.keysTapped = {keyEnter};
-  // The chooser ignores Enter in its first 400 ms.
-  std::vector<inputFrame> frames = {typed};
-  std::string chosen;
+  // Typed behind the prefilled folder: "...//abs/case". The chooser ignores Enter in its first 400 ms.
+  std::string typed = (root / "case").string();
+  typed.insert(typed.begin(), '/');
+  const std::vector<inputFrame> frames = {marvtest::typing(typed), marvtest::typing("", {keyEnter})};
   const int start = nowMs();
   while (nowMs() - start <= cfg.keyDelayMs + 50) waitMs(10);
   cfg.keyDelayMs = 0;
-  frames.push_back(enter);
+  std::string chosen;
   {
     marvtest::scriptedRun run(frames);
     chosen = askPathInWindow(cfg, "Choose", false);

@@ -1,8 +1,6 @@
 // The menu bar played through the input script: the screens never see what it takes; commands reach a whole pass.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <climits>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -23,14 +21,9 @@ namespace menu = marv::menu;
 constexpr int altKey = 56;
 constexpr int letterF = 33, letterL = 38, letterN = 49, letterS = 31, letterX = 45;
 
-// Centre of a rectangle of the menu canvas, in back buffer pixels as the
-// script gives them: the bar lies above the back buffer.
+// Centre of a menu rectangle in back buffer pixels, as the script gives them: the bar lies above.
 inputFrame at(const menu::rect& r, int buttons = 0) {
-  inputFrame f;
-  f.mouseX = (r.x1 + r.x2) / 2;
-  f.mouseY = (r.y1 + r.y2) / 2 - marv::menuBarHeight();
-  f.buttons = buttons;
-  return f;
+  return marvtest::frameAt((r.x1 + r.x2) / 2, (r.y1 + r.y2) / 2 - marv::menuBarHeight(), buttons);
 }
 
 menu::rect itemOf(int list, int index) {
@@ -51,7 +44,6 @@ class menuScriptTest : public ::testing::Test {
     marv::setMenuCommandReceiver(record, nullptr);
   }
   void TearDown() override { marv::stopLayer(); }
-
   // Plays one frame; what the screens saw of the left button in it.
   int play(const inputFrame& f) {
     marv::setInputScript({f}, false);
@@ -60,12 +52,27 @@ class menuScriptTest : public ::testing::Test {
   }
 };
 
-TEST_F(menuScriptTest, openMoveAndChooseWithTheScreensSeeingNoneOfIt) {
+TEST_F(menuScriptTest, theMenuKeepsItsClicksAndKeysFromTheScreensAndRefusesGreyedItems) {
+  marv::setMenuItemEnabled(menu::commandNewProject, 0);
+  marv::setMenuItemEnabled(menu::commandOpenSimulation, 0);
   const menu::menuModel& m = menu::windowMenu();
   int seen = 0;
   seen |= play(at(menu::headRect(m, 0), marv::mouseLeft));
   seen |= play(at(menu::headRect(m, 0)));
-  EXPECT_EQ(m.openHead, 0);
+  seen |= play(at(itemOf(0, 0), marv::mouseLeft));
+  seen |= play(at(itemOf(0, 0)));
+  EXPECT_TRUE(menu::isOpen(m)) << "a greyed item is not chosen";
+  // By keys: N refused; L opens the submenu, S refused there; Esc closes it unseen by the screens.
+  inputFrame keys = at(itemOf(0, 0));
+  keys.keysTapped = {letterN, letterL, letterS};
+  play(keys);
+  EXPECT_GE(m.openSub, 0);
+  inputFrame esc = at(itemOf(0, 0));
+  esc.keysHeld = {marv::keyEsc};
+  play(esc);
+  EXPECT_EQ(marv::keyDown(marv::keyEsc), 0);
+  EXPECT_EQ(m.openSub, -1);
+  EXPECT_TRUE(menu::isOpen(m));
   // Hover to Help, then a click on its third item.
   seen |= play(at(menu::headRect(m, 1)));
   EXPECT_EQ(m.openHead, 1);
@@ -74,52 +81,15 @@ TEST_F(menuScriptTest, openMoveAndChooseWithTheScreensSeeingNoneOfIt) {
   EXPECT_EQ(seen, 0) << "no click on the menu reaches the screens";
   EXPECT_FALSE(menu::isOpen(m));
   EXPECT_EQ(received, std::vector<int>{menu::commandHelpExamples});
-  // With the menu closed, a click in the picture is the screens' again.
+  // With the menu closed, clicks and Esc are the screens' again.
   EXPECT_EQ(play(marvtest::pointer(300, 200, true)), marv::mouseLeft);
-}
-
-TEST_F(menuScriptTest, greyedItemsAreRefusedAndEscClosesWithoutReachingTheScreens) {
-  marv::setMenuItemEnabled(menu::commandNewProject, 0);
-  marv::setMenuItemEnabled(menu::commandOpenSimulation, 0);
-  const menu::menuModel& m = menu::windowMenu();
-  play(at(menu::headRect(m, 0), marv::mouseLeft));
-  play(at(menu::headRect(m, 0)));
-  play(at(itemOf(0, 0), marv::mouseLeft));
-  play(at(itemOf(0, 0)));
-  EXPECT_TRUE(menu::isOpen(m)) << "a greyed item is not chosen";
-  // By keys: N refused; L opens the submenu, S refused there.
-  inputFrame keys = at(itemOf(0, 0));
-  keys.keysTapped = {letterN, letterL, letterS};
-  play(keys);
-  EXPECT_GE(m.openSub, 0);
-  EXPECT_TRUE(received.empty());
-  // Esc twice: the submenu, then the menu; the screens never see it held.
-  inputFrame esc = keys;
-  esc.keysTapped.clear();
-  esc.keysHeld = {marv::keyEsc};
-  play(esc);
-  EXPECT_EQ(marv::keyDown(marv::keyEsc), 0);
-  EXPECT_EQ(m.openSub, -1);
-  EXPECT_TRUE(menu::isOpen(m));
-  esc.keysHeld.clear();
-  play(esc);
-  esc.keysHeld = {marv::keyEsc};
-  play(esc);
-  EXPECT_EQ(marv::keyDown(marv::keyEsc), 0);
-  EXPECT_FALSE(menu::isOpen(m));
-  // With the menu closed, Esc is the screens' again.
-  esc.keysHeld.clear();
-  play(esc);
-  esc.keysHeld = {marv::keyEsc};
   play(esc);
   EXPECT_EQ(marv::keyDown(marv::keyEsc), 1);
-  EXPECT_TRUE(received.empty());
 }
 
-// A pass of the driver whose start screen waits, as the window's does, until
-// the menu has delivered a path or the window closes.
+// A driver pass whose start screen waits, as the window's does, for a path from the menu or the close.
 bool windowClosed = false;
-bool greyedDuringThePass[3] = {};
+int greyedDuringThePass = 0;
 
 int waitingStartScreen(marv::driverState& state, marv::appConfig&) {
   for (int frame = 0; frame < 200; ++frame) {
@@ -132,10 +102,9 @@ int waitingStartScreen(marv::driverState& state, marv::appConfig&) {
   return -1;
 }
 
-// After the project choice: are the project commands greyed?
+// After the project choice: how many of the project commands are greyed?
 int refuseSource(marv::driverState&, marv::appConfig&) {
-  const int ids[] = {40006, 40009, 40010};
-  for (int i = 0; i < 3; ++i) greyedDuringThePass[i] = !menu::findItem(menu::windowMenu(), ids[i])->enabled;
+  for (int id : {40006, 40009, 40010}) greyedDuringThePass += !menu::findItem(menu::windowMenu(), id)->enabled;
   return -1;
 }
 
@@ -150,10 +119,7 @@ std::vector<inputFrame> fileMenuKeys(std::vector<int> letters) {
 
 TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   const std::filesystem::path start = marvtest::scratchFolder("menu-pass");
-  char here[PATH_MAX];
-  ASSERT_NE(getcwd(here, sizeof here), nullptr);
-  ASSERT_EQ(chdir(start.c_str()), 0);
-
+  marvtest::inFolder inside(start);
   marv::driverState state;
   marv::menuHook hook;
   hook.state = &state;
@@ -165,19 +131,15 @@ TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   stages.onePass = true;
   stages.writeHistory = false;
   stages.splash = false;
-
-  // File, Load, In Simulation Mode: the path arrives, the pass goes on with
-  // it and the project commands are greyed for the rest of the pass.
+  // File, Load, In Simulation Mode: the pass goes on with the path, the project commands greyed.
   state.analysisRequest = 1;
   marv::setInputScript(fileMenuKeys({letterL, letterS}), false);
   marv::runDriver(stages, state);
-  EXPECT_EQ(state.chosenFilePath, "/projects/duct/input/param.txt");
-  EXPECT_EQ(state.newProjectRequest, 0);
-  EXPECT_EQ(state.analysisRequest, 0);
+  EXPECT_EQ(state.chosenFilePath + std::to_string(state.newProjectRequest) + std::to_string(state.analysisRequest),
+            "/projects/duct/input/param.txt00");
   EXPECT_EQ(std::filesystem::current_path(), start);
   EXPECT_FALSE(windowClosed);
-  for (bool greyed : greyedDuringThePass) EXPECT_TRUE(greyed);
-
+  EXPECT_EQ(greyedDuringThePass, 3) << "the project commands are greyed";
   // File, Exit ends the process's loop at the next message handling.
   marv::setWindowMenu(101);
   marv::installMenuHook(hook);
@@ -187,9 +149,6 @@ TEST_F(menuScriptTest, theMenuDrivesAPassOfTheDriver) {
   EXPECT_TRUE(windowClosed);
   EXPECT_EQ(state.runsCompleted, 0);
   EXPECT_EQ(state.chosenFilePath, "");
-
-  ASSERT_EQ(chdir(here), 0);
-  std::filesystem::remove_all(start);
 }
 
 TEST_F(menuScriptTest, aHelpPageThatCannotOpenIsToldInAMessageBoxUntilOk) {

@@ -1,9 +1,10 @@
 // Record files of a thermo cavity run by the batch driver: a restart continues every one line for line.
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include "batchRun.h"
 #include "result/forceRecord.h"
@@ -16,62 +17,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path example = fs::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "thermo2d";
-
-// Each line whose first word is key (in param.txt after its "NNN:") gets
-// value as its second word; the rest of the line goes. The example holds
-// nfile twice. A parameter that no line holds is added before "#End of file".
-std::string setKey(const std::string& text, const std::string& key, const std::string& value, bool numbered) {
-  std::string out;
-  bool found = false;
-  std::size_t start = 0;
-  while (start < text.size()) {
-    std::size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    std::string line = text.substr(start, end - start);
-    std::size_t word = 0;
-    if (numbered) {
-      while (word < line.size() && std::isdigit(static_cast<unsigned char>(line[word]))) ++word;
-      word = word > 0 && word < line.size() && line[word] == ':' ? word + 1 : std::string::npos;
-    }
-    if (word != std::string::npos && line.compare(word, key.size(), key) == 0 &&
-        (word + key.size() == line.size() || line[word + key.size()] == ' ')) {
-      line = line.substr(0, word) + key + " " + value;
-      found = true;
-    }
-    out += line + (end < text.size() ? "\n" : "");
-    start = end + 1;
-  }
-  const std::size_t end = out.find("#End of file");
-  if (!found && numbered && end != std::string::npos) out.insert(end, "099:" + key + " " + value + "\n");
-  return out;
-}
-
-// Sets each key of a param.txt (numbered) or viz.txt file.
-void setKeys(const fs::path& file, std::initializer_list<std::pair<const char*, std::string>> values, bool numbered) {
-  std::string text = marvtest::readText(file);
-  for (const auto& [key, value] : values) text = setKey(text, key, value, numbered);
-  marvtest::writeText(file, text);
-}
-
-// A copy of the example, set to record from step 0 with probes at two
-// points and both walls' force and heat loss.
+// The thermo example recording from step 0: probes at two points, both walls' force and heat loss.
 fs::path recordingProject() {
-  const fs::path folder = marvtest::scratchFolder("records");
-  fs::copy(example / "input", folder / "input", fs::copy_options::recursive);
-  fs::create_directories(folder / "dump");
-  fs::create_directories(folder / "figs");
-  setKeys(folder / "input" / "param.txt", {{"nx", "21"}, {"ny", "21"}, {"deltat", "0.002"}, {"nfig", "0"}}, true);
-  setKeys(folder / "input" / "viz.txt",
-          {{"probeRecordInterval", "5"},
-           {"numProbes", "2"},
-           {"forceRecInterval", "5"},
-           {"showForce", "1"},
-           {"numRecForce", "2"},
-           {"heatLossRecInterval", "5"},
-           {"showHeatLoss", "1"},
-           {"numRecHeatLoss", "2"}},
-          false);
+  const fs::path folder = marvtest::copyExample("thermo2d");
+  marvtest::writeText(folder / "input" / "param.txt",
+                      "001:sts 0\n" + marvtest::readText(folder / "input" / "param.txt"));
+  marvtest::setParameters(folder, {{"nx", "21"}, {"ny", "21"}, {"deltat", "0.002"}, {"nfig", "0"}});
+  std::ofstream(folder / "input" / "viz.txt", std::ios::app)
+      << "probeRecordInterval 5\nnumProbes 2\nforceRecInterval 5\nshowForce 1\nnumRecForce 2\n"
+         "heatLossRecInterval 5\nshowHeatLoss 1\nnumRecHeatLoss 2\n";
   // The choices as the window leaves them: the last line of each file.
   appConfig seed;
   seed.forceRecordOn[1] = seed.forceRecordOn[8] = 1;
@@ -87,8 +41,8 @@ fs::path recordingProject() {
 }
 
 void runSteps(const fs::path& folder, int sts, int latts, int nfile) {
-  setKeys(folder / "input" / "param.txt",
-          {{"sts", std::to_string(sts)}, {"latts", std::to_string(latts)}, {"nfile", std::to_string(nfile)}}, true);
+  marvtest::setParameters(
+      folder, {{"sts", std::to_string(sts)}, {"latts", std::to_string(latts)}, {"nfile", std::to_string(nfile)}});
   driverState state;
   ASSERT_EQ(marvtest::runBatch(folder, state), 0);
   ASSERT_EQ(state.stepsTaken, latts - sts + 1);
@@ -99,45 +53,29 @@ const char* const recordFiles[] = {"force.txt", "heatLoss.txt", "probe_000_ascii
 TEST(RecordRestart, RecordsContinueLineForLineAsAnUninterruptedRun) {
   const fs::path whole = recordingProject();
   runSteps(whole, 0, 40, 20);
-  const std::string force = marvtest::readText(whole / "dump" / "force.txt");
-  ASSERT_EQ(std::count(force.begin(), force.end(), '\n'), 1 + 9) << "head line and steps 0, 5 .. 40";
-  EXPECT_EQ(force.find("      Black_flag "), force.rfind("      Black_flag ")) << "one head line";
-  const std::string heat = marvtest::readText(whole / "dump" / "heatLoss.txt");
-  EXPECT_NE(heat.find("\n          40 "), std::string::npos);
-
-  // Stopped at step 20 and continued from its dump.
+  std::vector<std::string> expected;
+  for (const char* name : recordFiles) expected.push_back(marvtest::readText(whole / "dump" / name));
+  ASSERT_EQ(std::count(expected[0].begin(), expected[0].end(), '\n'), 1 + 9) << "head line and steps 0, 5 .. 40";
+  EXPECT_EQ(expected[0].find("      Black_flag "), expected[0].rfind("      Black_flag ")) << "one head line";
+  EXPECT_NE(expected[1].find("\n          40 "), std::string::npos);
+  // Stopped at step 20, dying while writing step 25, and continued from dump 20: the half lines go.
   const fs::path split = recordingProject();
   runSteps(split, 0, 20, 20);
+  for (int n = 0; n < 4; ++n) {
+    const std::size_t at = expected[n].find("\n          25 ");
+    ASSERT_NE(at, std::string::npos) << recordFiles[n];
+    ASSERT_EQ(marvtest::readText(split / "dump" / recordFiles[n]), expected[n].substr(0, at + 1)) << recordFiles[n];
+    marvtest::writeText(split / "dump" / recordFiles[n], expected[n].substr(0, at + 30));
+  }
   runSteps(split, 20, 40, 20);
-  // Run past step 20, then restarted from dump 20 to redo the rest.
-  const fs::path redo = recordingProject();
-  runSteps(redo, 0, 40, 20);
-  runSteps(redo, 20, 40, 20);
-  for (const char* name : recordFiles) {
-    const std::string expected = marvtest::readText(whole / "dump" / name);
-    EXPECT_EQ(marvtest::readText(split / "dump" / name), expected) << name;
-    EXPECT_EQ(marvtest::readText(redo / "dump" / name), expected) << name;
+  // The whole run restarted from dump 20 to redo the rest.
+  runSteps(whole, 20, 40, 20);
+  for (int n = 0; n < 4; ++n) {
+    EXPECT_EQ(marvtest::readText(split / "dump" / recordFiles[n]), expected[n]) << recordFiles[n];
+    EXPECT_EQ(marvtest::readText(whole / "dump" / recordFiles[n]), expected[n]) << recordFiles[n];
   }
-  EXPECT_TRUE(fs::exists(redo / "dump" / "force.txt.cut")) << "the abandoned lines are kept beside";
-  for (const fs::path& folder : {whole, split, redo}) fs::remove_all(folder);
-}
-
-TEST(RecordRestart, AKilledRunsHalfLineIsReplacedByTheRestart) {
-  const fs::path whole = recordingProject();
-  runSteps(whole, 0, 30, 10);
-  const fs::path killed = recordingProject();
-  runSteps(killed, 0, 10, 10);
-  // The run went on and died while writing the line of step 15.
-  for (const char* name : recordFiles) {
-    const std::string expected = marvtest::readText(whole / "dump" / name);
-    const std::size_t at = expected.find("\n          15 ");
-    ASSERT_NE(at, std::string::npos) << name;
-    marvtest::writeText(killed / "dump" / name, expected.substr(0, at + 30));
-  }
-  runSteps(killed, 10, 30, 10);
-  for (const char* name : recordFiles)
-    EXPECT_EQ(marvtest::readText(killed / "dump" / name), marvtest::readText(whole / "dump" / name)) << name;
-  for (const fs::path& folder : {whole, killed}) fs::remove_all(folder);
+  EXPECT_TRUE(fs::exists(whole / "dump" / "force.txt.cut")) << "the abandoned lines are kept beside";
+  for (const fs::path& folder : {whole, split}) fs::remove_all(folder);
 }
 
 }  // namespace

@@ -1,14 +1,23 @@
-// The bitmap stage's colour list (counting, purge, removed colours, a full list) and whole bitmaps read at the mesh.
+// The bitmap colour list (counting, purge, removed colours, a full list) and its bmp.txt, whole bitmaps at the mesh,
+// extreme sizes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
+#include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "bitmapTestSupport.h"
 #include "domain/bitmapColours.h"
 #include "domain/bitmapReading.h"
+#include "domain/bmpTxt.h"
+#include "domain/progressLine.h"
 #include "layer/layer.h"
+#include "project/applyParameters.h"
 #include "testSupport.h"
+#include "tests/testGrid.h"
 
 namespace {
 
@@ -156,18 +165,15 @@ TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
   EXPECT_TRUE(said.empty());
 
   marvtest::writeBmp("input/bcXY0.bmp", 40, 40, [](int, int) { return rgb{0, 0, 0}; });
-  std::string whole = marvtest::readText("input/bcXY0.bmp");
-  marvtest::writeText("input/bcXY1.bmp", whole.substr(0, 70));        // truncated
-  marvtest::writeText("input/bcXY2.bmp", std::string(500, '\xff'));   // binary junk
-  marvtest::writeText("input/bcXY3.bmp", "");                         // empty
-  marvtest::writeText("input/bcYZ0.bmp", "P3\n1 1\n255\n0 0 255\n");  // another format, text
-  // A header that claims 20000 x 20000 pixels.
-  std::string huge = whole.substr(0, 54);
-  for (int at : {18, 22}) {
-    const int side = 20000;
-    for (int b = 0; b < 4; ++b) huge[at + b] = static_cast<char>((side >> (8 * b)) & 255);
-  }
-  marvtest::writeText("input/bcZX0.bmp", huge + std::string(4096, '\0'));
+  const std::string whole = marvtest::readText("input/bcXY0.bmp");
+  std::string huge = whole.substr(0, 54);  // a header that claims 20000 x 20000 pixels
+  for (int at : {18, 22}) huge.replace(at, 4, std::string("\x20\x4e\0\0", 4));
+  const std::pair<const char*, std::string> unreadable[] = {{"input/bcXY1.bmp", whole.substr(0, 70)},  // truncated
+                                                            {"input/bcXY2.bmp", std::string(500, '\xff')},
+                                                            {"input/bcXY3.bmp", ""},
+                                                            {"input/bcYZ0.bmp", "P3\n1 1\n255\n0 0 255\n"},
+                                                            {"input/bcZX0.bmp", huge + std::string(4096, '\0')}};
+  for (const auto& [name, bytes] : unreadable) marvtest::writeText(name, bytes);
   // Whatever the extension says, the content decides: a binary PNM of one
   // blue pixel is a picture.
   marvtest::writeText("input/bcYZ1.bmp", std::string("P6\n1 1\n255\n") + std::string("\0\0\xff", 3));
@@ -181,6 +187,130 @@ TEST_F(bitmapFiles, missingDamagedAndHugeFilesAreSkipped) {
   EXPECT_EQ(inBitmap(cfg, 1, 1, planeXY), 0) << "the truncated one leaves its slice empty";
   EXPECT_EQ(cfg.bitmapZX[sliceIndex(5, 3, 1, 4, 2)], 4) << "one green pixel covers the plane";
   EXPECT_EQ(cfg.bitmapYZ[sliceIndex(3, 5, 1, 1, 4)], 2) << "the PNM is read";
+}
+
+// A colour list with distinct values in every column and row.
+appConfig filled() {
+  appConfig cfg;
+  for (int c = 0; c < maxColourSlots; ++c) {
+    cfg.ColorsCodes[c] = 0xFF000000u + 65536u * c + 3u * c;
+    cfg.StretchPlane[c] = c % 4, cfg.SymmetricPlane[c] = (c + 1) % 4, cfg.InverseFlag[c] = c % 2;
+    cfg.R[c] = c, cfg.G[c] = 0, cfg.B[c] = 3 * c;
+    cfg.RemovedColorCodes[c] = c < 5 ? 0xFF000000u + c : 0u;
+  }
+  cfg.R[7] = cfg.G[7] = cfg.B[7] = -1;
+  return cfg;
+}
+
+// A record whose saved columns hold markers that no file writes.
+appConfig marked() {
+  appConfig cfg;
+  cfg.savedColorsCodes.fill(77u);
+  cfg.savedStretchPlane.fill(-5), cfg.savedSymmetricPlane.fill(-5), cfg.savedInverseFlag.fill(-5);
+  cfg.RemovedColorCodes.fill(88u);
+  cfg.numRemovedColors = -3;
+  return cfg;
+}
+
+struct BmpTxt : ::testing::Test {
+  std::filesystem::path dir = marvtest::scratchFolder("bmp");
+  std::string path = (dir / "bmp.txt").string();
+  void TearDown() override { std::filesystem::remove_all(dir); }
+  std::string slurp() const { return marvtest::readText(path); }
+  void spit(const std::string& text) const { marvtest::writeText(path, text); }
+};
+
+TEST_F(BmpTxt, WritesTheExactLayoutAndReadsBackTheSavedColumns) {
+  const appConfig source = filled();
+  ASSERT_TRUE(writeBmpTxt(source, path));
+  EXPECT_FALSE(std::filesystem::exists(path + ".tmp"));
+  const std::string text = slurp();
+  const char* expectedLines[] = {
+      "iNumBcColor  ColorsCodes[]  StretchPlane[]  SymmetricPlane[]  InverseFlag  R[]   G[]   B[]\n",
+      "\n 0           4278190080     0               1                 0              0     0     0\n",
+      "\n 7           4278648853     3               0                 1             -1    -1    -1\n",
+      "\niNumBcColor  RemovedColorCodes\n 0        4278190080\n",
+      "\n50                 0\n/*-----------------------------------------------------*/\n"};
+  for (const char* line : expectedLines) EXPECT_NE(text.find(line), std::string::npos) << line;
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + 51 + 1 + 51 + 1);
+
+  appConfig back = marked();
+  readBmpTxt(back, path);
+  EXPECT_EQ(std::tie(back.savedColorsCodes, back.savedStretchPlane, back.savedSymmetricPlane, back.savedInverseFlag,
+                     back.RemovedColorCodes),
+            std::tie(source.ColorsCodes, source.StretchPlane, source.SymmetricPlane, source.InverseFlag,
+                     source.RemovedColorCodes));
+  EXPECT_EQ(back.numRemovedColors, 5);
+
+  // Unused removed rows written as all ones count as fifty.
+  appConfig ones = filled();
+  ones.RemovedColorCodes.fill(4294967295u);
+  ASSERT_TRUE(writeBmpTxt(ones, path));
+  readBmpTxt(back, path);
+  EXPECT_EQ(back.numRemovedColors, 50);
+  EXPECT_EQ(back.RemovedColorCodes[50], 4294967295u);
+
+  // A missing file changes nothing; an unwritable path fails quietly.
+  appConfig untouched = marked();
+  readBmpTxt(untouched, (dir / "absent.txt").string());
+  EXPECT_EQ(untouched.savedColorsCodes[0], 77u);
+  EXPECT_FALSE(writeBmpTxt(source, (dir / "no" / "bmp.txt").string()));
+}
+
+// Cut the file at many points: each colour row is taken whole or left as it
+// was, and the rows taken are a prefix.
+TEST_F(BmpTxt, ShortFilesTakeOnlyWholeRowsAndLeaveTheRestUnchanged) {
+  const appConfig source = filled();
+  ASSERT_TRUE(writeBmpTxt(source, path));
+  const std::string full = slurp();
+  for (std::size_t cut = 0; cut <= full.size(); cut += 37) {
+    spit(full.substr(0, cut));
+    appConfig back = marked();
+    readBmpTxt(back, path);
+    // Rows taken whole, then untouched ones.
+    int taken = 0;
+    while (taken < maxColourSlots && back.savedColorsCodes[taken] == source.ColorsCodes[taken] &&
+           back.savedInverseFlag[taken] == source.InverseFlag[taken])
+      ++taken;
+    for (int c = taken; c < maxColourSlots; ++c)
+      ASSERT_EQ(std::tuple(back.savedColorsCodes[c], back.savedStretchPlane[c], back.savedSymmetricPlane[c],
+                           back.savedInverseFlag[c]),
+                std::tuple(77u, -5, -5, -5))
+          << "cut " << cut << " row " << c;
+    EXPECT_TRUE(cut >= full.find("RemovedColorCodes") || back.numRemovedColors == -3) << "cut " << cut;
+  }
+}
+
+TEST(ExtremeValues, BitmapPlaneGeometryOfAHugeDomainStaysBounded) {
+  for (const double lx : {1e300, 1e-300, 1e38, 1.0}) {
+    appConfig cfg;
+    marv::testing::setGrid(cfg, 9, 7, 1, lx, 1.0);
+    cfg.pixPerMetre = 100.0 / cfg.dx;
+    cfg.domPixX = cfg.bitmapScreenWidth = INT_MAX, cfg.domPixY = 700, cfg.bitmapScreenHeight = INT_MIN;
+    const planeGeometry g = makePlaneGeometry(cfg, planeXY);
+    ASSERT_EQ(g.across, 9) << lx;
+    std::vector<long long> all{g.ox, g.oy};
+    all.insert(all.end(), g.px.begin(), g.px.end());
+    all.insert(all.end(), g.py.begin(), g.py.end());
+    for (long long p : all) EXPECT_LE(std::abs(p), 1LL << 26) << lx;
+    std::vector<std::uint32_t> codes;
+    const int image = makeImage(4, 4, 0);
+    EXPECT_TRUE(lx < 1e6 || readImageAtMesh(cfg, planeXY, image, codes) == -1) << "no image that large is made";
+    deleteImage(image);
+  }
+}
+
+TEST(ExtremeValues, ProgressLineWithSizesAndCountsAtTheLimit) {
+  appConfig cfg;
+  marv::testing::setGrid(cfg, 5, 5, 1);
+  for (const int size : {INT_MAX, INT_MIN, 0}) {
+    cfg.sceneWidth = cfg.sceneHeight = size;
+    cfg.progressTotal = 3, cfg.progressCount = INT_MAX;
+    showProgress(cfg, 1);
+    EXPECT_EQ(cfg.progressCount, INT_MAX) << "the count saturates";
+    cfg.progressTotal = -5, cfg.progressCount = -7;
+    showProgress(cfg, 2);
+  }
 }
 
 }  // namespace

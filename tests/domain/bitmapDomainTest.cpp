@@ -1,34 +1,29 @@
-// From slices to the boundary: stretch rules, mirror before invert, the mask filter, image points, the cavity example.
+// From slices to the boundary: stretch rules, mirror before invert, the mask filter, image points.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <filesystem>
 #include <functional>
+#include <tuple>
 
 #include "bitmapTestSupport.h"
 #include "domain/bitmapColours.h"
 #include "domain/bitmapDomain.h"
 #include "domain/bitmapReading.h"
 #include "domain/prepareInputs.h"
-#include "layer/layer.h"
-#include "project/parameterEditor.h"
-#include "project/parameterFile.h"
-#include "solver/solverCommon.h"
-#include "testSupport.h"
 
 namespace {
 
 using namespace marv;
 using body = std::function<bool(int, int, int)>;
 
-// A case of n^3 nodes with one extra colour (list index 8) whose three
-// views are the silhouettes of shape, and the domain constructed.
+// A case with one extra colour (list index 8) whose views are the silhouettes
+// of the given shapes (none where a shape is empty), and the domain constructed.
 struct viewCase {
   appConfig cfg;
   bcDomain domain;
   static constexpr int c = 8;
 
-  viewCase(int nx, int ny, int nz, const body& shape, bool xy = true, bool yz = true, bool zx = true) {
+  viewCase(int nx, int ny, int nz, const body& xy, const body& yz = {}, const body& zx = {}) {
     marvtest::setBitmapCase(cfg, nx, ny, nz);
     setPresetColours(cfg);
     cfg.iNumBcColor = 9;
@@ -36,13 +31,11 @@ struct viewCase {
     for (int k = 0; k < nz; ++k)
       for (int j = 0; j < ny; ++j)
         for (int i = 0; i < nx; ++i) {
-          if (!shape(i, j, k)) continue;
-          if (xy) cfg.bitmapXY[sliceIndex(nx, ny, 0, i, j)] = c;
-          if (yz) cfg.bitmapYZ[sliceIndex(nz, ny, 0, k, j)] = c;
-          if (zx) cfg.bitmapZX[sliceIndex(nx, nz, 0, i, k)] = c;
+          if (xy && xy(i, j, k)) cfg.bitmapXY[sliceIndex(nx, ny, 0, i, j)] = c;
+          if (yz && yz(i, j, k)) cfg.bitmapYZ[sliceIndex(nz, ny, 0, k, j)] = c;
+          if (zx && zx(i, j, k)) cfg.bitmapZX[sliceIndex(nx, nz, 0, i, k)] = c;
         }
-    for (int p = 0; p < 3; ++p)
-      if ((p == 0 && xy) || (p == 1 && yz) || (p == 2 && zx)) inBitmap(cfg, c, 0, p) = 1;
+    for (int p = 0; p < 3; ++p) inBitmap(cfg, c, 0, p) = p == 0 ? bool(xy) : p == 1 ? bool(yz) : bool(zx);
     constructDomain(domain, cfg);
   }
 
@@ -72,7 +65,7 @@ TEST(stretchColors, eachRuleRebuildsAPyramidFromItsThreeSilhouettes) {
   } cases[] = {
       {0, &alongZ, "XY section along z"}, {1, &alongX, "YZ section along x"}, {2, &alongY, "ZX section along y"}};
   for (const auto& t : cases) {
-    viewCase v(9, 9, 9, *t.shape);
+    viewCase v(9, 9, 9, *t.shape, *t.shape, *t.shape);
     v.cfg.StretchPlane[viewCase::c] = t.rule;
     stretchColors(v.cfg, v.domain);
     v.expectLabels(*t.shape, t.name);
@@ -81,25 +74,21 @@ TEST(stretchColors, eachRuleRebuildsAPyramidFromItsThreeSilhouettes) {
 
 TEST(stretchColors, offRuleGivesPrismsAndTheirIntersection) {
   const body disc = [](int i, int j, int) { return (i - 3) * (i - 3) + (j - 3) * (j - 3) <= 4; };
-  viewCase prism(7, 7, 5, disc, true, false, false);
+  viewCase prism(7, 7, 5, disc);
   stretchColors(prism.cfg, prism.domain);
   prism.expectLabels(disc, "an XY view alone fills the whole depth");
 
   // XY: x in 1..3; ZX: x in 2..5 and z in 1..2. The body is x in 2..3,
   // z in 1..2, every y.
-  viewCase both(7, 4, 5, [](int, int, int) { return false; });
-  for (int j = 0; j < 4; ++j)
-    for (int i = 1; i <= 3; ++i) both.cfg.bitmapXY[sliceIndex(7, 4, 0, i, j)] = viewCase::c;
-  for (int k = 1; k <= 2; ++k)
-    for (int i = 2; i <= 5; ++i) both.cfg.bitmapZX[sliceIndex(7, 5, 0, i, k)] = viewCase::c;
-  inBitmap(both.cfg, viewCase::c, 0, planeXY) = 1;
-  inBitmap(both.cfg, viewCase::c, 0, planeZX) = 1;
+  viewCase both(
+      7, 4, 5, [](int i, int, int) { return i >= 1 && i <= 3; }, {},
+      [](int i, int, int k) { return i >= 2 && i <= 5 && k >= 1 && k <= 2; });
   stretchColors(both.cfg, both.domain);
   both.expectLabels([](int i, int, int k) { return i >= 2 && i <= 3 && k >= 1 && k <= 2; }, "two prisms");
 
   // Two dimensions: the label is the slice.
   const body blob = [](int i, int j, int) { return i * j % 3 == 1; };
-  viewCase flat(6, 5, 1, blob, true, false, false);
+  viewCase flat(6, 5, 1, blob);
   stretchColors(flat.cfg, flat.domain);
   flat.expectLabels(blob, "two dimensions");
 }
@@ -108,7 +97,7 @@ TEST(prepareFromInputs, mirrorsEveryColourBeforeInvertingAny) {
   // A block at the left, mirrored across x and inverted: fluid is only
   // where the block and its mirror stood.
   const body block = [](int i, int j, int) { return i <= 2 && j >= 3 && j <= 5; };
-  viewCase v(12, 9, 1, block, true, false, false);
+  viewCase v(12, 9, 1, block);
   v.cfg.SymmetricPlane[viewCase::c] = 1;
   v.cfg.InverseFlag[viewCase::c] = 0;
   prepareFromInputs(v.domain, v.cfg);
@@ -119,7 +108,7 @@ TEST(prepareFromInputs, mirrorsEveryColourBeforeInvertingAny) {
   EXPECT_GT(v.domain.outlines[8].numSegments, 0) << "the outline is drawn from the mask";
 
   // A preview leaves everything as it was.
-  viewCase p(12, 9, 1, block, true, false, false);
+  viewCase p(12, 9, 1, block);
   p.cfg.stageInterrupted = 1;
   prepareFromInputs(p.domain, p.cfg);
   EXPECT_EQ(p.domain.bcFlag(1, 4, 0), 0);
@@ -136,19 +125,16 @@ TEST(filterMask, keepsConstantsSpreadsSymmetricallyAndWeightZeroIsIdentity) {
     const int kc = nz / 2;
     f(3, 3, kc) = 1.0f;
     filterMask(f, s, 1.0);
-    // Per axis 1/4, 1/2, 1/4: the product in every direction.
+    // Per axis 1/4, 1/2, 1/4: the product in every direction, alike on both sides.
     const double axisZ = nz == 1 ? 1.0 : (nz == 2 ? 1.5 / 2.5 : 0.5);
-    EXPECT_NEAR(f(3, 3, kc), 0.25 * axisZ, 1e-6) << "nz=" << nz;
-    EXPECT_NEAR(f(2, 3, kc), 0.125 * axisZ, 1e-6) << "nz=" << nz;
-    EXPECT_NEAR(f(4, 2, kc), 0.0625 * axisZ, 1e-6) << "nz=" << nz;
-    EXPECT_NEAR(f(2, 3, kc), f(4, 3, kc), 1e-7) << "nz=" << nz;
-    EXPECT_NEAR(f(3, 2, kc), f(3, 4, kc), 1e-7) << "nz=" << nz;
+    for (const auto& [i, j, w] :
+         {std::tuple{3, 3, 0.25}, {2, 3, 0.125}, {4, 3, 0.125}, {3, 2, 0.125}, {3, 4, 0.125}, {4, 2, 0.0625}})
+      EXPECT_NEAR(f(i, j, kc), w * axisZ, 1e-6) << "nz=" << nz << " at " << i << "," << j;
 
     fill(static_cast<const array3d<float>&>(f), 0.0f);
     f(0, 0, 0) = 1.0f;
     filterMask(f, s, 0.0);
-    EXPECT_EQ(f(0, 0, 0), 1.0f) << "weight 0, nz=" << nz;
-    EXPECT_EQ(f(1, 0, 0), 0.0f) << "weight 0, nz=" << nz;
+    EXPECT_EQ(f(0, 0, 0) - f(1, 0, 0), 1.0f) << "weight 0, nz=" << nz;
   }
 }
 
@@ -175,24 +161,23 @@ TEST(classifyMask, imagePointsMirrorNodesAcrossASphereWithinACell) {
         const double p[3] = {cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]};
         const double r = std::hypot(p[0] - xc, p[1] - yc, p[2] - (cfg.lz - zc));
         const int flag = domain.bcFlag(i, j, k);
-        if (r > R + 0.01 * h) {
-          EXPECT_EQ(flag, 0) << "outside at i=" << i << " j=" << j << " k=" << k;
-        }
+        SCOPED_TRACE(::testing::Message() << i << "," << j << "," << k);
+        EXPECT_TRUE(r <= R + 0.01 * h || flag == 0) << "outside, flag " << flag;
         if (flag == solidType) {
           ++deep;
-          EXPECT_LT(r, R - 1.5 * h) << "deep at i=" << i << " j=" << j << " k=" << k;
+          EXPECT_LT(r, R - 1.5 * h) << "deep";
           EXPECT_FLOAT_EQ(domain.imageX(i, j, k), 2.4f);
         }
         if (flag != 1) continue;
         ++surface;
         const double q[3] = {domain.imageX(i, j, k), domain.imageY(i, j, k), domain.imageZ(i, j, k)};
         const double rq = std::hypot(q[0] - xc, q[1] - yc, q[2] - (cfg.lz - zc));
-        EXPECT_NEAR(rq, 2 * R - r, 0.45 * h) << "mirror across the surface at i=" << i << " j=" << j << " k=" << k;
+        EXPECT_NEAR(rq, 2 * R - r, 0.45 * h) << "mirror across the surface";
         const double d = std::hypot(q[0] - p[0], q[1] - p[1], q[2] - p[2]);
         // Along the radius: the offset is parallel to p - centre.
         const double c[3] = {p[0] - xc, p[1] - yc, p[2] - (cfg.lz - zc)};
         const double cosine = ((q[0] - p[0]) * c[0] + (q[1] - p[1]) * c[1] + (q[2] - p[2]) * c[2]) / (d * r);
-        EXPECT_GT(cosine, 0.97) << "outward along the normal at i=" << i << " j=" << j << " k=" << k;
+        EXPECT_GT(cosine, 0.97) << "outward along the normal";
       }
   EXPECT_GT(surface, 300);
   EXPECT_GT(deep, 50);
@@ -206,47 +191,8 @@ TEST(classifyMask, imagePointsMirrorNodesAcrossASphereWithinACell) {
   for (int n = 0; n < m.count(); ++n) {
     const int was = domain.bcFlag[n], now = inlet.bcFlag[n];
     ASSERT_EQ(now, was == solidType ? inletBodyType : (was == 1 ? 2 : 0)) << "at n=" << n;
-    if (now == inletBodyType) {
-      ASSERT_EQ(inlet.imageX[n], 0.0f) << "at n=" << n;
-    }
+    ASSERT_TRUE(now != inletBodyType || inlet.imageX[n] == 0.0f) << "no image point at n=" << n;
   }
-}
-
-TEST(wholeExample, cavityBitmapBuildsWallsAndLid) {
-  ASSERT_EQ(startLayer(), 0);
-  auto folder = marvtest::scratchFolder("cavity");
-  const std::filesystem::path example = std::filesystem::path(MARV_TEST_DATA) / ".." / ".." / "examples" / "cavity2d";
-  std::filesystem::create_directories(folder / "input");
-  for (const char* name : {"param.txt", "bcXY0.bmp"})
-    std::filesystem::copy_file(example / "input" / name, folder / "input" / name);
-  marvtest::inFolder here(folder);
-  appConfig cfg;
-  parameterEditor editor;
-  resetParameterEditor(editor);
-  ASSERT_GT(readParameterFile(editor, cfg, "./input/param.txt"), 0);
-  takeChoiceValues(editor);
-  ASSERT_EQ(acceptParameters(editor, cfg), 1);
-  std::vector<std::string> said;
-  readBoundaryBitmaps(cfg, [&](const std::string& s) { said.push_back(s); });
-  EXPECT_TRUE(said.empty());
-  bcDomain domain;
-  constructDomain(domain, cfg);
-  std::unique_ptr<solverCommon> solver = makeSolver(cfg, domain);
-  prepareFromInputs(domain, cfg);
-  build2D(domain, cfg);
-  const int n = cfg.nx;
-  for (int s = 0; s < n; ++s) {
-    EXPECT_EQ(domain.bcFlag(s, n - 1, 0), 2) << "lid at i=" << s;
-    EXPECT_EQ(domain.bcFlag(s, 0, 0), 1) << "bottom at i=" << s;
-    if (s < n - 2) {
-      EXPECT_EQ(domain.bcFlag(0, s, 0), 1) << "left wall at j=" << s;
-      EXPECT_EQ(domain.bcFlag(n - 1, s, 0), 1) << "right wall at j=" << s;
-    }
-  }
-  EXPECT_EQ(domain.bcFlag(n / 2, n / 2, 0), 0);
-  EXPECT_EQ(domain.typeMasks[1].count(), 0) << "the build releases the masks";
-  EXPECT_FALSE(domain.inletCells.empty());
-  EXPECT_FALSE(domain.wallCells.empty());
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // Node lists and solidMask from hand-made bcFlag fields: which nodes enter each list, in which order, how often.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <tuple>
 #include <vector>
 
@@ -64,33 +63,6 @@ TEST(NodeLists, WallCellsRunByTypeThenKJIAndHonourPresenceNoFlowAndTypeNine) {
   EXPECT_EQ(c.domain.solidMask(1, 2, 0), 5) << "an inlet colour with all velocities zero is solid";
 }
 
-TEST(NodeLists, EdgePairsPairEveryFaceNodeWithItsInnerNeighbour) {
-  for (int nx : {1, 2, 3, 7})
-    for (int ny : {1, 2, 3, 16})
-      for (int nz : {1, 2, 3, 17}) {
-        listCase c(nx, ny, nz);
-        const pairList pairs = makeEdgePairs(c.domain.bcFlag);
-        const std::size_t expected = 2 * ny * nz + 2 * nx * nz + (nz != 1 ? 2 * nx * ny : 0);
-        ASSERT_EQ(pairs.size(), expected) << " at " << nx << "x" << ny << "x" << nz;
-        for (std::size_t p = 0; p < pairs.size(); ++p) {
-          const edgePair& e = pairs[p];
-          const std::string where = " at pair " + std::to_string(p) + " of " + std::to_string(nx) + "x" +
-                                    std::to_string(ny) + "x" + std::to_string(nz);
-          // The group follows from the position in the list.
-          const int group = p < std::size_t(2 * ny * nz) ? 0 : p < std::size_t(2 * ny * nz + 2 * nx * nz) ? 1 : 2;
-          const int n[3] = {nx, ny, nz}, t[3] = {e.i, e.j, e.k}, s[3] = {e.si, e.sj, e.sk};
-          const bool low = p % 2 == 0;
-          ASSERT_EQ(t[group], low ? 0 : n[group] - 1) << where;
-          const int inner = low ? std::min(1, n[group] - 1) : std::max(n[group] - 2, 0);
-          ASSERT_EQ(s[group], inner) << where;
-          for (int a = 0; a < 3; ++a)
-            if (a != group) {
-              ASSERT_EQ(s[a], t[a]) << where << " axis " << a;
-            }
-        }
-      }
-}
-
 TEST(NodeLists, OpenCellsTakeFluidAndFreeInletComponentsPerGroup) {
   listCase c(3, 2, 1);
   // Row j = 0: Green (u free), Black, Blue. Row j = 1: fluid.
@@ -120,23 +92,21 @@ TEST(NodeLists, ScalarAndAgeListsFollowTheirTablesAndFlags) {
   c.cfg.bcFixU[6] = c.cfg.bcFixV[6] = 0.0, c.cfg.bcU[6] = c.cfg.bcV[6] = dashValue, c.cfg.bcNoFlow[6] = 0;
   c.set(2, 3, 0, 6);  // on the face j = ny-1: not interior
 
-  buildNodeLists(c.domain, c.cfg);
-  EXPECT_TRUE(c.domain.massfrCells.empty()) << "no species";
-  EXPECT_TRUE(c.domain.tempCells.empty()) << "cmode 0";
-  EXPECT_TRUE(c.domain.ageWallCells.empty()) << "no age";
+  const auto lists = [&] {
+    buildNodeLists(c.domain, c.cfg);
+    return std::vector{indicesOf(c.domain.massfrCells), indicesOf(c.domain.tempCells), indicesOf(c.domain.ageWallCells),
+                       indicesOf(c.domain.ageInletCells)};
+  };
+  EXPECT_EQ(lists(), std::vector<std::vector<ijk>>(4)) << "no species, cmode 0, no age";
 
   c.cfg.speciesFlag = 1, c.cfg.cmode = 1, c.cfg.ageFlag = 1;
   c.set(1, 1, 0, 6);  // Cyan inside, free: a reset node
   c.set(2, 1, 0, 4);  // Green inside: u free but v fixed, so no reset
-  buildNodeLists(c.domain, c.cfg);
-  const std::vector<ijk> massfr{{0, 1, 0}, {2, 1, 0}, {3, 1, 0}, {1, 2, 0}};  // types 2, 4, 2, 7
-  EXPECT_EQ(indicesOf(c.domain.massfrCells), massfr);
-  const std::vector<ijk> temp{{1, 2, 0}, {2, 2, 0}};  // types 7, 3
-  EXPECT_EQ(indicesOf(c.domain.tempCells), temp);
-  const std::vector<ijk> ageWall{{1, 2, 0}, {2, 2, 0}};
-  EXPECT_EQ(indicesOf(c.domain.ageWallCells), ageWall);
-  const std::vector<ijk> ageInlet{{0, 1, 0}, {1, 1, 0}};  // faces first, then interior
-  EXPECT_EQ(indicesOf(c.domain.ageInletCells), ageInlet);
+  // massfr: types 2, 4, 2, 7; temperature: 7, 3; age walls; age resets, faces first, then interior.
+  EXPECT_EQ(lists(), (std::vector<std::vector<ijk>>{{{0, 1, 0}, {2, 1, 0}, {3, 1, 0}, {1, 2, 0}},
+                                                    {{1, 2, 0}, {2, 2, 0}},
+                                                    {{1, 2, 0}, {2, 2, 0}},
+                                                    {{0, 1, 0}, {1, 1, 0}}}));
   EXPECT_EQ(c.domain.ageInletCells[1].type, 6);
 }
 

@@ -1,6 +1,8 @@
 // The placement screen's buttons act on the model and the parameters at once; the handle raises zoffstSTL.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <initializer_list>
 #include <tuple>
 
 #include "domain/bcDomain.h"
@@ -11,11 +13,9 @@ namespace {
 
 using namespace marv;
 
-bcTriangle triangle(float x0, float y0, float z0, float x1, float y1, float z1, float x2, float y2, float z2) {
+bcTriangle triangle(std::initializer_list<float> v) {
   bcTriangle t;
-  const float v[3][3] = {{x0, y0, z0}, {x1, y1, z1}, {x2, y2, z2}};
-  for (int i = 0; i < 3; ++i)
-    for (int k = 0; k < 3; ++k) t.vertex[i][k] = v[i][k];
+  std::copy(v.begin(), v.end(), &t.vertex[0][0]);
   t.normal[2] = 1.0f;
   return t;
 }
@@ -26,23 +26,17 @@ struct placementCase {
   placementState state;
   placementCase() {
     constructAppConfig(cfg, false, false);
-    cfg.screenWidth = 900;
-    cfg.screenHeight = 600;
-    cfg.lx = 2.0;
-    cfg.ly = 1.0;
-    cfg.lz = 4.0;
-    cfg.stlPresent = 1;
+    cfg.screenWidth = 900, cfg.screenHeight = 600, cfg.stlPresent = 1;
+    cfg.lx = 2.0, cfg.ly = 1.0, cfg.lz = 4.0;
     // Two triangles with their vertex mean at (0.5, 0.5, 1).
-    domain.surfaces[7].triangles = {triangle(0, 0, 1, 1, 0, 1, 1, 1, 1), triangle(0, 0, 1, 1, 1, 1, 0, 1, 1)};
+    domain.surfaces[7].triangles = {triangle({0, 0, 1, 1, 0, 1, 1, 1, 1}), triangle({0, 0, 1, 1, 1, 1, 0, 1, 1})};
   }
   // A whole click at (x, y): rest, press, release; the result of each frame.
   int click(int x, int y) {
     int outcome = 0;
     for (int phase = 0; phase < 3; ++phase) {
       screenInput in;
-      in.mouseX = x;
-      in.mouseY = y;
-      in.left = phase == 1;
+      in.mouseX = x, in.mouseY = y, in.left = phase == 1;
       outcome = placementControls(state, domain, cfg, in);
       if (outcome != 0) break;
     }

@@ -52,21 +52,11 @@ int openEdges(const bcSurface& s) {
   return bad;
 }
 
-TEST(marchingCubes, tablesAgreeWithTheCornerRuleAndEveryCaseClosesInABlock) {
+// A wrong entry of either table leaves a crossing uncomputed or a triangle
+// turned the wrong way: the block's surface then does not close.
+TEST(marchingCubes, everyCaseClosesInABlock) {
   constexpr int corner[8][3] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
-  constexpr int edgeCorners[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
-                                      {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
   for (int c = 0; c < 256; ++c) {
-    int cut = 0;
-    for (int e = 0; e < 12; ++e)
-      if (((c >> edgeCorners[e][0]) & 1) != ((c >> edgeCorners[e][1]) & 1)) cut |= 1 << e;
-    ASSERT_EQ(cubeEdgeTable[c], cut) << "edge table, case " << c;
-    int used = 0, n = 0;
-    while (n < 16 && cubeTriangleTable[c][n] >= 0) used |= 1 << cubeTriangleTable[c][n++];
-    ASSERT_EQ(n % 3, 0) << "case " << c;
-    ASSERT_EQ(used, cut) << "triangles use exactly the cut edges, case " << c;
-    for (; n < 16; ++n) ASSERT_EQ(cubeTriangleTable[c][n], -1) << "case " << c << " entry " << n;
-
     // The case's corners in the middle cell of a 4 x 4 x 4 block; all
     // other nodes on the other side of the level, in both polarities.
     for (float outside : {1.0f, 0.0f}) {
@@ -77,9 +67,7 @@ TEST(marchingCubes, tablesAgreeWithTheCornerRuleAndEveryCaseClosesInABlock) {
       bcSurface s = b.over<bcSurface>();
       ASSERT_EQ(polygoniseSurface(s, 0.5), 0);
       EXPECT_EQ(s.numTriangles, static_cast<int>(s.triangles.size()));
-      if (c != 0) {
-        EXPECT_GT(s.numTriangles, 0) << "case " << c;
-      }
+      EXPECT_EQ(s.numTriangles > 0, c != 0) << "case " << c;
       EXPECT_EQ(openEdges(s), 0) << "case " << c << " outside " << outside;
     }
   }

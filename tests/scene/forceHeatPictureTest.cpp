@@ -1,11 +1,4 @@
-// The force report through the batch driver on the off-screen OpenGL
-// backend, with the mouse scripted frame by frame: it rests on the body (the
-// cylinder in 2D, the model sphere in 3D), clicks it after step 5 and, on the
-// cylinder, then clicks the blowing inlet and the body again. The tables and
-// the notice are checked after each frame; the saved pictures of steps 4 and
-// 8 must mark the body in magenta, then in green, with the notice's sky-blue
-// box beside the mouse. They are kept as <example>-force-<step>.ppm in the
-// build folder.
+// The force report, mouse scripted: body marked magenta, then green once clicked; notice beside the mouse.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include "app/batchStages.h"
@@ -21,7 +13,7 @@
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "scene/savedPicture.h"
-#include "testSupport.h"
+#include "screenScript.h"
 
 namespace {
 
@@ -37,9 +29,7 @@ int keepPass(appConfig&, passObjects& objects) {
   return 1;
 }
 
-// Where the mouse shows a colour: the mean screen position of its triangles
-// (3D), or its node nearest the mean of its nodes (2D; a frame of walls has
-// its mean in the fluid).
+// Where the mouse shows a colour: mean screen position of its triangles (3D), its node nearest its mean (2D).
 void aimAt(const appConfig& cfg, int colour) {
   const sceneView& scene = *pass->scene;
   const array3d<int>& flags = pass->domain->bcFlag;
@@ -68,11 +58,7 @@ void aimAt(const appConfig& cfg, int colour) {
     }
 }
 
-// After each cycle: the checks of the frame just drawn, then the next frame
-// of the script. A click shows in the frame of its release: 7 on the body,
-// 12 on the inlet, 15 on the body again (the last two where there is an
-// inlet). A frame with the button down holds the step, so the picture of
-// step 8 comes from cycle 9.
+// After each cycle: checks, then the next frame. Clicks show at release: 7 body, 12 inlet, 15 body again.
 void followPlan(appConfig& cfg, bool final) {
   if (final) return;
   const std::string notice = pass->scene->scratchText;
@@ -97,10 +83,8 @@ void followPlan(appConfig& cfg, bool final) {
   const bool onInlet = inlet && cycle >= 10 && cycle <= 12;
   aimAt(cfg, onInlet ? inlet : body);
   if (!onInlet) bodyX = mouseX, bodyY = mouseY;
-  inputFrame f;
-  f.mouseX = mouseX, f.mouseY = mouseY;
-  f.buttons = cycle == 6 || ((cycle == 11 || cycle == 14) && inlet) ? mouseLeft : 0;
-  setInputScript({f}, false);
+  const bool down = cycle == 6 || ((cycle == 11 || cycle == 14) && inlet);
+  setInputScript({marvtest::frameAt(mouseX, mouseY, down ? mouseLeft : 0)}, false);
 }
 
 // Share of the pixels of a rectangle within 60 of the colour in every channel.
@@ -115,43 +99,23 @@ double share(const marvtest::picture& p, int x0, int y0, int x1, int y1, int r, 
 }
 
 void runExample(const char* example, int bodyColour, int inletColour) {
-  setGraphicsMode(400, 200, 32, 60);
-  ASSERT_EQ(startLayer(), 0);
-  ASSERT_EQ(layerDrawsPixels(), 1) << "no OpenGL renderer: install Mesa (scripts/install-deps.sh)";
-  const fs::path folder = marvtest::scratchFolder("forcePicture");
-  fs::copy(fs::path(MARV_EXAMPLES_DIR) / example / "input", folder / "input");
-  fs::create_directories(folder / "figs"), fs::create_directories(folder / "dump");
-  std::istringstream lines(marvtest::readText(folder / "input" / "param.txt"));
-  std::string param, line;
-  while (std::getline(lines, line)) {
-    const std::string key = line.substr(0, line.find(' ')), name = key.substr(key.find(':') + 1);
-    if (name == "latts" || name == "nfig" || name == "nfile") line = key + (name == "latts" ? " 14" : " 4");
-    param += line + "\n";
-  }
-  marvtest::writeText(folder / "input" / "param.txt", param);
-  // The heat-loss button falls back in a constant-density run. The channel's
-  // walls stay hidden: in front of the sphere they would be hovered first.
+  const fs::path folder = marvtest::copyExample(example);
+  marvtest::setParameters(folder, {{"latts", "14"}, {"nfig", "4"}, {"nfile", "4"}});
+  // Heat loss falls back without thermo; the channel's walls hidden, else hovered before the sphere.
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << "showForce 1\nshowHeatLoss 1\nshowBoundaryFlagUser 0\n";
-  batchOptions options;
-  options.projectDir = folder.string();
-  options.quiet = true;
-  passStages stages = batchStages(options);
+  passStages stages = batchStages({.projectDir = folder.string(), .quiet = true});
   stages.placementStage = keepPass;
   stages.runStep = followPlan;
   body = bodyColour, inlet = inletColour, cycle = 0;
   driverState state;
   ASSERT_EQ(runDriver(stages, state), 0);
-  stopLayer();
-
   mouseX = bodyX, mouseY = bodyY;
   for (const char* step : {"00000004", "00000008"}) {
     SCOPED_TRACE(step);
     marvtest::picture shot;
     ASSERT_TRUE(shot.read((folder / "figs" / (std::string(step) + ".jpg")).string()));
-    std::ofstream(fs::path(MARV_BUILD_DIR) / (std::string(example) + "-force-" + step + ".ppm"), std::ios::binary)
-        << "P6\n"
-        << shot.width << " " << shot.height << "\n255\n"
-        << std::string(shot.rgb.begin(), shot.rgb.end());
+    const std::string kept = (fs::path(MARV_BUILD_DIR) / (std::string(example) + "-force-" + step + ".png")).string();
+    EXPECT_NE(stbi_write_png(kept.c_str(), shot.width, shot.height, 3, shot.rgb.data(), shot.width * 3), 0) << kept;
     const int r = step[7] == '8' ? 0 : 255;  // green once recorded, magenta before
     EXPECT_GT(share(shot, mouseX - 30, mouseY - 20, mouseX, mouseY + 20, r, 255 - r, r), 0.05) << "the body marked";
     EXPECT_EQ(share(shot, mouseX - 30, mouseY - 20, mouseX, mouseY + 20, 255 - r, r, 255 - r), 0.0);
@@ -162,7 +126,9 @@ void runExample(const char* example, int bodyColour, int inletColour) {
   fs::remove_all(folder);
 }
 
-TEST(forcePicture, cylinderClicksSwitchItsRecordsAndItsMarkButNotTheBlowingInlets) { runExample("cylinder2d", 1, 2); }
-TEST(forcePicture, sphereUnderTheMouseIsMarkedAndRecordedByAClick) { runExample("sphere3d", 7, 0); }
+using forcePicture = marvtest::offscreenPicture;
+
+TEST_F(forcePicture, cylinderClicksSwitchItsRecordsAndItsMarkButNotTheBlowingInlets) { runExample("cylinder2d", 1, 2); }
+TEST_F(forcePicture, sphereUnderTheMouseIsMarkedAndRecordedByAClick) { runExample("sphere3d", 7, 0); }
 
 }  // namespace

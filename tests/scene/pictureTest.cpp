@@ -1,10 +1,10 @@
-// The saved live picture of the cylinder example against a colour mapping of its dump, made from the raw files alone.
+// Pictures off-screen: colour bar, a saved cylinder image against its dump, the duct's planes and streamlines.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <fstream>
-#include <sstream>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -17,13 +17,9 @@ namespace {
 
 using namespace marv;
 
-using marvtest::picture;
-
-// The scale: blue, cyan, green-yellow, red in three ramps over 0..765.
-void expectedColour(double value, double lo, double hi, int rgb[3]) {
-  double q = (value - lo) / (hi - lo) * 31.0;
-  q = q < 0.0 ? 0.0 : (q > 31.0 ? 31.0 : q);
-  const int c = static_cast<int>(static_cast<int>(q) / 31.0 * 765.0);
+// The scale's colour k of 0..31: blue, cyan, green-yellow, red in three ramps over 0..765.
+void expectedColour(int k, int rgb[3]) {
+  const int c = static_cast<int>(k / 31.0 * 765.0);
   if (c < 256)
     rgb[0] = 0, rgb[1] = c, rgb[2] = 255;
   else if (c <= 510)
@@ -32,11 +28,12 @@ void expectedColour(double value, double lo, double hi, int rgb[3]) {
     rgb[0] = 255, rgb[1] = 765 - c, rgb[2] = 0;
 }
 
+// The count doubles of a dump file, or nothing when it holds another number of bytes.
 std::vector<double> readRaw(const std::filesystem::path& path, std::size_t count) {
-  std::vector<double> values(count, 0.0);
-  std::ifstream in(path, std::ios::binary);
-  in.read(reinterpret_cast<char*>(values.data()), static_cast<std::streamsize>(count * sizeof(double)));
-  return in.gcount() == static_cast<std::streamsize>(count * sizeof(double)) ? values : std::vector<double>();
+  const std::string bytes = marvtest::readText(path);
+  std::vector<double> values(bytes.size() == count * sizeof(double) ? count : 0);
+  std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
+  return values;
 }
 
 using pictureRender = marvtest::offscreenPicture;
@@ -51,75 +48,62 @@ TEST_F(pictureRender, ColourBarRunsFromBlueToRedBetweenWhiteMarks) {
   setDrawTarget(backBuffer);
   clearDrawTarget();
   drawColourBar(scene, cfg, 40, 50, 320);
-  const int pixels = makePixelImage(400, 200);
-  captureToPixelImage(0, 0, 400, 200, pixels);
+  const std::vector<std::uint8_t> rgba = marvtest::grabPixels(0, 0, 400, 200);
   auto pixel = [&](int x, int y) {
-    int c[3] = {0, 0, 0};
-    readPixel(pixels, x, y, &c[0], &c[1], &c[2], nullptr);
+    const std::uint8_t* c = &rgba[(y * 400 + x) * 4];
     return std::vector<int>{c[0], c[1], c[2]};
   };
+  const std::vector<int> white{255, 255, 255};
   EXPECT_EQ(pixel(40, 60), (std::vector<int>{0, 0, 255})) << "first column: first colour";
   EXPECT_EQ(pixel(359, 60), (std::vector<int>{255, 0, 0})) << "last column: last colour";
   EXPECT_EQ(pixel(200, 60), (std::vector<int>{115, 255, 140})) << "column 160: entry trunc(160/319 x 31) = 15";
-  EXPECT_EQ(pixel(39, 60), (std::vector<int>{255, 255, 255})) << "white end mark left";
-  EXPECT_EQ(pixel(360, 60), (std::vector<int>{255, 255, 255})) << "white end mark right";
-  EXPECT_EQ(pixel(100, 49), (std::vector<int>{255, 255, 255})) << "a white rim above";
+  EXPECT_EQ(pixel(39, 60), white) << "white end mark left";
+  EXPECT_EQ(pixel(360, 60), white) << "white end mark right";
+  EXPECT_EQ(pixel(100, 49), white) << "a white rim above";
   int ink = 0;  // the numbers under the bar
   for (int y = 72; y < 100; ++y)
     for (int x = 40; x < 360; ++x) ink += pixel(x, y)[0] > 128;
   EXPECT_GT(ink, 100);
-  deletePixelImage(pixels);
 }
 
 TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
-  // A short run that ends with an image and a dump of the same step, shown
-  // on a fixed range so that the mapping needs no knowledge of solid nodes;
-  // domx fixes the layout below, whatever the example shows.
-  const int last = 30;
+  // Image and dump of one step on a fixed range; domx fixes the layout whatever the example shows.
   const double lo = 0.0, hi = 1.6;
-  std::ostringstream viz;
-  viz << "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue " << lo << "\nmanualMaxFlag 1\nmanualMaxValue " << hi
-      << "\n";
-  const std::string n = std::to_string(last);
   const auto folder =
-      marvtest::runExample("cylinder2d", {{"latts", n}, {"nfig", n}, {"nfile", n}, {"domx", "720"}}, viz.str());
-
-  picture shot;
-  char name[64];
-  std::snprintf(name, sizeof name, "%08d", last);
-  ASSERT_TRUE(shot.read((folder / "figs" / (std::string(name) + ".jpg")).string()));
+      marvtest::runExample("cylinder2d", {{"latts", "30"}, {"nfig", "30"}, {"nfile", "30"}, {"domx", "720"}},
+                           "dispQuantFlag 5\nmanualMinFlag 1\nmanualMinValue 0\nmanualMaxFlag 1\nmanualMaxValue 1.6\n");
+  marvtest::picture shot;
+  const std::string name = "00000030";
+  ASSERT_TRUE(shot.read((folder / "figs" / (name + ".jpg")).string()));
   const int nx = 241, ny = 61;
   const std::vector<double> u = readRaw(folder / "dump" / name / "ufld.raw", nx * ny);
   const std::vector<double> v = readRaw(folder / "dump" / name / "vfld.raw", nx * ny);
   const std::vector<double> bc = readRaw(folder / "dump" / name / "bc.raw", nx * ny);
-  ASSERT_FALSE(u.empty());
-  ASSERT_FALSE(bc.empty());
-
-  // Layout of a 2D run: 720/241 = 2 pixels a cell, dx = 4/240 m, so 120
-  // pixels a metre; margins 10 left and 3 x 10 on top (text height 20).
+  ASSERT_FALSE(u.empty() || v.empty() || bc.empty());
+  // 2D layout: 720/241 = 2 pixels a cell, 120 pixels a metre; margins 10 left, 30 on top.
   const double perMetre = 2.0 / (4.0 / 240.0);
   auto pixelX = [&](int i) { return static_cast<int>(i * (4.0 / 240.0) * perMetre + 10 + 0.5); };
   auto pixelY = [&](int j) { return static_cast<int>(perMetre * 1.0 - j * (1.0 / 60.0) * perMetre + 30 + 0.5); };
   EXPECT_EQ(shot.width, 500 - 1) << "the saved rectangle: the screen less its last column";
   auto speed = [&](int i, int j) { return std::hypot(u[i + nx * j], v[i + nx * j]); };
+  auto meanSpeed = [&](int i, int j) {
+    return (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
+  };
   auto cellIndex = [&](int i, int j) {
-    const double m = (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
-    double q = (m - lo) / (hi - lo) * 31.0;
+    const double q = (meanSpeed(i, j) - lo) / (hi - lo) * 31.0;
     return static_cast<int>(q < 0.0 ? 0.0 : (q > 31.0 ? 31.0 : q));
   };
   int compared = 0, matched = 0;
   for (int j = 2; j < ny - 3; ++j)
     for (int i = 2; i < nx - 3; ++i) {
-      // Cells in a patch of one colour away from any boundary, where the
-      // JPEG's chroma halving does not smear an edge in.
+      // Cells in a plain patch away from boundaries, where JPEG chroma halving smears nothing in.
       bool plain = true;
       for (int dj = -1; dj <= 1; ++dj)
         for (int di = -2; di <= 2; ++di)
           plain = plain && cellIndex(i + di, j + dj) == cellIndex(i, j) && bc[i + di + nx * (j + dj)] == 0.0;
       if (!plain) continue;
-      const double m = (speed(i, j) + speed(i + 1, j) + speed(i, j + 1) + speed(i + 1, j + 1)) / 4.0;
       int want[3];
-      expectedColour(m, lo, hi, want);
+      expectedColour(cellIndex(i, j), want);
       const unsigned char* got = shot.at(pixelX(i) + 1, pixelY(j + 1) + 1);
       ++compared;
       matched +=
@@ -127,9 +111,7 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
     }
   EXPECT_GT(compared, 1000);
   EXPECT_GE(matched, compared * 98 / 100) << matched << " of " << compared << " cells in their colour";
-
-  // The cylinder's outline: along the row through its middle, the first
-  // node inside the wall mask is where the black iso-line crosses.
+  // The outline: the first node inside the wall on the middle row is where the black iso-line crosses.
   const int jc = ny / 2;
   int inside = -1;
   for (int i = 1; i < nx / 2 && inside < 0; ++i)
@@ -141,6 +123,30 @@ TEST_F(pictureRender, SavedImageOfARunMatchesItsDump) {
     darkest = std::min(darkest, p[0] + p[1] + p[2]);
   }
   EXPECT_LT(darkest, 200) << "a dark outline where the wall begins";
+  std::filesystem::remove_all(folder);
+}
+
+TEST_F(pictureRender, DuctShowsItsPlanesInScaleColoursAndItsStreamlines) {
+  // The walls hidden, the three planes and the streamlines from the inlet shown.
+  const auto folder = marvtest::runExample(
+      "duct3d", {{"latts", "20"}, {"nfig", "20"}, {"nfile", "20"}},
+      "showBoundaryFlagUser 0\nshowBoundaryFlagBlack 0\nshowCrosssectionXYFlag 1\nshowCrosssectionYZFlag 1\n"
+      "showCrosssectionXZFlag 1\nshowStreamlineFlag 1\nshowCrosssectionVectorFlag 0\n");
+  marvtest::picture shot;
+  ASSERT_TRUE(shot.read((folder / "figs" / "00000020.jpg").string()));
+  const std::string kept = (std::filesystem::path(MARV_BUILD_DIR) / "duct3d-planes.png").string();
+  EXPECT_NE(stbi_write_png(kept.c_str(), shot.width, shot.height, 3, shot.rgb.data(), shot.width * 3), 0) << kept;
+  // Scale colours are saturated; streamlines are (15, 200, 230). Both above the status band.
+  int scale = 0, lineInk = 0;
+  for (int y = 0; y < shot.height * 2 / 3; ++y)
+    for (int x = 0; x < shot.width; ++x) {
+      const unsigned char* c = shot.at(x, y);
+      const int most = std::max({c[0], c[1], c[2]}), least = std::min({c[0], c[1], c[2]});
+      scale += most > 230 && least < 40;
+      lineInk += std::abs(c[0] - 15) < 40 && std::abs(c[1] - 200) < 40 && std::abs(c[2] - 230) < 40;
+    }
+  EXPECT_GT(scale, shot.width * shot.height / 10) << "the planes cover much of the picture";
+  EXPECT_GT(lineInk, 100) << "streamlines drawn";
   std::filesystem::remove_all(folder);
 }
 

@@ -1,19 +1,17 @@
-// Picture test helpers: the off-screen layer, a short batch run that saves its image, and the JPEG read back.
+// Picture test helpers: the off-screen layer, a short batch run that saves its image, and the saved JPEG read back.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <jpeglib.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "batchRun.h"
 #include "layer/layer.h"
+#include "renderSupport.h"
 #include "testSupport.h"
 
 namespace marvtest {
@@ -22,25 +20,11 @@ struct picture {
   int width = 0, height = 0;
   std::vector<unsigned char> rgb;
   bool read(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr) return false;
-    jpeg_decompress_struct info;
-    jpeg_error_mgr errors;
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&info);
-    jpeg_stdio_src(&info, file);
-    jpeg_read_header(&info, TRUE);
-    info.out_color_space = JCS_RGB;
-    jpeg_start_decompress(&info);
-    width = static_cast<int>(info.output_width), height = static_cast<int>(info.output_height);
-    rgb.resize(static_cast<std::size_t>(width) * height * 3);
-    while (info.output_scanline < info.output_height) {
-      JSAMPROW row = rgb.data() + static_cast<std::size_t>(info.output_scanline) * width * 3;
-      jpeg_read_scanlines(&info, &row, 1);
-    }
-    jpeg_finish_decompress(&info);
-    jpeg_destroy_decompress(&info);
-    std::fclose(file);
+    int channels = 0;
+    unsigned char* data = stbi_load(path.c_str(), &width, &height, &channels, 3);
+    if (data == nullptr) return false;
+    rgb.assign(data, data + static_cast<std::size_t>(width) * height * 3);
+    stbi_image_free(data);
     return true;
   }
   const unsigned char* at(int x, int y) const { return &rgb[(static_cast<std::size_t>(y) * width + x) * 3]; }
@@ -59,20 +43,8 @@ class offscreenPicture : public ::testing::Test {
 // The example run in a scratch project with the parameters of values set and vizLines appended to viz.txt.
 inline std::filesystem::path runExample(const char* example, const std::map<std::string, std::string>& values,
                                         const std::string& vizLines) {
-  namespace fs = std::filesystem;
-  const fs::path folder = scratchFolder(example);
-  fs::copy(fs::path(MARV_EXAMPLES_DIR) / example / "input", folder / "input");
-  fs::create_directories(folder / "figs");
-  fs::create_directories(folder / "dump");
-  std::istringstream lines(readText(folder / "input" / "param.txt"));
-  std::string param, line;
-  while (std::getline(lines, line)) {
-    const std::size_t colon = line.find(':'), end = line.find(' ', colon);
-    const auto value = colon == std::string::npos ? values.end() : values.find(line.substr(colon + 1, end - colon - 1));
-    if (value != values.end()) line = line.substr(0, colon + 1) + value->first + " " + value->second;
-    param += line + "\n";
-  }
-  writeText(folder / "input" / "param.txt", param);
+  const std::filesystem::path folder = copyExample(example);
+  setParameters(folder, values);
   std::ofstream(folder / "input" / "viz.txt", std::ios::app) << vizLines;
   marv::driverState state;
   EXPECT_EQ(runBatch(folder, state), 0);

@@ -1,9 +1,14 @@
-// The boundary stage on small hand-built domains, staircase and immersed, on one and two threads.
+// The boundary stage on small hand-built domains, staircase and immersed, on one and two threads; the pressure
+// source and outer-plane derivatives of the step against hand values.
 #include <gtest/gtest.h>
+
+#include <tuple>
+#include <vector>
 
 #include "domain/bcDomain.h"
 #include "domain/nodeLists.h"
 #include "solver/solverCommon.h"
+#include "solver/timeStepTerms.h"
 #include "tests/testGrid.h"
 
 namespace marv {
@@ -44,6 +49,8 @@ TEST(BoundaryStage, WithoutWallsOnlyTheOuterPlanesCopyTheirInnerNeighbour) {
       for (int nz : {1, 2, 3}) {
         stageCase c(nx, ny, nz);
         buildNodeLists(c.domain, c.cfg);
+        // Each face node once with its inner neighbour; no z faces in two dimensions.
+        ASSERT_EQ(c.domain.edgePairs.size(), std::size_t(2 * (ny * nz + nx * nz + (nz == 1 ? 0 : nx * ny))));
         ownedArray3d<double> before(nx, ny, nz);
         copyFrom(before, c.q);
         applyPressure(c.domain, c.q);
@@ -51,33 +58,25 @@ TEST(BoundaryStage, WithoutWallsOnlyTheOuterPlanesCopyTheirInnerNeighbour) {
           for (int j = 0; j < ny; ++j)
             for (int i = 0; i < nx; ++i)
               ASSERT_EQ(c.q(i, j, k), before(inward(i, nx), inward(j, ny), inward(k, nz)))
-                  << " at " << nx << "x" << ny << "x" << nz << " i=" << i << " j=" << j << " k=" << k;
+                  << nx << "x" << ny << "x" << nz << " at " << i << "," << j << "," << k;
       }
 }
 
-TEST(BoundaryStage, StaircaseWallsStopTheFlowAndInletsImposeOnlyTheirFixedComponents) {
-  stageCase c(5, 4, 1);
-  c.domain.bcFlag(0, 1, 0) = c.domain.bcFlag(0, 2, 0) = 2;  // Blue on the left face
-  c.domain.bcFlag(2, 2, 0) = 1;
-  c.domain.bcFlag(3, 1, 0) = 9;
-  buildNodeLists(c.domain, c.cfg);
-  const double vInside[2] = {c.v(1, 1, 0), c.v(1, 2, 0)};
-  applyVelocity(c.domain, c.u, c.v, c.w);
-  for (int n : {2 + 5 * 2, 3 + 5 * 1}) EXPECT_EQ(c.u[n] + c.v[n] + c.w[n], 0.0) << " wall at n=" << n;
-  for (int j : {1, 2}) {
-    EXPECT_EQ(c.u(0, j, 0), 2.0) << " fixed u at j=" << j;
-    EXPECT_EQ(c.w(0, j, 0), 0.0) << " fixed w at j=" << j;
-    EXPECT_EQ(c.v(0, j, 0), vInside[j - 1]) << " a free v follows its neighbour at j=" << j;
-  }
-}
-
-TEST(BoundaryStage, StaircaseScalarsFixValuesOrCopyTheLastFluidNeighbour) {
+TEST(BoundaryStage, StaircaseWallsStopTheFlowInletsFixTheirComponentsAndScalarsCopyTheLastFluidNeighbour) {
   stageCase c(5, 5, 1);
   c.cfg.cmode = 1;
   c.cfg.bcFixTemp = {0, 1, 0, 0, 0, 0, 0, 0, 1};
+  c.domain.bcFlag(0, 1, 0) = c.domain.bcFlag(0, 2, 0) = 2;  // Blue on the left face
   c.domain.bcFlag(2, 2, 0) = 1;                             // Black, 300 K
+  c.domain.bcFlag(3, 1, 0) = 9;
   c.domain.bcFlag(1, 3, 0) = c.domain.bcFlag(2, 3, 0) = 8;  // adiabatic
   buildNodeLists(c.domain, c.cfg);
+  const double vInside[2] = {c.v(1, 1, 0), c.v(1, 2, 0)};
+  applyVelocity(c.domain, c.u, c.v, c.w);
+  for (int n : {2 + 5 * 2, 3 + 5 * 1, 1 + 5 * 3}) EXPECT_EQ(c.u[n] + c.v[n] + c.w[n], 0.0) << "wall at n=" << n;
+  for (int j : {1, 2})  // fixed u and w; a free v follows its neighbour
+    EXPECT_EQ(std::tuple(c.u(0, j, 0), c.w(0, j, 0), c.v(0, j, 0)), std::tuple(2.0, 0.0, vInside[j - 1])) << j;
+
   applyScalar(c.domain, c.q, c.cfg.bcTemp, c.domain.tempCells);
   EXPECT_EQ(c.q(2, 2, 0), 300.0);
   // Neighbours go +x, -x, +y, -y and the last fluid one decides: -y for
@@ -104,11 +103,11 @@ TEST(BoundaryStage, PressureHasZeroGradientAtWallsAndIsZeroOnOpenCellsWhenAsked)
     buildNodeLists(c.domain, c.cfg);
     c.cfg.openPresFlag = open;
     applyPressure(c.domain, c.q);
-    EXPECT_EQ(c.q(1, 1, 0), c.q(1, 2, 0)) << " +y, since -y is a wall, at open=" << open;
-    EXPECT_EQ(c.q(1, 0, 0), c.q(0, 0, 0)) << " -x, since -y clamps to the node, at open=" << open;
+    SCOPED_TRACE(open);
+    EXPECT_EQ(c.q(1, 1, 0), c.q(1, 2, 0)) << "+y, since -y is a wall";
+    EXPECT_EQ(c.q(1, 0, 0), c.q(0, 0, 0)) << "-x, since -y clamps to the node";
     ASSERT_EQ(c.domain.openCells.size(), 15u);
-    for (const cellNode& n : c.domain.openCells)
-      EXPECT_EQ(c.q[n.at] == 0.0, open == 1) << " at i=" << n.i << " j=" << n.j << " open=" << open;
+    for (const cellNode& n : c.domain.openCells) EXPECT_EQ(c.q[n.at] == 0.0, open == 1) << n.i << "," << n.j;
   }
 }
 
@@ -134,8 +133,7 @@ TEST(BoundaryStage, ImmersedGhostValuesGoThroughImagePointsIncludingOnesOutsideT
   const double s = linear(0.6f, 0.55f, 0.45f);
 
   applyVelocity(c.domain, c.u, c.v, c.w);
-  EXPECT_NEAR(c.u(2, 2, 2), -0.5 * s, 1e-12) << "half the mirrored value";
-  EXPECT_NEAR(c.w(2, 2, 2), -0.5 * s, 1e-12);
+  EXPECT_NEAR(c.u(2, 2, 2) + c.w(2, 2, 2), -s, 1e-12) << "half the mirrored value";
   EXPECT_EQ(c.u(1, 2, 2), 0.0) << "image outside: the ghost stops";
   EXPECT_EQ(c.u(2, 1, 2), 1.5 * 2.0) << "fixed u: 1.5 U - 0.5*0";
   EXPECT_EQ(c.v(2, 1, 2), linear(0.5, 0.25, 0.5)) << "a free v is left alone";
@@ -175,14 +173,66 @@ TEST(BoundaryStage, WholeStageAgreesOnOneAndTwoThreads) {
     solver.step();
     double sum = 0.0;
     for (int n = 0; n < solver.pfld.count(); ++n) sum += solver.pfld[n];
-    EXPECT_NEAR(sum, 0.0, 1e-12) << " mean removed, threads=" << threads;
-    EXPECT_EQ(solver.yfld(3, 3, 2), 0.3) << " at threads=" << threads;
-    EXPECT_EQ(solver.afld(0, 2, 2), 0.0) << " at threads=" << threads;
-    EXPECT_EQ(solver.ufld(0, 2, 2), 2.0) << " at threads=" << threads;
+    EXPECT_NEAR(sum, 0.0, 1e-12) << "mean removed, threads " << threads;
+    EXPECT_EQ(std::tuple(solver.yfld(3, 3, 2), solver.afld(0, 2, 2), solver.ufld(0, 2, 2)), std::tuple(0.3, 0.0, 2.0))
+        << "threads " << threads;
     pressure[threads - 1] = ownedArray3d<double>(7, 6, 5);
     copyFrom(pressure[threads - 1], solver.pfld);
   }
-  for (int n = 0; n < pressure[0].count(); ++n) ASSERT_NEAR(pressure[0][n], pressure[1][n], 1e-14) << " at n=" << n;
+  for (int n = 0; n < pressure[0].count(); ++n) ASSERT_NEAR(pressure[0][n], pressure[1][n], 1e-14) << n;
+}
+
+// Pressure source and one-sided outer-plane derivatives against hand values on a 3 x 3 grid (dx 0.5, dy 0.25).
+struct grid3x3 {
+  appConfig cfg;
+  std::vector<double> u, v, w, rho, convX, convY, convZ, divU, ppe;
+  stepTerms::fields f;
+  grid3x3() : u(9), v(9), w(9), rho(9, 2.0), convX(9), convY(9), convZ(9), divU(9), ppe(9) {
+    testing::setGrid(cfg, 3, 3, 1, 1.0, 0.5);  // dx = 0.5, dy = 0.25
+    testing::setTiles(cfg, 1, 1, 1);
+    cfg.mu = 0.1, cfg.rhow = 2.0, cfg.deltat = 0.1;
+    f.u = u.data(), f.v = v.data(), f.w = w.data(), f.rho = rho.data();
+    f.convX = convX.data(), f.convY = convY.data(), f.convZ = convZ.data(), f.divU = divU.data();
+  }
+  static int at(int i, int j) { return i + 3 * j; }
+};
+
+TEST(StepTerms, PressureSourceTakesTwiceMuTimesTheLaplacianOfTheDivergence) {
+  grid3x3 g;
+  const int c = grid3x3::at(1, 1);
+  g.convX[grid3x3::at(0, 1)] = 1, g.convX[grid3x3::at(2, 1)] = 3;
+  g.convY[grid3x3::at(1, 0)] = 2, g.convY[grid3x3::at(1, 2)] = -2;
+  g.divU[c] = 1, g.divU[grid3x3::at(0, 1)] = 2, g.divU[grid3x3::at(2, 1)] = 4, g.divU[grid3x3::at(1, 2)] = 3;
+  const tileRange centre{1, 2, 1, 2, 0, 1};
+
+  // By hand: rhow gx(convX) = 2 * 2 = 4, rhow gy(convY) = 2 * -8 = -16,
+  // 2 mu/dx^2 d2x(divU) = 0.8 * 4 = 3.2, 2 mu/dy^2 d2y(divU) = 3.2 * 1 = 3.2, rhow/deltat divU = 20.
+  stepTerms::pressureRhs(g.f, g.ppe.data(), centre, stepTerms::factorsOf(g.cfg, 3, 9, false), g.cfg, false);
+  EXPECT_NEAR(g.ppe[c], 14.4, 1e-12);
+
+  // Variable density, rho = 2: (1/deltat)(gx(rho u) + gy(rho v)) = 10 * (4 + 4) = 80, gx(convX) + gy(convY)
+  // = 2 - 8, and the same 6.4 of the divergence.
+  g.u[grid3x3::at(0, 1)] = 1, g.u[grid3x3::at(2, 1)] = 3, g.v[grid3x3::at(1, 2)] = 1;
+  stepTerms::pressureRhs(g.f, g.ppe.data(), centre, stepTerms::factorsOf(g.cfg, 3, 9, true), g.cfg, true);
+  EXPECT_NEAR(g.ppe[c], 80.4, 1e-12);
+}
+
+TEST(StepTerms, OuterPlanesDifferenceOneSidedAcrossAndUpwindAlong) {
+  grid3x3 g;
+  const int left = grid3x3::at(0, 1), right = grid3x3::at(2, 1);
+  g.u[left] = 1, g.u[grid3x3::at(1, 1)] = 3, g.u[grid3x3::at(0, 0)] = 0, g.u[grid3x3::at(0, 2)] = 2, g.u[right] = 5;
+  g.v[left] = 0.5, g.v[grid3x3::at(0, 0)] = 1, g.v[grid3x3::at(0, 2)] = 3, g.v[grid3x3::at(1, 1)] = 7;
+  g.v[grid3x3::at(2, 2)] = 1;
+  stepTerms::faceTerms(g.f, g.cfg, 0, stepTerms::factorsOf(g.cfg, 3, 9, false), false);
+
+  // Left plane: du/dx = (3 - 1)/0.5 = 4 forward; along y u is upwinded with
+  // v = 0.5: (0.5 (2 - 0) - 0.5 * 0) / (2 dy) = 2; so convX = -(1 * 4 + 2).
+  EXPECT_NEAR(g.convX[left], -6.0, 1e-12);
+  // dv/dx = (7 - 0.5)/0.5 = 13 forward; along y (0.5 (3 - 1) - 0.5 * 3) * 2 = -1.
+  EXPECT_NEAR(g.convY[left], -12.0, 1e-12);
+  EXPECT_NEAR(g.divU[left], 4.0 + 4.0, 1e-12) << "du/dx one-sided plus dv/dy central";
+  // Right plane: du/dx = (5 - 3)/0.5 backward, dv/dy = (1 - 0) * 2 central.
+  EXPECT_NEAR(g.divU[right], 6.0, 1e-12);
 }
 
 }  // namespace

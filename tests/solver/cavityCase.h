@@ -1,4 +1,5 @@
-// The lid-driven cavity built by hand (Black walls, Blue lid along +x), for the short check and the Ghia et al. run.
+// Solver test set-ups: a pressure-only solver, an open box, the lid-driven cavity (short check, Ghia et al. run)
+// and the heated cavity, all built by hand.
 #pragma once
 
 #include <cmath>
@@ -13,9 +14,43 @@
 #include "project/applyParameters.h"
 #include "scene/velocityStatistics.h"
 #include "solver/incompSolver.h"
+#include "solver/incompSolverThermo.h"
 #include "tests/testGrid.h"
 
 namespace marv::testing {
+
+// A solver whose step is the pressure iteration alone.
+class pressureOnly : public solverCommon {
+ public:
+  using solverCommon::solverCommon;
+  void step() override {
+    runStep([&](int t) { solvePressure(t); });
+  }
+};
+
+// nx x ny x nz fluid nodes over 1 m, no walls (the outer planes only copy
+// their inner neighbours), threads tiles along z (along y with nz = 1).
+// cmode 1 makes it a gas at rhow; call start() after changing the domain.
+template <class solverType>
+struct openBox {
+  appConfig cfg;
+  bcDomain domain;
+  std::unique_ptr<solverType> solver;
+  openBox(int nx, int ny, int nz, int cmode = 0, int threads = 1) {
+    testing::setGrid(cfg, nx, ny, nz);
+    testing::setTiles(cfg, 1, nz == 1 ? threads : 1, nz == 1 ? 1 : threads);
+    cfg.cmode = cmode, cfg.ibm = 0, cfg.mu = 1e-3, cfg.deltat = 1e-3;
+    if (cmode) cfg.rhow = cfg.presw * cfg.molarMass / cfg.gasConstant / cfg.tempw;
+    setColourTables(cfg);
+    cfg.bcTypePresent = {0, 1, 0, 0, 0, 0, 0, 0, 0, 0};
+    constructDomain(domain, cfg);
+    start();
+  }
+  void start() {
+    buildNodeLists(domain, cfg);
+    solver = std::make_unique<solverType>(cfg, domain);
+  }
+};
 
 struct cavityCase {
   appConfig cfg;
@@ -23,31 +58,21 @@ struct cavityCase {
   std::unique_ptr<incompSolver> solver;
   int ts = 0;  // steps taken
 
-  // n x n nodes, lid speed lid [m/s], Reynolds number re (rho = 1, L = 1),
-  // threads tiles along y. mirrored: the lid moves along -x.
-  cavityCase(int n, double re, int threads = 1, bool mirrored = false) {
+  // n x n nodes, lid speed 1 m/s, Reynolds number re (rho = 1, L = 1), threads tiles along y.
+  cavityCase(int n, double re, int threads = 1) {
     setGrid(cfg, n, n, 1);
     setTiles(cfg, 1, threads, 1);
-    cfg.ibm = 0;
-    cfg.rhow = 1.0;
-    cfg.mu = 1.0 / re;
-    cfg.cs = dashValue;
-    cfg.uinb = mirrored ? -1.0 : 1.0;
-    cfg.vinb = 0.0;
+    cfg.ibm = 0, cfg.rhow = 1.0, cfg.mu = 1.0 / re, cfg.cs = dashValue, cfg.uinb = 1.0, cfg.vinb = 0.0;
     // The pressure change is measured against presw (1e5 Pa): a cavity whose
     // pressures are of order rho U^2 = 1 Pa needs a tight tolerance.
-    cfg.peps = 1e-10;
-    cfg.loopmax = 2000;
+    cfg.peps = 1e-10, cfg.loopmax = 2000;
     setColourTables(cfg);
     cfg.bcTypePresent = {0, 1, 1, 0, 0, 0, 0, 0, 0, 0};
     const double h = cfg.dx;
     cfg.deltat = 0.5 * std::min(cfg.cfl * h / 1.0, 0.5 * cfg.cfl * h * h / (cfg.mu / cfg.rhow));
     constructDomain(domain, cfg);
     for (int j = 0; j < n; ++j)
-      for (int i = 0; i < n; ++i) {
-        const bool side = i == 0 || i == n - 1 || j == 0;
-        domain.bcFlag(i, j, 0) = side ? 1 : (j == n - 1 ? 2 : 0);
-      }
+      for (int i = 0; i < n; ++i) domain.bcFlag(i, j, 0) = i == 0 || i == n - 1 || j == 0 ? 1 : j == n - 1 ? 2 : 0;
     buildNodeLists(domain, cfg);
     buildSolidMask(domain, cfg);
     solver = std::make_unique<incompSolver>(cfg, domain);
@@ -99,5 +124,57 @@ inline std::vector<ghiaPoint> readGhia(const std::string& csv, int re) {
   }
   return points;
 }
+
+struct heatedCavity {
+  appConfig cfg;
+  bcDomain domain;
+  std::unique_ptr<incompSolverThermo> solver;
+  double hot = 303.0, cold = 297.0;  // wall temperatures [K]
+
+  // n x n nodes over a 1 m square at Rayleigh number ra and Prandtl number
+  // pr, with a fixed time step; threads tiles along y.
+  heatedCavity(int n, double ra, double pr, int threads = 1) {
+    setGrid(cfg, n, n, 1);
+    setTiles(cfg, 1, threads, 1);
+    cfg.cmode = 1, cfg.ibm = 0, cfg.pr = pr, cfg.cs = dashValue, cfg.gfy = -9.8;
+    cfg.tempw = 0.5 * (hot + cold);
+    cfg.rhow = cfg.presw * cfg.molarMass / cfg.gasConstant / cfg.tempw;
+    // Ra = g beta dT L^3 / (nu alpha) with beta = 1/T0 and alpha = nu/Pr.
+    const double gBetaDt = 9.8 * (hot - cold) / cfg.tempw;
+    const double nu = std::sqrt(gBetaDt * pr / ra);
+    cfg.mu = nu * cfg.rhow, cfg.tempwallk = hot, cfg.tempwall = cold;
+    cfg.uinb = cfg.vinb = cfg.winb = 0.0, cfg.tempb = 0.0;  // adiabatic
+    cfg.peps = 1e-11, cfg.loopmax = 4000;
+    setColourTables(cfg);
+    cfg.bcTypePresent = {0, 1, 1, 0, 0, 0, 0, 0, 1, 0};
+    const double h = cfg.dx, alpha = nu / pr;
+    cfg.deltat = 0.2 * h * h / std::max(nu, alpha), cfg.fixedDeltat = 1;
+    constructDomain(domain, cfg);
+    for (int j = 0; j < n; ++j)  // hot Black left, cold Non-Preset right, adiabatic Blue top and bottom
+      for (int i = 0; i < n; ++i) domain.bcFlag(i, j, 0) = i == 0 ? 1 : i == n - 1 ? 8 : j == 0 || j == n - 1 ? 2 : 0;
+    buildNodeLists(domain, cfg);
+    buildSolidMask(domain, cfg);
+    solver = std::make_unique<incompSolverThermo>(cfg, domain);
+  }
+
+  void advance() {
+    solver->step();
+    cfg.time += cfg.deltat;
+  }
+
+  // Average Nusselt number of the hot wall: -L/dT times the mean of dT/dx
+  // at x = 0, the derivative one-sided of second order, averaged over the
+  // wall by the trapezoidal rule.
+  double hotWallNusselt() const {
+    const int n = cfg.nx;
+    double sum = 0.0;
+    for (int j = 0; j < n; ++j) {
+      const double dTdx =
+          (-3.0 * solver->tfld(0, j, 0) + 4.0 * solver->tfld(1, j, 0) - solver->tfld(2, j, 0)) / (2.0 * cfg.dx);
+      sum += (j == 0 || j == n - 1 ? 0.5 : 1.0) * dTdx;
+    }
+    return -sum / (n - 1) * cfg.lx / (hot - cold);
+  }
+};
 
 }  // namespace marv::testing

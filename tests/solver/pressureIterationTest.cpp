@@ -1,15 +1,19 @@
-// The pressure iteration: a manufactured Poisson problem on 1 and 2 threads, the stop test, relaxation, mean removal.
+// The pressure iteration: a manufactured Poisson problem on 1 and 2 threads, the stop test, relaxation; every row
+// kernel against a plain sweep written here, on all row lengths; the team barrier.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "domain/bcDomain.h"
-#include "tests/solver/pressureOnly.h"
+#include "solver/sweepRows.h"
+#include "tests/solver/cavityCase.h"
 #include "tests/testGrid.h"
 
 namespace marv {
@@ -21,72 +25,70 @@ using testing::pressureOnly;
 // so the discrete solution is this field itself.
 double exact(double x, double y, double z) { return x * x + y * y + z * z; }
 
-struct poissonCase {
+// A pressure-only solver on nx x ny x nz nodes over 1 x ly x lz m, tiles npx x npy x npz.
+struct pressureCase {
   appConfig cfg;
   bcDomain domain;
   std::unique_ptr<pressureOnly> solver;
-  // Grid n x n (x nz), tiles npx x npy x npz; boundary nodes hold the exact
-  // solution, interior nodes start at 0, ppeRhs = 4 (6 in three dimensions).
-  poissonCase(int n, int nz, int npx, int npy, int npz) {
-    testing::setGrid(cfg, n, n, nz, 1.0, 1.0, 1.0);
+  pressureCase(int nx, int ny, int nz, double ly, double lz, int npx, int npy, int npz) {
+    testing::setGrid(cfg, nx, ny, nz, 1.0, ly, lz);
     testing::setTiles(cfg, npx, npy, npz);
     cfg.presw = 1.0;
     constructDomain(domain, cfg);
     solver = std::make_unique<pressureOnly>(cfg, domain);
-    for (int k = 0; k < nz; ++k)
-      for (int j = 0; j < n; ++j)
-        for (int i = 0; i < n; ++i) {
-          const bool inner = i > 0 && i < n - 1 && j > 0 && j < n - 1 && (nz == 1 || (k > 0 && k < nz - 1));
-          solver->pfld(i, j, k) = inner ? 0.0 : exact(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k]);
-          solver->tau11(i, j, k) = nz == 1 ? 4.0 : 6.0;
-        }
   }
-  double maxError() const {
-    double worst = 0.0;
+  // f(i, j, k, x, y, z, p, ppeRhs) at every node.
+  template <class F>
+  void each(F f) {
     for (int k = 0; k < cfg.nz; ++k)
       for (int j = 0; j < cfg.ny; ++j)
         for (int i = 0; i < cfg.nx; ++i)
-          worst =
-              std::fmax(worst, std::fabs(solver->pfld(i, j, k) - exact(cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k])));
+          f(i, j, k, cfg.xCoord[i], cfg.yCoord[j], cfg.zCoord[k], solver->pfld(i, j, k), solver->tau11(i, j, k));
+  }
+};
+
+// Grid n x n (x nz) over 1 m; boundary nodes hold the exact solution,
+// interior nodes start at 0, ppeRhs = 4 (6 in three dimensions).
+struct poissonCase : pressureCase {
+  poissonCase(int n, int nz, int npx, int npy, int npz) : pressureCase(n, n, nz, 1.0, 1.0, npx, npy, npz) {
+    each([&](int i, int j, int k, double x, double y, double z, double& p, double& rhs) {
+      const bool inner = i > 0 && i < n - 1 && j > 0 && j < n - 1 && (nz == 1 || (k > 0 && k < nz - 1));
+      p = inner ? 0.0 : exact(x, y, z);
+      rhs = nz == 1 ? 4.0 : 6.0;
+    });
+  }
+  double maxError() {
+    double worst = 0.0;
+    each([&](int, int, int, double x, double y, double z, double& p, double&) {
+      worst = std::fmax(worst, std::fabs(p - exact(x, y, z)));
+    });
     return worst;
   }
 };
 
-// The same test bodies run with one thread and with two, split along each axis.
+// One thread, and two split along each axis.
 using layout = std::tuple<int, int, int>;
-const std::vector<layout> layouts2D{{1, 1, 1}, {2, 1, 1}, {1, 2, 1}};
-const std::vector<layout> layouts3D{{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}};
-
-std::string label(int n, int nz, const layout& l) {
-  auto [x, y, z] = l;
-  return " at n=" + std::to_string(n) + " nz=" + std::to_string(nz) + " tiles " + std::to_string(x) + "x" +
-         std::to_string(y) + "x" + std::to_string(z);
+std::vector<layout> layouts(int nz) {
+  if (nz == 1) return {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}};
+  return {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}};
 }
 
 TEST(PressureIteration, ManufacturedPoissonConvergesWithOneAndTwoThreads) {
   for (int n : {3, 7, 16, 17, 65})
-    for (int nz : {1, n}) {
-      if (nz > 17) continue;
-      for (const layout& l : nz == 1 ? layouts2D : layouts3D) {
-        poissonCase c(n, nz, std::get<0>(l), std::get<1>(l), std::get<2>(l));
+    for (int nz : {1, n})
+      for (const auto& [x, y, z] : nz > 17 ? std::vector<layout>{} : layouts(nz)) {
+        SCOPED_TRACE(::testing::Message() << n << " " << nz << " tiles " << x << y << z);
+        poissonCase c(n, nz, x, y, z);
         c.cfg.peps = 1e-13, c.cfg.loopmax = 20000;
         c.solver->step();
-        EXPECT_TRUE(c.solver->converged) << label(n, nz, l);
-        EXPECT_EQ(c.cfg.presIterations % 20, 0) << label(n, nz, l);
-        EXPECT_LT(c.maxError(), 1e-9) << label(n, nz, l);
+        EXPECT_TRUE(c.solver->converged);
+        EXPECT_EQ(c.cfg.presIterations % 20, 0);
+        EXPECT_LT(c.maxError(), 1e-9);
       }
-    }
 }
 
 TEST(PressureIteration, TestsFallOnEveryTwentiethSweepAndTheComparisonIsStrict) {
-  // A field that already solves the equation converges at the test of sweep 0.
-  poissonCase solved(7, 1, 1, 1, 1);
-  for (int j = 1; j < 6; ++j)
-    for (int i = 1; i < 6; ++i) solved.solver->pfld(i, j, 0) = exact(solved.cfg.xCoord[i], solved.cfg.yCoord[j], 0.0);
-  solved.solver->step();
-  EXPECT_EQ(std::pair(solved.cfg.presIterations, solved.solver->sweepCount), std::pair(0, 1));
-
-  // The residual after sweep 0, with a tolerance equal to it and one just above.
+  // The residual after sweep 0, with a tolerance equal to it and one just above: strictly below stops at sweep 0.
   poissonCase probe(7, 1, 1, 1, 1);
   probe.cfg.peps = 0.0, probe.cfg.loopmax = 1;
   probe.solver->step();
@@ -122,23 +124,95 @@ TEST(PressureIteration, UnderRelaxationAveragesInteriorNodesWithTheOldPressure) 
     for (int i = 0; i < 16; ++i) {
       const bool inner = i > 0 && i < 15 && j > 0 && j < 15;
       const double expected = inner ? 0.5 * full.solver->pfld(i, j, 0) + 0.5 : full.solver->pfld(i, j, 0);
-      ASSERT_DOUBLE_EQ(half.solver->pfld(i, j, 0), expected) << " at i=" << i << " j=" << j;
+      ASSERT_DOUBLE_EQ(half.solver->pfld(i, j, 0), expected) << i << "," << j;
     }
 }
 
-TEST(PressureIteration, MeanRemovalOverAllNodesWithOneAndTwoThreads) {
-  for (int nz : {1, 7})
-    for (const layout& l : nz == 1 ? layouts2D : layouts3D) {
-      poissonCase c(17, nz, std::get<0>(l), std::get<1>(l), std::get<2>(l));
-      long double sum = 0.0L;
-      for (int n = 0; n < c.solver->pfld.count(); ++n) sum += c.solver->pfld[n] = std::sin(0.37 * n) + 3.0;
-      const double mean = static_cast<double>(sum / c.solver->pfld.count());
-      EXPECT_NEAR(c.solver->removeMeanOnTeam(), mean, 1e-14) << label(17, nz, l);
-      EXPECT_NEAR(c.solver->pfld[5], std::sin(0.37 * 5) + 3.0 - mean, 1e-14) << label(17, nz, l);
-      c.cfg.presAdjustFlag = 0;
-      c.solver->removeMeanOnTeam();
-      EXPECT_NEAR(c.solver->pfld[5], std::sin(0.37 * 5) + 3.0 - mean, 1e-14) << " kept" << label(17, nz, l);
-    }
+// Restores the kernel a run would choose, whatever a test selected.
+struct kernelGuard {
+  sweepInstructions saved = sweepInstructionsInUse();
+  ~kernelGuard() { useSweepInstructions(saved); }
+};
+
+// A rough field: neighbouring nodes differ, so that a node taken with a
+// wrong neighbour, an old value for a new one or a lost block shows.
+double rough(int i, int j, int k) { return std::sin(1.3 * i + 0.7 * j * j + 2.1 * k) + 0.01 * i * j; }
+
+// The update as written, node by node in k, j, i order, in place, over the
+// interior nodes with i0 <= i < i1.
+std::vector<double> referenceSweeps(const appConfig& g, std::vector<double> p, const std::vector<double>& rhs,
+                                    int sweeps, int i0 = 1, int i1 = -1) {
+  if (i1 < 0) i1 = g.nx - 1;
+  const bool threeD = g.nz > 1;
+  const double ax = 1 / g.dx / g.dx, ay = 1 / g.dy / g.dy, az = threeD ? 1 / g.dz / g.dz : 0.0;
+  const double dx2 = g.dx * g.dx, dy2 = g.dy * g.dy, dz2 = g.dz * g.dz;
+  const double relax = threeD ? g.omega * 0.5 * dx2 * dy2 * dz2 / (dy2 * dz2 + dx2 * dz2 + dx2 * dy2)
+                              : g.omega * 0.5 * dx2 * dy2 / (dy2 + dx2);
+  auto at = [&](int i, int j, int k) -> double& { return p[i + g.nx * (j + g.ny * k)]; };
+  for (int s = 0; s < sweeps; ++s)
+    for (int k = threeD ? 1 : 0; k < (threeD ? g.nz - 1 : 1); ++k)
+      for (int j = 1; j < g.ny - 1; ++j)
+        for (int i = std::max(i0, 1); i < std::min(i1, g.nx - 1); ++i) {
+          const double zs = threeD ? at(i, j, k + 1) + at(i, j, k - 1) : 0.0;
+          at(i, j, k) = relax * (ax * (at(i + 1, j, k) + at(i - 1, j, k)) + ay * (at(i, j + 1, k) + at(i, j - 1, k)) +
+                                 az * zs - rhs[i + g.nx * (j + g.ny * k)]) +
+                        (1.0 - g.omega) * at(i, j, k);
+        }
+  return p;
+}
+
+std::vector<sweepInstructions> kernelsOnHost() {
+  std::vector<sweepInstructions> sets{sweepInstructions::baseline};
+  if (hostSupports(sweepInstructions::avx2Fma)) sets.push_back(sweepInstructions::avx2Fma);
+  return sets;
+}
+
+std::string name(sweepInstructions set) { return set == sweepInstructions::avx2Fma ? "avx2Fma" : "baseline"; }
+
+// One tile: the whole row goes through the kernel. Rows of 1 to 13 interior
+// nodes cover the blocks of two and four and every remainder.
+TEST(SweepRows, EveryKernelFollowsTheLexicographicSweepOnRowsOfEveryLength) {
+  kernelGuard guard;
+  for (sweepInstructions set : kernelsOnHost()) {
+    ASSERT_EQ(useSweepInstructions(set), set);
+    for (int nz : {1, 5})
+      for (int nx = 3; nx <= 15; ++nx) {
+        pressureCase c(nx, 6, nz, 0.8, 0.6, 1, 1, 1);            // dx, dy, dz all different
+        c.cfg.peps = 0.0, c.cfg.loopmax = 5, c.cfg.omega = 1.7;  // never met: exactly loopmax sweeps
+        c.each([](int i, int j, int k, double, double, double, double& p, double& rhs) {
+          p = rough(i, j, k), rhs = 3.0 * rough(j, k, i);
+        });
+        const int count = c.solver->pfld.count();
+        const std::vector<double> start(c.solver->pfld.data, c.solver->pfld.data + count);
+        const std::vector<double> rhs(c.solver->tau11.data, c.solver->tau11.data + count);
+        const std::vector<double> expected = referenceSweeps(c.cfg, start, rhs, c.cfg.loopmax);
+        c.solver->step();
+        for (int n = 0; n < count; ++n)
+          ASSERT_NEAR(c.solver->pfld[n], expected[n], 1e-12 * (1.0 + std::fabs(expected[n])))
+              << name(set) << " nx=" << nx << " nz=" << nz << " node " << n;
+      }
+  }
+}
+
+// Each thread writes its slot of round r, meets the others and must see every slot at round r: a barrier that
+// lets a thread through early or does not publish the writes fails (teams of 2 and 3, more than the cores).
+TEST(TeamBarrier, NoThreadPassesBeforeAllHaveArrivedAndAllWritesAreSeen) {
+  for (int team : {2, 3}) {
+    std::vector<int> slot(team, -1);
+    std::vector<int> wrong(team, 0);
+    const int rounds = 300;
+    runTeam(team, [&](int t) {
+      for (int r = 0; r < rounds; ++r) {
+        slot[t] = r;
+        teamBarrier();
+        for (int other = 0; other < team; ++other) wrong[t] += slot[other] != r;
+        teamBarrier();
+      }
+    });
+    for (int t = 0; t < team; ++t) EXPECT_EQ(wrong[t], 0) << "thread " << t << " of " << team;
+  }
+  teamBarrier();  // the master alone: must not wait for the team that has ended
+  SUCCEED();
 }
 
 }  // namespace

@@ -1,9 +1,14 @@
-// What the records measure (force, heat flux, probe values) against fields whose answer is known in closed form.
+// What the records measure (force, heat flux, probe values) against fields whose answer is known in closed form;
+// the record files: exact columns, choices found again in their tails, half-written and foreign files.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <functional>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "domain/bcDomain.h"
 #include "domain/polygonise.h"
@@ -11,7 +16,9 @@
 #include "result/frameRecords.h"
 #include "result/heatLossRecord.h"
 #include "result/probes.h"
+#include "result/recordFiles.h"
 #include "testGrid.h"
+#include "testSupport.h"
 
 namespace marv {
 namespace {
@@ -83,16 +90,16 @@ TEST(Force, UniformGradientOnABoxGivesItsVolumeTimesTheGradient) {
     });
     ownedArray3d<double> p;
     setField(cfg, p, [&](double x, double y, double z) { return 1.0e5 + g[0] * x + g[1] * y + g[2] * z; });
+    // The iso-surface of a mask carries its normals into the mask: -C.n.
     double volume = 0.0;
     for (const bcTriangle& t : domain.surfaces[1].triangles) {
-      double e[3], f[3];
-      for (int c = 0; c < 3; ++c) e[c] = t.vertex[1][c] - t.vertex[0][c], f[c] = t.vertex[2][c] - t.vertex[0][c];
-      const double cx = e[1] * f[2] - e[2] * f[1], cy = e[2] * f[0] - e[0] * f[2], cz = e[0] * f[1] - e[1] * f[0];
-      const double area = 0.5 * std::sqrt(cx * cx + cy * cy + cz * cz);
-      volume += (t.centroid[0] * t.normal[0] + t.centroid[1] * t.normal[1] + t.centroid[2] * t.normal[2]) * area / 3.0;
+      const float* a = t.vertex[0];
+      const double e[3] = {t.vertex[1][0] - a[0], t.vertex[1][1] - a[1], t.vertex[1][2] - a[2]};
+      const double f[3] = {t.vertex[2][0] - a[0], t.vertex[2][1] - a[1], t.vertex[2][2] - a[2]};
+      const double area =
+          0.5 * std::hypot(e[1] * f[2] - e[2] * f[1], e[2] * f[0] - e[0] * f[2], e[0] * f[1] - e[1] * f[0]);
+      volume -= (t.centroid[0] * t.normal[0] + t.centroid[1] * t.normal[1] + t.centroid[2] * t.normal[2]) * area / 3.0;
     }
-    // The iso-surface of a mask carries its normals into the mask.
-    volume = -volume;
     ASSERT_GT(volume, 0.0) << "normals point into the body";
     const forceVector f = surfaceForce(cfg, p, domain.surfaces[1], 1);
     for (int c = 0; c < 3; ++c)
@@ -112,33 +119,6 @@ TEST(Force, UniformGradientOnABoxGivesItsVolumeTimesTheGradient) {
       for (float& c : t.normal) c = -c;
     EXPECT_NEAR(surfaceForce(cfg, p, model, stlType)[2], fz, 1e-6 * std::fabs(fz)) << n;
   }
-}
-
-TEST(Force, SymmetricBodyInSymmetricFlowHasNoSideForce) {
-  // A disc on the centre line in the potential flow around it: the pressure
-  // is mirror-symmetric about the centre line (no lift) and fore-and-aft
-  // symmetric (no drag, d'Alembert, up to the outline's resolution). The
-  // radius keeps every node off the circle, so that rounding does not make
-  // the disc lopsided.
-  appConfig cfg;
-  testing::setGrid(cfg, 81, 41, 1, 2.0, 1.0);
-  const double xc = 1.0, yc = 0.5, a = 0.16, q = 0.5;  // centre, radius [m], dynamic pressure [Pa]
-  bcDomain domain;
-  buildBody(domain, cfg, [&](int i, int j, int) {
-    const double dx = cfg.xCoord[i] - xc, dy = cfg.yCoord[j] - yc;
-    return dx * dx + dy * dy <= a * a;
-  });
-  auto potential = [&](double x, double y) {
-    const double dx = x - xc, dy = y - yc;
-    const double r2 = std::max(dx * dx + dy * dy, a * a),
-                 cos2 = (dx * dx - dy * dy) / std::max(dx * dx + dy * dy, 1e-12);
-    return q * (2 * a * a / r2 * cos2 - a * a * a * a / (r2 * r2));
-  };
-  ownedArray3d<double> p;
-  setField(cfg, p, [&](double x, double y, double) { return potential(x, y); });
-  const forceVector still = outlineForce(cfg, p, domain.outlines[1]);
-  EXPECT_NEAR(still[1], 0.0, 1e-6);
-  EXPECT_NEAR(still[0], 0.0, 2e-2 * q * 2 * a) << "no drag in potential flow";
 }
 
 TEST(HeatLoss, ConductionThroughTheWallsMatchesTheAnalyticFlux) {
@@ -173,66 +153,26 @@ TEST(HeatLoss, ConductionThroughTheWallsMatchesTheAnalyticFlux) {
   EXPECT_NEAR(specificHeat(590.0), specificHeat(589.9999), 1.0) << "the two fits meet";
 }
 
-TEST(HeatLoss, SurfaceHeatOfAHeatedBox) {
-  // A box held at Th in a fluid whose temperature falls off linearly in z
-  // above and below it: heat leaves through the top and bottom faces only.
-  appConfig cfg;
-  testing::setGrid(cfg, 17, 17, 17, 1.0, 1.0, 1.0);
-  cfg.cmode = 1, cfg.mu = 1.8e-5, cfg.pr = 0.71;
-  const double hot = 350.0, slope = 40.0;  // [K], [K/m]
-  bcDomain domain;
-  // Mask k counts from the top: nodes 6..10 in both orders.
-  buildBody(domain, cfg,
-            [](int i, int j, int k) { return i >= 6 && i <= 10 && j >= 6 && j <= 10 && k >= 6 && k <= 10; });
-  ownedArray3d<double> T;
-  const double z0 = cfg.zCoord[6], z1 = cfg.zCoord[10];
-  setField(cfg, T, [&](double, double, double z) { return hot - slope * std::max({0.0, z0 - z, z - z1}); });
-  const double k = specificHeat(hot) * cfg.mu / cfg.pr;
-  // Top and bottom faces of the iso-surface, 0.2 cells outside the nodes,
-  // less their chamfered edges; the side faces see no gradient.
-  const double side = z1 - z0 + 0.4 * cfg.dz;
-  const double q = surfaceHeatLoss(cfg, T, domain.surfaces[1], 1);
-  EXPECT_GT(q, 0.0) << "a hot body loses heat";
-  EXPECT_NEAR(q, 2 * k * slope * side * side, 0.1 * 2 * k * slope * side * side);
-}
-
-TEST(HeatLoss, OffInAConstantDensityRun) {
-  appConfig cfg;
-  testing::setGrid(cfg, 5, 5, 1);
-  cfg.cmode = 0, cfg.showHeatLoss = 1;
-  ownedArray3d<double> T(5, 5, 1), scratch(5, 5, 1), flux(5, 5, 1);
-  fill<double>(flux, 7.0);
-  heatFluxField(cfg, T, scratch, flux);
-  EXPECT_EQ(cfg.showHeatLoss, 0);
-  EXPECT_EQ(flux(2, 2, 0), 0.0);
-}
-
-TEST(Probes, SampleALinearFieldExactly) {
+// Sampling itself is exact for linear fields (checked with the grid sampler);
+// here each recorded quantity comes from its own field.
+TEST(Probes, EachQuantityFromItsField) {
   appConfig cfg;
   testing::setGrid(cfg, 9, 7, 5, 0.8, 0.6, 0.4);
   cfg.cmode = 1, cfg.ageFlag = 1;
   ownedArray3d<double> store[8];
   fieldViews views{};
   const int used[] = {fieldRho, fieldU, fieldV, fieldW, fieldP, fieldT, fieldY, fieldAge};
-  for (int n = 0; n < 8; ++n) {
-    const double s = n + 1.0;
-    setField(cfg, store[n], [s](double x, double y, double z) { return s * (1.0 + 2.0 * x - 3.0 * y + 0.5 * z); });
-    views[used[n]] = store[n];
-  }
+  for (int n = 0; n < 8; ++n)
+    setField(cfg, store[n], [n](double, double, double) { return n + 1.0; }), views[used[n]] = store[n];
   const probePoint at{0.33f, 0.41f, 0.17f};
   const probeSample got = sampleProbe(cfg, views, at);
-  const double base = 1.0 + 2.0 * at.x - 3.0 * at.y + 0.5 * at.z;
   const double values[] = {got.rho, got.u, got.v, got.w, got.dP, got.T, got.massfr, got.age};
-  for (int n = 0; n < 8; ++n) EXPECT_NEAR(values[n], (n + 1.0) * base, 1e-12) << "field " << used[n];
-
+  for (int n = 0; n < 8; ++n) EXPECT_NEAR(values[n], n + 1.0, 1e-12) << "field " << used[n];
   // Without the thermo fields the density is the constant one and the
   // temperature and age read 0.
   cfg.cmode = 0, cfg.ageFlag = 0, cfg.rhow = 998.0;
   const probeSample plain = sampleProbe(cfg, views, at);
-  EXPECT_EQ(plain.rho, 998.0);
-  EXPECT_EQ(plain.T, 0.0);
-  EXPECT_EQ(plain.age, 0.0);
-  EXPECT_NEAR(plain.u, 2.0 * base, 1e-12);
+  EXPECT_EQ(std::tuple(plain.rho, plain.T, plain.age), std::tuple(998.0, 0.0, 0.0));
 }
 
 TEST(Records, RecordedColoursOnlyAndNoBlowingInlet) {
@@ -261,10 +201,179 @@ TEST(Records, RecordedColoursOnlyAndNoBlowingInlet) {
   cfg.bcNoFlow[2] = 1;
   computeRecordValues(cfg, domain, views);
   EXPECT_FLOAT_EQ(cfg.forceValues[2][0], cfg.forceValues[1][0]);
-
-  const std::string notice = forceHeatNotice(cfg, 1, cfg.forceValues[1], 0.0);
-  EXPECT_NE(notice.find("[*] Rec. to ./dump/force.txt"), std::string::npos) << notice;
   EXPECT_TRUE(forceHeatNotice(cfg, 3, {0.0f, 0.0f, 0.0f}, 5.0).empty()) << "no notice for a force of exactly 0";
+}
+
+int messages = 0;
+std::string lastMessage;
+void countMessage(appConfig&, const char* text) {
+  ++messages;
+  lastMessage = text;
+}
+
+struct recordFolder {
+  std::filesystem::path folder = marvtest::scratchFolder("records");
+  marvtest::inFolder here{folder};
+  appConfig cfg;
+  recordFolder() {
+    std::filesystem::create_directories("dump");
+    testing::setGrid(cfg, 11, 11, 1, 1.0, 1.0);
+    cfg.showMessage = countMessage;
+    cfg.latts = 1000;
+    messages = 0;
+  }
+};
+
+// A data line as the program writes it, with the step and probe position,
+// of a still fluid of density 1 (rhow) without fields.
+std::string probeLine(int ts, double x, double y, double z) {
+  appConfig cfg;
+  cfg.ts = ts;
+  cfg.time = ts * 0.01;
+  probeSample still;
+  still.rho = 1.0;
+  return probeDataLine(cfg, probePoint{float(x), float(y), float(z)}, still);
+}
+
+TEST(RecordFiles, ColumnsAreThoseOfTheFileFormats) {
+  appConfig cfg;
+  cfg.ts = 120, cfg.time = 0.5;
+  cfg.forceRecordOn[1] = 1;
+  cfg.forceValues[1] = {1.5f, -2.0f, 0.0f};
+  const std::string head = forceHeadLine(cfg), data = forceDataLine(cfg);
+  EXPECT_EQ(head.substr(0, 44), "          ts      time(s)        Black_flag ");
+  EXPECT_NE(head.find("  Non-Preset_flag        Black_Fx(N)        Black_Fy(N) "), std::string::npos) << head;
+  EXPECT_EQ(data.substr(0, 44), "         120  5.00000e-01                 1 ");
+  EXPECT_NE(data.find("                0        1.50000e+00       -2.00000e+00 "), std::string::npos) << data;
+  std::istringstream columns(data);
+  int count = 0;
+  for (std::string w; columns >> w;) ++count;
+  EXPECT_EQ(count, 34);
+
+  cfg.heatRecordOn[8] = 1, cfg.heatValues[8] = 3.25;
+  EXPECT_NE(
+      heatLossHeadLine(cfg).find("        Cyan_flag          STL_flag   Non-Preset_flag        Black_heatLoss(W/m^2) "),
+      std::string::npos);
+  EXPECT_EQ(heatLossDataLine(cfg).substr(heatLossDataLine(cfg).size() - 20), "       3.25000e+00 \n");
+  EXPECT_EQ(probeHeadLine(),
+            "          ts      time(s)         x(m)         y(m)         z(m)  rho(kg/m^3)       u(m/s)       v(m/s)"
+            "       w(m/s)         T(K)       massfr       age(s)       dP(Pa)\n");
+  EXPECT_EQ(probeFilePath(7), "./dump//probe_007_ascii.dat");
+}
+
+TEST(RecordFiles, ProbeSetupComesFromTheLastWholeLine) {
+  recordFolder f;
+  const std::string head = probeHeadLine();
+  marvtest::writeText(probeFilePath(0), head + probeLine(0, 0.1, 0.2, 0.5) + probeLine(10, 0.3, 0.4, 0.5));
+  // Killed while writing: the last line stops half way.
+  marvtest::writeText(probeFilePath(1), head + probeLine(10, 0.6, 0.7, 0.0) + probeLine(20, 0.9, 0.9, 0).substr(0, 40));
+  marvtest::writeText(probeFilePath(2), head);
+  f.cfg.numProbes = 3;
+  readProbeSetup(f.cfg);
+  // Two dimensions: z is 0; a file with its head line only gives 0; probe 3 stays unset.
+  EXPECT_EQ(f.cfg.numProbes, 3);
+  EXPECT_EQ((std::vector<float>{f.cfg.probes[0].x, f.cfg.probes[0].y, f.cfg.probes[0].z, f.cfg.probes[1].x,
+                                f.cfg.probes[2].x, f.cfg.probes[3].x}),
+            (std::vector<float>{0.3f, 0.4f, 0.0f, 0.6f, 0.0f, -1.0f}));
+  EXPECT_EQ(messages, 0);
+
+  // A missing file in the middle, and a count beyond the table.
+  std::filesystem::remove(probeFilePath(1));
+  f.cfg.numProbes = 3;
+  readProbeSetup(f.cfg);
+  EXPECT_EQ(f.cfg.numProbes, 0) << "one below the missing file's index";
+  f.cfg.numProbes = 50;
+  marvtest::writeText(probeFilePath(1), head + probeLine(10, 0.6, 0.7, 0.0));
+  readProbeSetup(f.cfg);
+  EXPECT_EQ(f.cfg.numProbes, 2) << "the table holds ten; file 3 is missing";
+
+  // A last position outside the domain drops the probe.
+  marvtest::writeText(probeFilePath(2), head + probeLine(0, 0.5, 0.5, 0.0) + probeLine(10, 1.5, 0.5, 0.0));
+  f.cfg.numProbes = 3;
+  readProbeSetup(f.cfg);
+  EXPECT_EQ(f.cfg.numProbes, 1);
+  EXPECT_EQ(f.cfg.probes[2].x, -1.0f);
+}
+
+TEST(RecordFiles, ForeignFilesGiveAMessageAndAreNeverWritten) {
+  recordFolder f;
+  const std::string foreign = "my notes\n1 2 3\n";
+  marvtest::writeText(probeFilePath(0), foreign);
+  const std::string binary("\177ELF\0\0binary", 11);
+  marvtest::writeText(forceFilePath, binary);
+  marvtest::writeText(heatLossFilePath, heatLossHeadLine(f.cfg) + "          10  1.0 0 0 0\n");
+  f.cfg.numProbes = 1;
+  f.cfg.showForce = f.cfg.showHeatLoss = 1;
+  f.cfg.numRecForce = f.cfg.numRecHeatLoss = 2;
+  readProbeSetup(f.cfg);
+  readForceSetup(f.cfg);
+  readHeatLossSetup(f.cfg);
+  EXPECT_EQ(messages, 3);
+  EXPECT_NE(lastMessage.find("./dump/heatLoss.txt is not a record file"), std::string::npos) << lastMessage;
+  EXPECT_EQ(f.cfg.numRecForce + f.cfg.numRecHeatLoss + f.cfg.numProbes, 0);
+
+  // The user goes on recording in the window: still nothing touches them,
+  // neither a new start at step 0 nor an append later.
+  f.cfg.numProbes = 1, f.cfg.probes[0] = {0.5f, 0.5f, 0.0f};
+  f.cfg.numRecForce = f.cfg.numRecHeatLoss = 1;
+  f.cfg.forceRecordOn[1] = f.cfg.heatRecordOn[1] = 1;
+  f.cfg.cmode = 1;
+  fieldViews none{};
+  for (int ts : {0, 10}) {
+    f.cfg.ts = ts;
+    EXPECT_TRUE(writeProbes(f.cfg, none));
+    EXPECT_FALSE(writeForce(f.cfg));
+    EXPECT_FALSE(writeHeatLoss(f.cfg));
+  }
+  EXPECT_EQ(marvtest::readText(probeFilePath(0)), foreign);
+  EXPECT_EQ(marvtest::readText(forceFilePath), binary);
+  EXPECT_EQ(messages, 3) << "one message per file and pass";
+}
+
+TEST(RecordFiles, ForceFlagsComeFromTheLastWholeLine) {
+  recordFolder f;
+  appConfig writer;
+  writer.forceRecordOn[1] = writer.forceRecordOn[8] = 1;
+  std::string text = forceHeadLine(writer) + forceDataLine(writer);
+  writer.forceRecordOn[8] = 0, writer.forceRecordOn[3] = 1, writer.ts = 10;
+  text += forceDataLine(writer);
+  writer.forceRecordOn[5] = 1, writer.ts = 20;
+  const std::string half = forceDataLine(writer).substr(0, 100);
+  marvtest::writeText(forceFilePath, text + half);
+  f.cfg.showForce = 1, f.cfg.numRecForce = 1;
+  readForceSetup(f.cfg);
+  EXPECT_EQ(f.cfg.numRecForce, 2);
+  EXPECT_EQ((std::vector<int>{f.cfg.forceRecordOn[1], f.cfg.forceRecordOn[3], f.cfg.forceRecordOn[5],
+                              f.cfg.forceRecordOn[8]}),
+            (std::vector<int>{1, 1, 0, 0}))
+      << "the half line does not count";
+  EXPECT_EQ(messages, 0);
+
+  // Without showForce in viz.txt the file is not consulted; a missing file
+  // clears the count.
+  appConfig off;
+  off.numRecForce = 3;
+  readForceSetup(off);
+  EXPECT_EQ(off.forceRecordOn[1], 0);
+  std::filesystem::remove(forceFilePath);
+  f.cfg.numRecForce = 2;
+  readForceSetup(f.cfg);
+  EXPECT_EQ(f.cfg.numRecForce, 0);
+}
+
+// A restart continuing the records line for line is checked on whole runs;
+// here the start of a new run (sts 0) over an old file.
+TEST(RecordFiles, ANewRunStartsTheFileAnewAndAHeldStepAppends) {
+  recordFolder f;
+  const std::string head = probeHeadLine();
+  marvtest::writeText(probeFilePath(0), head + probeLine(0, 0.5, 0.5, 0.0) + probeLine(10, 0.5, 0.5, 0.0));
+  f.cfg.numProbes = 1;
+  readProbeSetup(f.cfg);
+  ASSERT_EQ(f.cfg.numProbes, 1);
+  fieldViews none{};
+  writeProbes(f.cfg, none);
+  writeProbes(f.cfg, none);
+  EXPECT_EQ(marvtest::readText(probeFilePath(0)), head + probeLine(0, 0.5, 0.5, 0.0) + probeLine(0, 0.5, 0.5, 0.0));
 }
 
 }  // namespace
