@@ -8,7 +8,6 @@
 #include "layer/inputScript.h"
 #include "layer/layer.h"
 #include "layer/menuBar.h"
-#include "layer/windowMenu.h"
 #include "screenScript.h"
 
 namespace {
@@ -56,23 +55,6 @@ TEST_F(scriptedInput, heldStateFollowsEachFrameAndEventsHappenOnce) {
   setInputScript({inputFrame{}, close, inputFrame{}}, false);
   EXPECT_EQ((std::vector<int>{processMessages(), processMessages(), processMessages()}), (std::vector<int>{0, -1, -1}))
       << "a new script opens the window again; a frame can close it";
-}
-
-TEST_F(scriptedInput, droppedPathsQueueOnlyWhileDropsAreEnabled) {
-  inputFrame drop;
-  drop.dropped = {"/tmp/a/param.txt", "/tmp/b"};
-  setInputScript({drop, drop}, false);
-  processMessages();
-  EXPECT_EQ(droppedFileCount(), 0);
-  setFileDropEnabled(1);
-  processMessages();
-  ASSERT_EQ(droppedFileCount(), 2);
-  char path[8];
-  ASSERT_EQ(droppedFilePath(path, sizeof path), 0);
-  EXPECT_STREQ(path, "/tmp/a/") << "the oldest first, cut to the buffer";
-  clearDroppedFiles();
-  EXPECT_EQ(droppedFilePath(path, sizeof path), -1);
-  EXPECT_STREQ(path, "");
 }
 
 // Plays the frames through a field made with the given rules; its text.
@@ -236,26 +218,6 @@ TEST(menuCaptions, accessLettersAndUnderlinesOfCaptions) {
             std::to_string(underline) + "|";
   }
   EXPECT_EQ(seen, "X Exit (X) 6|S in (s) 4|- Fish & Chips -1|C A & B (C) 7|F ファイル (F) 14|- trailing & -1|");
-}
-
-// The window's own menu through the layer. Commands reaching the receiver, greyed items and Exit closing the
-// window are played through the window by the menu script tests.
-TEST(windowMenu, aMenuIsSetByIdAndComesBackAsMadeAndAStopForgetsTheClose) {
-  marv::stopLayer();
-  EXPECT_EQ(marv::menuBarHeight(), 0) << "no bar until a menu is set";
-  EXPECT_EQ(marv::setWindowMenu(7), -1);
-  ASSERT_EQ(marv::setWindowMenu(mainMenuId), 0);
-  EXPECT_GT(marv::menuBarHeight(), 0);
-  EXPECT_EQ((std::vector{marv::setMenuItemEnabled(commandNewProject, 0), marv::setMenuItemEnabled(99999, 0),
-                         marv::setMenuItemText(commandExit, "Quit (&Q)"), marv::setMenuHeadText(0, 2, "separator")}),
-            (std::vector{0, -1, 0, -1}));
-  marv::setWindowMenu(mainMenuId);
-  EXPECT_TRUE(findItem(windowMenu(), commandNewProject)->enabled);
-  EXPECT_EQ(findItem(windowMenu(), commandExit)->caption, "Exit (&X)");
-  marv::closeWindow();
-  EXPECT_EQ(marv::processMessages(), -1);
-  marv::stopLayer();
-  EXPECT_EQ(marv::processMessages(), 0) << "a new start forgets the close";
 }
 
 }  // namespace menuBar

@@ -49,24 +49,6 @@ int play(int (*screen)(projectWizard&, appConfig&), wizardCase& c, std::vector<i
   return screen(c.wizard, c.cfg);
 }
 
-TEST(ProjectPaths, FileInAnInputFolderAndFoldersToCreate) {
-  // The project's name, folder, input folder and parameter file that a path gives.
-  const auto paths = [](const std::string& path, bool isFolder) {
-    projectWizard w;
-    const std::string name = projectFromPath(w, path, isFolder);
-    return name + "|" + w.projectDir + "|" + w.inputDir + "|" + w.paramFilePath;
-  };
-  EXPECT_EQ(paths("/data/runs/box/input/param.txt", false),
-            "box|/data/runs/box/|/data/runs/box/input/|/data/runs/box/input/param.txt");
-  // Any file one level below the project counts, whatever its folder's name.
-  EXPECT_EQ(paths("/data/runs/box/pictures/bcXY0.bmp", false).substr(0, 44),
-            "box|/data/runs/box/|/data/runs/box/pictures/");
-  EXPECT_EQ(paths("/data/runs/new case/", true),
-            "new case|/data/runs/new case/|/data/runs/new case/input/|/data/runs/new case/input/param.txt");
-  EXPECT_EQ(displayPath("C:\\runs\\box\\") + "|" + folderOf("/a/b/bcXY0.bmp") + "|" + folderOf("plain"),
-            "C:/runs/box/|/a/b/|");
-}
-
 TEST(ProjectFolder, NewProjectCopiesBitmapsModelAndParametersOnly) {
   wizardCase c;
   const fs::path root = marvtest::scratchFolder("wizard-new");
