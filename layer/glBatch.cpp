@@ -672,13 +672,7 @@ int buildUpload() {
       const float us[4] = {0.0f, float(rect[2] - rect[0]) / sw, float(rect[2] - rect[0]) / sw, 0.0f};
       const float top = float(c.sheetRow) / sh, bottom = float(c.sheetRow + rect[3] - rect[1]) / sh;
       const float vs[4] = {top, top, bottom, bottom};
-      for (int corner = 0; corner < 4; ++corner) {
-        v[corner] = vertex{};
-        v[corner].x = xs[corner];
-        v[corner].y = ys[corner];
-        v[corner].u = us[corner];
-        v[corner].v = vs[corner];
-      }
+      writeQuad(v, xs, ys, us, vs);
       at += 4;
       continue;
     }
@@ -701,14 +695,8 @@ int buildUpload() {
         const glyphRecord& r = state.glyphs[c.first + g];
         const float xs[4] = {r.x1, r.x2, r.x2, r.x1}, ys[4] = {r.y1, r.y1, r.y2, r.y2};
         const float us[4] = {r.u1, r.u2, r.u2, r.u1}, vs[4] = {r.v1, r.v1, r.v2, r.v2};
-        for (int corner = 0; corner < 4; ++corner) {
-          v[corner] = vertex{};
-          v[corner].x = xs[corner];
-          v[corner].y = ys[corner];
-          v[corner].u = us[corner];
-          v[corner].v = vs[corner];
-          setColour(v[corner], r.colour);
-        }
+        writeQuad(v, xs, ys, us, vs);
+        for (int corner = 0; corner < 4; ++corner) setColour(v[corner], r.colour);
       }
       at += 4 * c.count;
       continue;

@@ -271,6 +271,17 @@ int addToTable(std::vector<T>& table, T item) {
 
 inline void stateChanged() { ++core().serial; }
 
+// The four corners of a textured quad, in order round it, white.
+inline void writeQuad(vertex* v, const float* xs, const float* ys, const float* us, const float* vs) {
+  for (int corner = 0; corner < 4; ++corner) {
+    v[corner] = vertex{};
+    v[corner].x = xs[corner];
+    v[corner].y = ys[corner];
+    v[corner].u = us[corner];
+    v[corner].v = vs[corner];
+  }
+}
+
 inline void recordBox(float x1, float y1, float x2, float y2, std::uint32_t colour) {
   coreState& s = core();
   // The usual case: box after box in the same state, with room to spare.

@@ -49,13 +49,7 @@ int texturedQuad(const image& img, const float xs[4], const float ys[4], const f
   k.textureAlpha = transparent != 0;
   vertex* v = reserve(k, 4);
   if (v == nullptr) return 0;
-  for (int c = 0; c < 4; ++c) {
-    v[c] = vertex{};
-    v[c].x = xs[c];
-    v[c].y = ys[c];
-    v[c].u = us[c];
-    v[c].v = vs[c];
-  }
+  writeQuad(v, xs, ys, us, vs);
   return 0;
 }
 
