@@ -37,9 +37,9 @@ void sizeBoundaryVertices(sceneView& scene, const bcDomain& domain) {
   }
 }
 
-void drawBoundaryPolygons(sceneView& scene, const appConfig& cfg, const array3d<double>& field, int colourMode,
-                          int id) {
-  if (scene.domain == nullptr || id < 0 || id >= numColourTypes) return;
+namespace {
+
+void drawSurface(sceneView& scene, const appConfig& cfg, const array3d<double>& field, int colourMode, int id) {
   const bcSurface& surface = scene.domain->surfaces[id];
   const int triangles = std::min(surface.numTriangles, static_cast<int>(surface.triangles.size()));
   if (scene.boundaryVertexCount[id] != 3 * triangles) sizeBoundaryVertices(scene, *scene.domain);
@@ -75,6 +75,30 @@ void drawBoundaryPolygons(sceneView& scene, const appConfig& cfg, const array3d<
       drawLine3d(p[2].position, p[0].position, scene.colours.charcoal);
     }
   drawPolygons3d(v.data(), triangles, noTexture, 1);
+}
+
+// A surface in its own colours is made only when the picture is rasterised;
+// in the quantity's colours it reads the display view, which is reused
+// before the picture is saved, so it is made at once.
+struct laterSurface {
+  sceneView* scene;
+  const appConfig* cfg;
+  int id;
+};
+
+void drawLaterSurface(const void* context) {
+  const laterSurface& l = *static_cast<const laterSurface*>(context);
+  drawSurface(*l.scene, *l.cfg, array3d<double>{}, 0, l.id);
+}
+
+}  // namespace
+
+void drawBoundaryPolygons(sceneView& scene, const appConfig& cfg, const array3d<double>& field, int colourMode,
+                          int id) {
+  if (scene.domain == nullptr || id < 0 || id >= numColourTypes) return;
+  if (colourMode == 1) return drawSurface(scene, cfg, field, colourMode, id);
+  const laterSurface l{&scene, &cfg, id};
+  drawLater(drawLaterSurface, &l, sizeof l);
 }
 
 void drawMeshLines(const sceneView& scene, const appConfig& cfg) {
