@@ -266,7 +266,9 @@ namespace {
 // Streamlines are traced only when the picture is rasterised: the velocity
 // fields stand until then (the run loop presents, saves or clears the frame
 // before it steps). Lines in the quantity's colours read the display view,
-// which is reused before the picture is saved, so they are traced at once.
+// which is reused before the picture is saved, so they are traced at once;
+// so are lines from every lattice point, which can outgrow the pending
+// frame: drawn at once, the layer rasterises them in parts.
 struct laterLines {
   sceneView* scene;
   const appConfig* cfg;
@@ -280,7 +282,7 @@ void drawLaterLines(const void* context) {
 }
 
 void drawStreamlines(sceneView& scene, const appConfig& cfg, const fieldViews& views, int dims) {
-  if (cfg.nonBcObjectColorFlag == 1) return drawLines(scene, cfg, views, dims);
+  if (cfg.nonBcObjectColorFlag == 1 || cfg.showStreamlineFlag == 2) return drawLines(scene, cfg, views, dims);
   const laterLines l{&scene, &cfg, &views, dims};
   drawLater(drawLaterLines, &l, sizeof l);
 }
