@@ -462,7 +462,10 @@ void putDrawState(const laterDrawing& d) {
 // recorded with, then take its place. Meanwhile nothing is rasterised (the
 // record limits are let go).
 void makeLaterDrawings() {
-  if (state.later.empty()) return;
+  // Commands of drawings dropped unmade (the renderer stopping) go too.
+  if (std::none_of(state.commands.begin(), state.commands.end(),
+                   [](const command& c) { return c.kind == commandKind::later; }))
+    return;
   std::vector<command> pending, made;
   pending.swap(state.commands);
   made.reserve(pending.size());
