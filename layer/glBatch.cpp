@@ -564,6 +564,10 @@ int verticesOf(const command& c) {
   }
 }
 
+// A box corner as a pixel column or row from 0 to limit (the target's
+// side): whole pixels, as drawBox and drawBoxRow record them.
+int pixelWithin(float v, int limit) { return static_cast<int>(std::clamp(v, 0.0f, static_cast<float>(limit))); }
+
 // Chooses the box runs drawn as pictures, paints them into the box sheet
 // and uploads it. A run qualifies with many boxes at full strength (blended
 // boxes would blend where they overlap). Each takes the rows of its
@@ -581,8 +585,8 @@ void paintBoxSheet() {
       const boxRecord& r = state.boxes[c.first + b];
       x1 = std::min(x1, r.x1), y1 = std::min(y1, r.y1), x2 = std::max(x2, r.x2), y2 = std::max(y2, r.y2);
     }
-    const int rect[4] = {std::max(static_cast<int>(x1), 0), std::max(static_cast<int>(y1), 0),
-                         std::min(static_cast<int>(x2), target->width), std::min(static_cast<int>(y2), target->height)};
+    const int rect[4] = {pixelWithin(x1, target->width), pixelWithin(y1, target->height),
+                         pixelWithin(x2, target->width), pixelWithin(y2, target->height)};
     const int w = rect[2] - rect[0], h = rect[3] - rect[1];
     if (w <= 0 || h <= 0 || w > boxSheetLimit || height + h > boxSheetLimit) continue;
     c.asPicture = true;
@@ -595,7 +599,7 @@ void paintBoxSheet() {
   growTo(state.boxPixels, static_cast<std::size_t>(width) * height);
   std::uint32_t* sheet = state.boxPixels.data();
   std::fill(sheet, sheet + static_cast<std::size_t>(width) * height, 0u);
-  bool anyTransparent = false;
+  bool needSheet = false;
   for (command& c : state.commands) {
     if (!c.asPicture) continue;
     const int* rect = c.pictureRect;
@@ -603,8 +607,8 @@ void paintBoxSheet() {
     // pixels from x1 to x2 - 1, the same as the rasteriser fills.
     for (int b = 0; b < c.count; ++b) {
       const boxRecord& r = state.boxes[c.first + b];
-      const int bx1 = std::max(static_cast<int>(r.x1), rect[0]), bx2 = std::min(static_cast<int>(r.x2), rect[2]);
-      const int by1 = std::max(static_cast<int>(r.y1), rect[1]), by2 = std::min(static_cast<int>(r.y2), rect[3]);
+      const int bx1 = std::max(pixelWithin(r.x1, rect[2]), rect[0]), bx2 = pixelWithin(r.x2, rect[2]);
+      const int by1 = std::max(pixelWithin(r.y1, rect[3]), rect[1]), by2 = pixelWithin(r.y2, rect[3]);
       if (bx2 <= bx1) continue;
       const std::uint32_t rgba =
           ((r.colour >> 16) & 255u) | (r.colour & 0xFF00u) | ((r.colour & 255u) << 16) | 0xFF000000u;
@@ -619,12 +623,14 @@ void paintBoxSheet() {
       covered = std::find(row, row + (rect[2] - rect[0]), 0u) == row + (rect[2] - rect[0]);
     }
     c.opaque = covered;
-    anyTransparent |= !covered;
+    const image* target = imageOf(c.target);
+    needSheet |= !covered || target == nullptr || target->texture == 0;
   }
   state.boxSheetRowLength = width;
   // Opaque pictures go straight into their targets' pixels (flush); the
-  // sheet texture is needed only for pictures with holes.
-  if (!anyTransparent) return;
+  // sheet texture is needed only for pictures with holes, or for a target
+  // without pixels of its own to write to.
+  if (!needSheet) return;
   if (state.boxSheet == 0) glGenTextures(1, &state.boxSheet);
   glBindTexture(GL_TEXTURE_2D, state.boxSheet);
   if (width > state.boxSheetWidth || height > state.boxSheetHeight) {

@@ -188,13 +188,22 @@ void circle(float x, float y, float radius, int segments, std::uint32_t c, bool 
   polygon(pts, c, fill, std::max(thickness, 1.0f), smooth);
 }
 
+// A box's whole-pixel corner as the rasteriser takes it. Corners far beyond
+// any target (up to the ends of int's range) lose their last digits as
+// floats and overflow the rasteriser's fixed point; held within a margin
+// larger than the largest target, the box covers the same target pixels.
+float boxEdge(int v) {
+  constexpr int limit = 1 << 15;
+  return static_cast<float>(std::clamp(v, -limit, limit));
+}
+
 }  // namespace
 
 int drawBox(int x1, int y1, int x2, int y2, std::uint32_t c, int fill) {
   if (x2 < x1) std::swap(x1, x2);
   if (y2 < y1) std::swap(y1, y2);
   if (x1 == x2 || y1 == y2) return 0;
-  const float l = float(x1), t = float(y1), r = float(x2), b = float(y2);
+  const float l = boxEdge(x1), t = boxEdge(y1), r = boxEdge(x2), b = boxEdge(y2);
   if (fill) {
     recordBox(l, t, r, b, c);  // the common primitive of a frame, kept compact until rasterised
     return 0;
@@ -216,7 +225,7 @@ int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t
   // exactly what its boxes cover one by one: it is recorded as one box. With
   // blending the overlaps would be blended twice, so every box stays.
   const bool merge = core().blendMode != 1;
-  const float t = float(y1), b = float(y2);
+  const float t = boxEdge(y1), b = boxEdge(y2);
   int i = 0;
   while (i < n) {
     int l = x1[i], r = x2[i];
@@ -225,7 +234,7 @@ int drawBoxRow(const int* x1, const int* x2, int y1, int y2, const std::uint32_t
     if (r < l) std::swap(l, r);
     if (l == r) continue;
     while (merge && i < n && colours[i] == c && x1[i] >= l && x1[i] <= r && x2[i] >= r) r = x2[i++];
-    recordBox(float(l), t, float(r), b, c);
+    recordBox(boxEdge(l), t, boxEdge(r), b, c);
   }
   return 0;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -398,6 +399,9 @@ std::vector<box> scatteredBoxes(int n) {
     boxes.push_back({x, y, x + 1 + next(14), y + 1 + next(9), std::uint8_t(next(256)), std::uint8_t(next(256)),
                      std::uint8_t(next(256))});
   }
+  // Bands reaching the ends of int's range, as a caller's unclipped corners may.
+  boxes.push_back({INT_MIN, 30, INT_MAX, 33, 9, 200, 9});
+  boxes.push_back({50, INT_MIN, 53, INT_MAX, 200, 9, 9});
   return boxes;
 }
 
@@ -412,8 +416,8 @@ std::vector<std::uint8_t> painted(const std::vector<box>& boxes, int w, int h) {
   for (int y = 0; y < h; ++y)
     for (int x = 0; x < w; ++x) put(x, y, 40, 40, 40);
   for (const box& b : boxes)
-    for (int y = b.y1; y < b.y2; ++y)
-      for (int x = b.x1; x < b.x2; ++x) put(x, y, b.r, b.g, b.b);
+    for (int y = std::max(b.y1, 0); y < std::min(b.y2, h); ++y)
+      for (int x = std::max(b.x1, 0); x < std::min(b.x2, w); ++x) put(x, y, b.r, b.g, b.b);
   for (int x = 0; x < w; ++x) put(x, 20, 255, 0, 0);
   return px;
 }
