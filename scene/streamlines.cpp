@@ -276,13 +276,18 @@ struct laterLines {
   int dims;
 };
 
+bool tracedAtOnce(const appConfig& cfg) { return cfg.nonBcObjectColorFlag == 1 || cfg.showStreamlineFlag == 2; }
+
 void drawLaterLines(const void* context) {
   const laterLines& l = *static_cast<const laterLines*>(context);
+  // A key pressed after the frame can ask for lines that must be traced at
+  // once; this frame then shows none, the next frame draws them.
+  if (tracedAtOnce(*l.cfg) || l.cfg->showStreamlineFlag == 0) return;
   drawLines(*l.scene, *l.cfg, *l.views, l.dims);
 }
 
 void drawStreamlines(sceneView& scene, const appConfig& cfg, const fieldViews& views, int dims) {
-  if (cfg.nonBcObjectColorFlag == 1 || cfg.showStreamlineFlag == 2) return drawLines(scene, cfg, views, dims);
+  if (tracedAtOnce(cfg)) return drawLines(scene, cfg, views, dims);
   const laterLines l{&scene, &cfg, &views, dims};
   drawLater(drawLaterLines, &l, sizeof l);
 }
