@@ -24,9 +24,10 @@ constexpr const char* idleSpinRounds = "20000";
 // Between two steps the solver's idle threads wait in the OpenMP runtime,
 // which spins them for several milliseconds before they sleep. In the window
 // that spin takes a core from the rasteriser whenever a picture is presented
-// (docs/performance.md, "In a window"). The runtime reads its spin from the environment while the program is loaded,
-// before main, so the program starts itself once more with it set, unless the
-// user chose a wait of their own (GOMP_SPINCOUNT or OMP_WAIT_POLICY).
+// (docs/performance.md, "Rasterising only what is seen"). The runtime reads
+// its spin from the environment while the program is loaded, before main,
+// so the program starts itself once more with it set, unless the user chose
+// a wait of their own (GOMP_SPINCOUNT or OMP_WAIT_POLICY).
 void restartWithShortIdleSpin(char** argv) {
   if (std::getenv("GOMP_SPINCOUNT") != nullptr || std::getenv("OMP_WAIT_POLICY") != nullptr) return;
   if (setenv("GOMP_SPINCOUNT", idleSpinRounds, 1) != 0) return;

@@ -136,9 +136,8 @@ struct command {
   // as one picture: set while rasterising.
   bool asPicture = false;
   int pictureRect[4] = {};  // x1 y1 x2 y2 of the painted pixels in the target [px]
-  int sheetRow = 0;
-  int laterIndex =
-      -1;  // its drawing in coreState::later, for a later command         // first row of its pixels in the box sheet
+  int sheetRow = 0;         // first row of its pixels in the box sheet
+  int laterIndex = -1;      // its drawing in coreState::later, for a later command
 };
 
 // The state of the backend. One instance; main thread only.

@@ -137,7 +137,7 @@ bool pngChunksFit(const std::uint8_t* data, std::size_t size) {
 // most nine digits each (the decoder's number reader overflows on longer
 // ones), eight-bit samples (its 16-bit path reads past short files) and all
 // the pixel bytes that the head promises.
-bool pnmNumbersFit(const std::uint8_t* data, std::size_t size) {
+bool pnmHeadFits(const std::uint8_t* data, std::size_t size) {
   if (size < 2 || data[0] != 'P' || (data[1] != '5' && data[1] != '6')) return true;
   std::size_t at = 2;
   long long value[3] = {0, 0, 0};
@@ -197,7 +197,7 @@ bool decodeImage(const std::uint8_t* data, std::size_t size, rgbaImage& image) {
   image = rgbaImage{};
   if (data == nullptr || size == 0 || size > maxImageFileBytes) return false;
   if (size >= 3 && data[0] == 0xFF && data[1] == 0xD8 && data[2] == 0xFF) return decodeJpeg(data, size, image);
-  if (!pnmNumbersFit(data, size)) return false;
+  if (!pnmHeadFits(data, size)) return false;
   int w = 0, h = 0, channels = 0;
   if (!stbi_info_from_memory(data, static_cast<int>(size), &w, &h, &channels)) return false;
   // A BMP whose rows run top-down states a negative height; the size
