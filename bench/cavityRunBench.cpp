@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     }
     std::printf(
         "cavity run %d: threads %d kernel %s omega %g peps %g cfl %g: t = %.1f s in %d steps, %.1f sweeps per step, "
-        "wall %.1f s, load average %.2f, deviation from Ghia u %.4f v %.4f\n",
+        "wall %.2f s, load average %.2f, deviation from Ghia u %.4f v %.4f\n",
         run, threads, kernelName, omega, peps, cfl, c.cfg.time, c.ts, double(sweeps) / c.ts, wall, load, worstU,
         worstV);
     std::fflush(stdout);

@@ -1,7 +1,7 @@
 #!/bin/bash
 # All the figures of the speed table in docs/performance.md, in one run: the
 # pressure sweep (both row kernels, 1 and 2 threads, three repetitions), the
-# cavity to t = 20 s on 1 and 2 threads (three runs each), and icoFoam on the
+# cavity to t = 20 s on 1 and 2 threads (three runs each, in turn), and icoFoam on the
 # same case where OpenFOAM is installed. Every line carries the load average
 # at its start.
 #
@@ -16,9 +16,13 @@ echo "== machine: $(nproc) cores, $(grep -m1 'model name' /proc/cpuinfo | cut -d
 echo "== pressure sweep"
 "$build/bench/pressureSweepBench" --benchmark_repetitions="$runs" --benchmark_filter='Triad|Barrier|Sweep' 2>&1 |
   grep -E '^(BM_|Benchmark)'
-for threads in 1 2; do
-  echo "== cavity, $threads thread(s)"
-  "$build/bench/cavityRunBench" "$threads" "$runs"
+# One and two threads in turn, so that a host whose pace drifts during the
+# run slows both alike.
+echo "== cavity, 1 and 2 threads in turn"
+for run in $(seq "$runs"); do
+  for threads in 1 2; do
+    "$build/bench/cavityRunBench" "$threads" 1 | sed "s/^cavity run 1:/cavity run $run:/"
+  done
 done
 echo "== icoFoam"
 if command -v icoFoam >/dev/null 2>&1 || [ -f /usr/share/openfoam/etc/bashrc ]; then

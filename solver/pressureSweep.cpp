@@ -9,10 +9,13 @@
 // is why results differ slightly with the thread count and from run to run.
 // To make those reads defined, every access to a node that two threads touch
 // in one sweep (the layer on each side of a border between tiles) is a
-// relaxed atomic: rows of the tile that face another tile in j or k are swept
-// with atomic loads and stores, and in the other rows only the first and
-// last node when a tile lies beside in i. All other accesses are plain, so a
-// single tile has no atomic access at all.
+// relaxed atomic. A row that faces another tile in j or k reads the other
+// tile's row through atomic loads into a copy, runs the vector kernel on the
+// copy, and stores its new values through atomic stores; when a tile also
+// lies beside in i, such rows are swept scalar with atomics throughout. In
+// the other rows only the first and last node are atomic when a tile lies
+// beside in i. All other accesses are plain, so a single tile has no atomic
+// access at all.
 //
 // Speed. The sweep is the hot loop of the program; its rows run in the
 // kernels of sweepRows.h, chosen for the processor at run time. The team
@@ -29,30 +32,68 @@ namespace marv {
 
 namespace {
 
+// A row that another thread reads, or one of whose neighbour rows another
+// thread writes, during the sweep; the tile has no other tile beside it in
+// i. The neighbour rows another thread owns are copied into scratch through
+// relaxed atomic loads, all at once, so that their transfers from the other
+// core overlap; the vector kernel then writes the new values to scratch,
+// and they reach the grid through relaxed atomic stores. The copies are
+// snapshots of the other tile's nodes, which either value is right for.
+template <bool ThreeD>
+void sweepSharedRow(sweepRow row, int i0, int i1, double west, const bool foreign[4], double* scratch,
+                    const sweepConstants& s, rowKernelFn kernel) {
+  const int n = i1 - i0;
+  const double** const rows[4] = {&row.south, &row.north, &row.down, &row.up};
+  for (int side = 0; side < 4; ++side) {
+    if (!foreign[side]) continue;
+    const double* const from = *rows[side] + i0;
+    for (int m = 0; m < n; ++m) scratch[m] = loadNode<true>(from + m);
+    *rows[side] = scratch - i0;
+    scratch += n;
+  }
+  double* const grid = row.out;
+  row.out = scratch - i0;
+  kernel(row, i0, i1, west, s);
+  for (int i = i0; i < i1; ++i) storeNode<true>(grid + i, row.out[i]);
+}
+
 // Sweep over the range r; the low* and high* flags say on which sides of the
 // range another tile lies.
 template <bool ThreeD>
-void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepConstants& s, bool lowI, bool highI,
-                bool lowJ, bool highJ, bool lowK, bool highK) {
-  const plainStretchFn plain = plainStretch(ThreeD);
+void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepConstants& s, int nx, int nxy, bool lowI,
+                bool highI, bool lowJ, bool highJ, bool lowK, bool highK, double* scratch) {
+  if (r.i0 >= r.i1) return;
+  const rowKernelFn kernel = rowKernel(ThreeD);
+  const int middle = (r.j0 + r.j1) / 2;
   for (int k = r.k0; k < r.k1; ++k) {
-    const bool sharedPlane = (lowK && k == r.k0) || (highK && k == r.k1 - 1);
+    const bool downShared = lowK && k == r.k0, upShared = highK && k == r.k1 - 1;
     for (int j = r.j0; j < r.j1; ++j) {
-      const int c0 = r.i0 + s.nx * j + s.nxy * k, c1 = r.i1 + s.nx * j + s.nxy * k;
-      if (c0 >= c1) continue;
-      if (sharedPlane || (lowJ && j == r.j0) || (highJ && j == r.j1 - 1)) {
-        sweepStretch<ThreeD, true>(p, rhs, c0, c1, loadNode<true>(p, c0 - 1), s);
+      const sweepRow row = gridRow(p, rhs, j, k, nx, nxy, ThreeD);
+      // The row past the high border in j is read at the end of the tile's
+      // sweep; its owner wrote it at the start of its own. Fetching it halfway
+      // takes its transfer off the end of the sweep, where both threads wait.
+      if (highJ && j == middle) {
+        const double* const past = p + nx * r.j1 + nxy * k;
+        for (int i = r.i0; i < r.i1; i += 8) __builtin_prefetch(past + i);
+        __builtin_prefetch(past + r.i1 - 1);
+      }
+      const bool foreign[4] = {lowJ && j == r.j0, highJ && j == r.j1 - 1, downShared, upShared};
+      if (foreign[0] || foreign[1] || foreign[2] || foreign[3]) {
+        if (!lowI && !highI)
+          sweepSharedRow<ThreeD>(row, r.i0, r.i1, row.in[r.i0 - 1], foreign, scratch, s, kernel);
+        else
+          sweepStretch<ThreeD, true>(row, r.i0, r.i1, loadNode<true>(row.in + r.i0 - 1), s);
         continue;
       }
-      double west = lowI ? loadNode<true>(p, c0 - 1) : p[c0 - 1];
-      int a = c0;
+      double west = lowI ? loadNode<true>(row.in + r.i0 - 1) : row.in[r.i0 - 1];
+      int a = r.i0;
       if (lowI) {
-        west = sweepStretch<ThreeD, true>(p, rhs, a, a + 1, west, s);
+        west = sweepStretch<ThreeD, true>(row, a, a + 1, west, s);
         ++a;
       }
-      const int b = highI && a < c1 ? c1 - 1 : c1;
-      if (a < b) west = plain(p, rhs, a, b, west, s);
-      if (b < c1) sweepStretch<ThreeD, true>(p, rhs, b, c1, west, s);
+      const int b = highI && a < r.i1 ? r.i1 - 1 : r.i1;
+      if (a < b) west = kernel(row, a, b, west, s);
+      if (b < r.i1) sweepStretch<ThreeD, true>(row, b, r.i1, west, s);
     }
   }
 }
@@ -72,8 +113,6 @@ void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs
   s.raz = threeD ? relax * (1.0 / c.dz / c.dz) : 0.0;
   s.relax = relax;
   s.keep = 1.0 - c.omega;
-  s.nx = p.nx;
-  s.nxy = p.nxy;
 
   const tileRange tile = tileOf(c, t);
   const tileRange r = interiorOf(c, t);
@@ -81,9 +120,9 @@ void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs
   const bool lowJ = tile.j0 > 0, highJ = tile.j1 < c.ny;
   const bool lowK = threeD && tile.k0 > 0, highK = threeD && tile.k1 < c.nz;
   if (threeD)
-    sweepRange<true>(p.data, rhs.data, r, s, lowI, highI, lowJ, highJ, lowK, highK);
+    sweepRange<true>(p.data, rhs.data, r, s, p.nx, p.nxy, lowI, highI, lowJ, highJ, lowK, highK, scratchOf(t));
   else
-    sweepRange<false>(p.data, rhs.data, r, s, lowI, highI, lowJ, highJ, false, false);
+    sweepRange<false>(p.data, rhs.data, r, s, p.nx, p.nxy, lowI, highI, lowJ, highJ, false, false, scratchOf(t));
 
   if (sweep % 20 != 0) return;
   // Test share: the largest change since the last test, d = |p - prev|, and
@@ -96,7 +135,7 @@ void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs
   double* const qd = prev.data;
   for (int k = r.k0; k < r.k1; ++k)
     for (int j = r.j0; j < r.j1; ++j) {
-      const int row = s.nx * j + s.nxy * k;
+      const int row = p.nx * j + p.nxy * k;
       int i = r.i0;
       for (; i + 4 <= r.i1; i += 4)
         for (int m = 0; m < 4; ++m) {

@@ -39,6 +39,7 @@ solverCommon::solverCommon(appConfig& config, bcDomain& domain) : cfg(&config), 
   const std::size_t threads = static_cast<std::size_t>(std::max(config.numThreads, 1));
   threadResidual.assign(threads, 0.0);
   threadSum.assign(threads, 0.0);
+  sweepScratch.assign(threads * scratchStride(), 0.0);
   fieldTable = {nullptr, &ufld,  &vfld, &wfld,  &pfld,  nullptr, &yfld,  &afld,  &convX,
                 &convY,  &convZ, &divU, &tau11, &tau12, &tau13,  &tau22, &tau23, &tau33};
 }

@@ -85,6 +85,10 @@ class solverCommon {
   double meanPressure(int t, int n);
   // p -= mean over t's tile, when presAdjustFlag is set.
   void removeMean(const array3d<double>& p, double mean, int t) const;
+  // Thread t's part of sweepScratch: room for five rows, a cache line apart
+  // from the other threads' parts.
+  double* scratchOf(int t) { return sweepScratch.data() + static_cast<std::size_t>(t) * scratchStride(); }
+  std::size_t scratchStride() const { return 5 * static_cast<std::size_t>(cfg->nx) + 8; }
 
   // Boundary stage of the constant-density solver (boundaryStage.cpp),
   // called by every thread: list walks by one thread, then the collective
@@ -107,8 +111,9 @@ class solverCommon {
   std::uint8_t converged = 0;                                     // the pressure iteration met peps
   std::vector<double> threadResidual;                             // per thread: largest pressure change [Pa]
   std::vector<double> threadSum;                                  // per thread: sum of the pressure [Pa]
-  int sweepCount = 0;                                             // sweeps of the present iteration
-  double invPresw = 1.0e-5;                                       // 1/presw of the present step [1/Pa]
+  std::vector<double> sweepScratch;  // per thread: copies of the rows of a shared sweep row [Pa]
+  int sweepCount = 0;                // sweeps of the present iteration
+  double invPresw = 1.0e-5;          // 1/presw of the present step [1/Pa]
 
  protected:
   // Runs body(t) on numThreads threads as the one parallel region of a step,

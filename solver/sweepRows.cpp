@@ -16,55 +16,57 @@ namespace marv {
 namespace {
 
 template <bool ThreeD>
-double baselineStretch(double* p, const double* rhs, int c0, int c1, double west, const sweepConstants& s) {
-  return sweepStretch<ThreeD, false>(p, rhs, c0, c1, west, s);
+double baselineStretch(const sweepRow& r, int i0, int i1, double west, const sweepConstants& s) {
+  return sweepStretch<ThreeD, false>(r, i0, i1, west, s);
 }
 
 #if defined(__x86_64__)
-// Blocks of four nodes c..c+3 in one vector. With a = rax and r_m the rest
-// of node c+m, the block's new values are
+// Blocks of four nodes i..i+3 in one vector. With a = rax and r_m the rest
+// of node i+m, the block's new values are
 //   p_m = a^(m+1)*west + sum over l <= m of a^(m-l)*r_l,
 // the sum a prefix scan of r in two steps (shift by one lane with weight a,
 // then by two with a^2), the first term one multiply-add with west. The
 // chain from block to block is west' = a^4*west + scan_3, a scalar fused
 // multiply-add: lane 3 of the vector computes the same operation on the same
 // operands, so the stored node and the carried west are the same number.
-// The loads of a block (p and p+x up to node c+4, p+-y, p+-z, rhs) all come
-// before its store, so they see old values at and after c and the block
-// before's new values at c-1.
+// The loads of a block (in up to node i+4, the neighbour rows, rhs) all
+// come before its store, so when out is in they see old values at and after
+// i and the block before's new values at i-1.
 template <bool ThreeD>
-__attribute__((target("avx2,fma"))) double avx2FmaStretch(double* __restrict p, const double* __restrict rhs, int c0,
-                                                          int c1, double west, const sweepConstants& s) {
+__attribute__((target("avx2,fma"))) double avx2FmaStretch(const sweepRow& r, int i0, int i1, double west,
+                                                          const sweepConstants& s) {
   const double a = s.rax, a2 = a * a, a3 = a2 * a, a4 = a2 * a2;
   const __m256d rax = _mm256_set1_pd(a), ray = _mm256_set1_pd(s.ray), raz = _mm256_set1_pd(s.raz);
   const __m256d negRelax = _mm256_set1_pd(-s.relax), keep = _mm256_set1_pd(s.keep);
   const __m256d shift1 = _mm256_setr_pd(0.0, a, a, a), shift2 = _mm256_setr_pd(0.0, 0.0, a2, a2);
   const __m256d powers = _mm256_setr_pd(a, a2, a3, a4);
-  const int nx = s.nx, nxy = s.nxy;
+  const double *const in = r.in, *const rhs = r.rhs, *const north = r.north, *const south = r.south;
+  const double *const up = r.up, *const down = r.down;
+  double* const out = r.out;
   // west lives in the low lane of a vector, so that the chain is the fused
   // multiply-add alone.
   __m128d chain = _mm_set_sd(west);
   const __m128d a4Low = _mm_set_sd(a4);
-  int c = c0;
-  for (; c + 4 <= c1; c += 4) {
-    __m256d rest = _mm256_mul_pd(negRelax, _mm256_loadu_pd(rhs + c));
-    rest = _mm256_fmadd_pd(keep, _mm256_loadu_pd(p + c), rest);
-    rest = _mm256_fmadd_pd(ray, _mm256_add_pd(_mm256_loadu_pd(p + c + nx), _mm256_loadu_pd(p + c - nx)), rest);
+  int i = i0;
+  for (; i + 4 <= i1; i += 4) {
+    __m256d rest = _mm256_mul_pd(negRelax, _mm256_loadu_pd(rhs + i));
+    rest = _mm256_fmadd_pd(keep, _mm256_loadu_pd(in + i), rest);
+    rest = _mm256_fmadd_pd(ray, _mm256_add_pd(_mm256_loadu_pd(north + i), _mm256_loadu_pd(south + i)), rest);
     if constexpr (ThreeD)
-      rest = _mm256_fmadd_pd(raz, _mm256_add_pd(_mm256_loadu_pd(p + c + nxy), _mm256_loadu_pd(p + c - nxy)), rest);
-    rest = _mm256_fmadd_pd(rax, _mm256_loadu_pd(p + c + 1), rest);
+      rest = _mm256_fmadd_pd(raz, _mm256_add_pd(_mm256_loadu_pd(up + i), _mm256_loadu_pd(down + i)), rest);
+    rest = _mm256_fmadd_pd(rax, _mm256_loadu_pd(in + i + 1), rest);
     // Lanes (r0, r1 + a r0, r2 + a r1, r3 + a r2), then plus a^2 times lanes 0, 1 shifted by two.
     rest = _mm256_fmadd_pd(shift1, _mm256_permute4x64_pd(rest, 0x90), rest);
     rest = _mm256_fmadd_pd(shift2, _mm256_permute4x64_pd(rest, 0x40), rest);
-    _mm256_storeu_pd(p + c, _mm256_fmadd_pd(_mm256_broadcastsd_pd(chain), powers, rest));
+    _mm256_storeu_pd(out + i, _mm256_fmadd_pd(_mm256_broadcastsd_pd(chain), powers, rest));
     chain = _mm_fmadd_sd(chain, a4Low, _mm256_castpd256_pd128(_mm256_permute4x64_pd(rest, 0xff)));
   }
   west = _mm_cvtsd_f64(chain);
-  for (; c < c1; ++c) {
-    double rest = s.ray * (p[c + nx] + p[c - nx]) - s.relax * rhs[c] + s.keep * p[c] + s.rax * p[c + 1];
-    if constexpr (ThreeD) rest += s.raz * (p[c + nxy] + p[c - nxy]);
+  for (; i < i1; ++i) {
+    double rest = s.ray * (north[i] + south[i]) - s.relax * rhs[i] + s.keep * in[i] + s.rax * in[i + 1];
+    if constexpr (ThreeD) rest += s.raz * (up[i] + down[i]);
     west = a * west + rest;
-    p[c] = west;
+    out[i] = west;
   }
   return west;
 }
@@ -106,7 +108,7 @@ sweepInstructions useSweepInstructions(sweepInstructions set) {
   return chosen;
 }
 
-plainStretchFn plainStretch(bool threeD) {
+rowKernelFn rowKernel(bool threeD) {
 #if defined(__x86_64__)
   if (sweepInstructionsInUse() == sweepInstructions::avx2Fma)
     return threeD ? avx2FmaStretch<true> : avx2FmaStretch<false>;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/appConfig.h"
+#include "project/applyParameters.h"
 
 namespace marv::testing {
 
@@ -20,26 +21,20 @@ inline void setGrid(appConfig& cfg, int nx, int ny, int nz, double lx = 1.0, dou
   }
 }
 
-// Tiles npx*npy*npz, one per thread, even splits (the last takes the rest); threads numbered x fastest, then y.
+// Tiles npx*npy*npz, one per thread, split as the program splits them;
+// threads numbered x fastest, then y.
 inline void setTiles(appConfig& cfg, int npx, int npy, int npz) {
   const int n = npx * npy * npz;
   cfg.npx = npx, cfg.npy = npy, cfg.npz = npz, cfg.numThreads = n;
-  for (auto* v : {&cfg.threadX, &cfg.threadY, &cfg.threadZ, &cfg.tileI0, &cfg.tileI1, &cfg.tileJ0, &cfg.tileJ1,
-                  &cfg.tileK0, &cfg.tileK1})
-    v->assign(n, 0);
-  auto split = [](int size, int parts, int c, int& lo, int& hi) {
-    const int width = size / parts;
-    lo = c * width;
-    hi = c == parts - 1 ? size : lo + width;
-  };
+  for (auto* v : {&cfg.threadX, &cfg.threadY, &cfg.threadZ}) v->assign(n, 0);
   for (int t = 0; t < n; ++t) {
     cfg.threadX[t] = t % npx;
     cfg.threadY[t] = (t / npx) % npy;
     cfg.threadZ[t] = t / (npx * npy);
-    split(cfg.nx, npx, cfg.threadX[t], cfg.tileI0[t], cfg.tileI1[t]);
-    split(cfg.ny, npy, cfg.threadY[t], cfg.tileJ0[t], cfg.tileJ1[t]);
-    split(cfg.nz, npz, cfg.threadZ[t], cfg.tileK0[t], cfg.tileK1[t]);
   }
+  splitAxis(cfg.nx, npx, cfg.threadX, n, cfg.tileI0, cfg.tileI1);
+  splitAxis(cfg.ny, npy, cfg.threadY, n, cfg.tileJ0, cfg.tileJ1);
+  splitAxis(cfg.nz, npz, cfg.threadZ, n, cfg.tileK0, cfg.tileK1);
 }
 
 }  // namespace marv::testing
