@@ -1,9 +1,9 @@
 // The boundary stage: at the end of every time step the lists prepared by
 // the domain build overwrite the nodes they own, in the staircase form (ibm
 // = 0: walls are solid nodes) or the immersed form (ibm = 1: ghost nodes
-// take values through their image points inside the fluid). The list walks
-// are not divided among threads: one thread runs them between two barriers,
-// so their result is that of one ordered pass; the mean removal is
+// take values through their image points inside the fluid). A list walk is
+// never divided among threads: each field's walk runs whole on one thread,
+// so the result is that of one ordered pass; the mean removal is
 // collective.
 #include "domain/gridSampling.h"
 #include "solver/solverCommon.h"
@@ -46,43 +46,37 @@ void copyFluidNeighbour(const bcDomain& bc, const array3d<double>& q, const cell
 
 }  // namespace
 
-void applyVelocity(const bcDomain& bc, const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
+void applyVelocityComponent(const bcDomain& bc, const array3d<double>& q, int component) {
   const appConfig& cfg = *bc.cfg;
-  for (const edgePair& e : bc.edgePairs) {
-    u.data[e.at] = u.data[e.from];
-    v.data[e.at] = v.data[e.from];
-    w.data[e.at] = w.data[e.from];
-  }
+  const auto& value = component == 0 ? cfg.bcU : component == 1 ? cfg.bcV : cfg.bcW;
+  const auto& fixed = component == 0 ? cfg.bcFixU : component == 1 ? cfg.bcFixV : cfg.bcFixW;
+  copyEdges(bc, q);
   if (cfg.ibm != 1) {
     // Staircase: no slip on walls; inlets impose their fixed components,
     // u = (1 - fixU)*u + fixU*U, so a free component keeps what the copy gave.
-    for (const cellNode& c : bc.wallCells) u.data[c.at] = v.data[c.at] = w.data[c.at] = 0.0;
+    for (const cellNode& c : bc.wallCells) q.data[c.at] = 0.0;
     for (const cellNode& c : bc.inletCells) {
       const int t = c.type;
-      u.data[c.at] = (1.0 - cfg.bcFixU[t]) * u.data[c.at] + cfg.bcFixU[t] * cfg.bcU[t];
-      v.data[c.at] = (1.0 - cfg.bcFixV[t]) * v.data[c.at] + cfg.bcFixV[t] * cfg.bcV[t];
-      w.data[c.at] = (1.0 - cfg.bcFixW[t]) * w.data[c.at] + cfg.bcFixW[t] * cfg.bcW[t];
+      q.data[c.at] = (1.0 - fixed[t]) * q.data[c.at] + fixed[t] * value[t];
     }
     return;
   }
   // Immersed: a ghost node gets u = (0 - S(u))*0.5 + 0, half the mirror
   // value; wall nodes on the outer planes are held at 0; an inlet ghost gets
   // B = (2U - S(u))*0.5 + 0.5U in its fixed components.
-  for (const cellNode& c : bc.wallCells) {
-    u.data[c.at] = (0.0 - imageSample(bc, u, c.at)) * 0.5 + 0.0;
-    v.data[c.at] = (0.0 - imageSample(bc, v, c.at)) * 0.5 + 0.0;
-    w.data[c.at] = (0.0 - imageSample(bc, w, c.at)) * 0.5 + 0.0;
-  }
-  for (const cellNode& c : bc.faceWallCells) u.data[c.at] = v.data[c.at] = w.data[c.at] = 0.0;
+  for (const cellNode& c : bc.wallCells) q.data[c.at] = (0.0 - imageSample(bc, q, c.at)) * 0.5 + 0.0;
+  for (const cellNode& c : bc.faceWallCells) q.data[c.at] = 0.0;
   for (const cellNode& c : bc.inletCells) {
     const int t = c.type;
-    const double bu = (2.0 * cfg.bcU[t] - imageSample(bc, u, c.at)) * 0.5 + 0.5 * cfg.bcU[t];
-    const double bv = (2.0 * cfg.bcV[t] - imageSample(bc, v, c.at)) * 0.5 + 0.5 * cfg.bcV[t];
-    const double bw = (2.0 * cfg.bcW[t] - imageSample(bc, w, c.at)) * 0.5 + 0.5 * cfg.bcW[t];
-    u.data[c.at] = cfg.bcFixU[t] * bu + (1.0 - cfg.bcFixU[t]) * u.data[c.at];
-    v.data[c.at] = cfg.bcFixV[t] * bv + (1.0 - cfg.bcFixV[t]) * v.data[c.at];
-    w.data[c.at] = cfg.bcFixW[t] * bw + (1.0 - cfg.bcFixW[t]) * w.data[c.at];
+    const double b = (2.0 * value[t] - imageSample(bc, q, c.at)) * 0.5 + 0.5 * value[t];
+    q.data[c.at] = fixed[t] * b + (1.0 - fixed[t]) * q.data[c.at];
   }
+}
+
+void applyVelocity(const bcDomain& bc, const array3d<double>& u, const array3d<double>& v, const array3d<double>& w) {
+  applyVelocityComponent(bc, u, 0);
+  applyVelocityComponent(bc, v, 1);
+  applyVelocityComponent(bc, w, 2);
 }
 
 void applyScalar(const bcDomain& bc, const array3d<double>& q, const std::array<double, numColourTypes>& values,
@@ -122,19 +116,27 @@ void applyPressure(const bcDomain& bc, const array3d<double>& p) {
   }
 }
 
-// The stage at the end of a step: velocity, (temperature,) mass fraction
-// and pressure walks on one thread, then the mean removal on all threads,
-// then the age walks. The variable-density step passes its temperature; it
-// then also walks the mass fraction without a test of speciesFlag (without
-// the flag the list is empty and only the copy of the outer planes acts).
+// The stage at the end of a step: the walks of velocity, (temperature,)
+// mass fraction and pressure, then the mean removal on all threads, then
+// the age walks. The variable-density step passes its temperature; it then
+// also walks the mass fraction without a test of speciesFlag (without the
+// flag the list is empty and only the copy of the outer planes acts).
+//
+// Each walk reads and writes one field alone, so walks of different fields
+// give the same result in any order: the threads take them in turn, every
+// walk whole on one thread, and meet when all are done.
 void solverCommon::boundaryStage(int t, const array3d<double>* temperature) {
   const appConfig& c = *cfg;
-  teamSingle([&] {
-    applyVelocity(*bc, ufld, vfld, wfld);
-    if (temperature != nullptr) applyScalar(*bc, *temperature, c.bcTemp, bc->tempCells);
-    if (c.speciesFlag || temperature != nullptr) applyScalar(*bc, yfld, c.bcMassfr, bc->massfrCells);
-    applyPressure(*bc, pfld);
-  });
+  const bool species = c.speciesFlag || temperature != nullptr;
+  int walk = 0;
+  auto mine = [&] { return walk++ % teamSize == t % teamSize; };
+  if (mine()) applyVelocityComponent(*bc, ufld, 0);
+  if (mine()) applyVelocityComponent(*bc, vfld, 1);
+  if (mine()) applyVelocityComponent(*bc, wfld, 2);
+  if (temperature != nullptr && mine()) applyScalar(*bc, *temperature, c.bcTemp, bc->tempCells);
+  if (species && mine()) applyScalar(*bc, yfld, c.bcMassfr, bc->massfrCells);
+  if (mine()) applyPressure(*bc, pfld);
+  teamBarrier();
   if (c.presAdjustFlag) {
     const double mean = meanPressure(t, c.numThreads);
     removeMean(pfld, mean, t);

@@ -5,32 +5,84 @@
 //
 // Cross-tile reads. A thread reads the nodes next to its tile while their
 // owner may be updating them in the same sweep; either value is right for
-// the method (Gauss-Seidel inside a tile, Jacobi-like across tiles), which
-// is why results differ slightly with the thread count and from run to run.
-// To make those reads defined, every access to a node that two threads touch
-// in one sweep (the layer on each side of a border between tiles) is a
-// relaxed atomic. A row that faces another tile in j or k reads the other
-// tile's row through atomic loads into a copy, runs the vector kernel on the
-// copy, and stores its new values through atomic stores; when a tile also
-// lies beside in i, such rows are swept scalar with atomics throughout. In
-// the other rows only the first and last node are atomic when a tile lies
-// beside in i. All other accesses are plain, so a single tile has no atomic
-// access at all.
+// the method (Gauss-Seidel inside a tile, Jacobi-like across tiles).
+//   - Tiles split only along the axis the sweep runs slowest (the layouts
+//     the program chooses for up to four threads) take one of the two in a
+//     fixed order (sweepLinks, ordered): the threads' counts order every
+//     access across a border, all of them are plain, and the result is
+//     that of the tiles swept one after the other, whatever the timing.
+//   - Other layouts leave the choice to timing, which is why their results
+//     differ slightly from run to run. To make those reads defined, every
+//     access to a node that two threads touch in one sweep (the layer on
+//     each side of a border between tiles) is a relaxed atomic. A row that
+//     faces another tile in j or k reads the other tile's row through
+//     atomic loads into a copy, runs the vector kernel on the copy, and
+//     stores its new values through atomic stores; when a tile also lies
+//     beside in i, such rows are swept scalar with atomics throughout. In
+//     the other rows only the first and last node are atomic when a tile
+//     lies beside in i.
+// All other accesses are plain, so a single tile has no atomic access at
+// all.
 //
 // Speed. The sweep is the hot loop of the program; its rows run in the
-// kernels of sweepRows.h, chosen for the processor at run time. The team
-// meets once per sweep: after the barrier every thread takes the test of
-// that sweep itself from the same per-thread changes, so all reach the same
-// verdict without a second barrier, and thread 0 alone writes the results.
+// kernels of sweepRows.h, chosen for the processor at run time. Between
+// tests a thread waits only for the tiles beside its own, and the rows that
+// cross a border are fetched some rows before they are needed. The team
+// meets after each test sweep: after the barrier every thread takes the
+// test of that sweep itself from the same per-thread changes, so all reach
+// the same verdict without a second barrier, and thread 0 alone writes the
+// results.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
+#include "solver/lineFetch.h"
 #include "solver/solverCommon.h"
 #include "solver/sweepRows.h"
 
 namespace marv {
 
+// How a tile's sweep keeps pace with the tiles beside it when the team does
+// not meet after every sweep. Before the sweep reads a node of a tile
+// beside it, that tile must have finished the rows next to it in the
+// previous sweep; since each tile waits so for the other, neither can
+// overwrite those rows again before the reader is past them. A read then
+// finds the values of the previous sweep or of the present one, as after a
+// barrier, but a thread need not wait for the whole team: the tile on the
+// high side in j reads its neighbour's last row first and the neighbour
+// reads its first row last, and the two run a few rows apart instead of
+// meeting.
+//
+// The face counts to reach: across the low face in i, j or k, the sweeps
+// the tile beside has completed; across the high face in j or k, those in
+// which it has finished its rows on its low face; across a face in i every
+// row reads the tile beside, so the whole sweep again.
+//
+// Ordered: when the tiles are split only along the axis the sweep runs
+// slowest (j in two dimensions, k in three), the sweep also waits, before
+// it first reads the tile above, for that tile to finish its first rows of
+// the present sweep. Every read of another tile then has one answer: the
+// tile below as it finished the previous sweep, the tile above as it
+// started the present one, just as if the tiles were swept one after the
+// other from the top. The reads and writes across the border are then
+// ordered by the counts alone: the border rows run in the vector kernel in
+// place, and the result does not depend on the timing of the threads.
+struct sweepLinks {
+  int sweep = 0;                      // sweeps of this iteration completed before this one
+  bool ordered = false;               // the tiles are split along the slowest axis alone
+  tileProgress* own = nullptr;        // the counts this thread raises
+  teamCount* beside[tileFaces] = {};  // per face, the count of the tile beside to wait for
+};
+
 namespace {
+
+// Publishes that the present sweep has finished the rows on the low face in
+// j, in k, or the whole tile.
+void raiseFaces(const sweepLinks& links, bool lowJ, bool lowK, bool whole) {
+  if (lowJ) teamRaise(links.own->lowJ, links.sweep + 1);
+  if (lowK) teamRaise(links.own->lowK, links.sweep + 1);
+  if (whole) teamRaise(links.own->whole, links.sweep + 1);
+}
 
 // A row that another thread reads, or one of whose neighbour rows another
 // thread writes, during the sweep; the tile has no other tile beside it in
@@ -57,32 +109,100 @@ void sweepSharedRow(sweepRow row, int i0, int i1, double west, const bool foreig
   for (int i = i0; i < i1; ++i) storeNode<true>(grid + i, row.out[i]);
 }
 
+// Cache lines of a row fetched a few at a time, a step per row swept, so
+// that the fetches never take all of the core's fill buffers from the
+// sweep's own loads. A row fetched for writing is one the other core has
+// read: fetching it to own it takes the other core's copy away before the
+// row is written.
+struct rowFetch {
+  static constexpr int linesPerStep = 3;
+  std::uintptr_t next = 0, end = 0;
+  bool write = false, own = false;
+  void start(const double* row, int i0, int i1, bool forWriting) {
+    next = reinterpret_cast<std::uintptr_t>(row + i0) & ~std::uintptr_t(63);
+    end = reinterpret_cast<std::uintptr_t>(row + i1);
+    write = forWriting;
+    own = forWriting && fetchesToOwn();
+  }
+  void step() {
+    for (int n = 0; n < linesPerStep && next < end; ++n, next += 64) {
+      const void* const line = reinterpret_cast<const void*>(next);
+      if (write)
+        fetchLineToOwn(line, own);
+      else
+        fetchLine(line);
+    }
+  }
+};
+
+// Rows from the end of its sweep at which a tile with another beside it on
+// its low side in j or k starts to look whether that tile has finished the
+// same sweep: if it has, the row the next sweep begins with can be fetched
+// while the last rows run.
+constexpr int lookAheadRows = 8;
+
 // Sweep over the range r; the low* and high* flags say on which sides of the
-// range another tile lies.
+// range another tile lies. With links, the sweep waits for and publishes its
+// progress as described in sweepLinks.
 template <bool ThreeD>
 void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepConstants& s, int nx, int nxy, bool lowI,
-                bool highI, bool lowJ, bool highJ, bool lowK, bool highK, double* scratch) {
-  if (r.i0 >= r.i1) return;
+                bool highI, bool lowJ, bool highJ, bool lowK, bool highK, double* scratch, const sweepLinks* links) {
+  if (links) {
+    for (int f : {lowIFace, highIFace, lowJFace, lowKFace})
+      if (links->beside[f]) teamAwait(*links->beside[f], links->sweep);
+  }
+  if (r.i0 >= r.i1 || r.j0 >= r.j1 || r.k0 >= r.k1) {
+    if (links) raiseFaces(*links, lowJ, lowK, true);
+    return;
+  }
   const rowKernelFn kernel = rowKernel(ThreeD);
   const int middle = (r.j0 + r.j1) / 2;
+  // Past the high border, the own last row, the next sweep's first row, the own first row.
+  rowFetch fetches[4];
+  // The tile beside on the low side in j (or else in k): when it has
+  // finished this sweep, the row the next sweep reads first is final and
+  // the tile's own first row has been read.
+  const teamCount* const lowDone = links ? links->beside[lowJ ? lowJFace : lowKFace] : nullptr;
+  const teamCount* const highStarted = links ? links->beside[highJFace] : nullptr;
+  bool lowSeen = lowDone == nullptr, highSeen = highStarted == nullptr;
   for (int k = r.k0; k < r.k1; ++k) {
     const bool downShared = lowK && k == r.k0, upShared = highK && k == r.k1 - 1;
     for (int j = r.j0; j < r.j1; ++j) {
-      const sweepRow row = gridRow(p, rhs, j, k, nx, nxy, ThreeD);
-      // The row past the high border in j is read at the end of the tile's
-      // sweep; its owner wrote it at the start of its own. Fetching it halfway
-      // takes its transfer off the end of the sweep, where both threads wait.
-      if (highJ && j == middle) {
-        const double* const past = p + nx * r.j1 + nxy * k;
-        for (int i = r.i0; i < r.i1; i += 8) __builtin_prefetch(past + i);
-        __builtin_prefetch(past + r.i1 - 1);
+      if (links) {
+        const int above = links->ordered ? links->sweep + 1 : links->sweep;
+        if (j == r.j1 - 1 && k == r.k0 && links->beside[highJFace]) teamAwait(*links->beside[highJFace], above);
+        if (j == r.j0 && k == r.k1 - 1 && links->beside[highKFace]) teamAwait(*links->beside[highKFace], above);
+        if (!lowSeen && k == r.k1 - 1 && j >= r.j1 - lookAheadRows &&
+            lowDone->value.load(std::memory_order_relaxed) > links->sweep) {
+          const long first = lowJ ? long(nx) * (r.j0 - 1) + long(nxy) * r.k0 : long(nx) * r.j0 + long(nxy) * (r.k0 - 1);
+          const long own = long(nx) * r.j0 + long(nxy) * r.k0;
+          fetches[2].start(p + first, r.i0, r.i1, false);
+          fetches[3].start(p + own, r.i0, r.i1, true);
+          lowSeen = true;
+        }
+        if (!highSeen && j > middle && k == r.k1 - 1 &&
+            highStarted->value.load(std::memory_order_relaxed) > links->sweep) {
+          fetches[1].start(p + long(nx) * (r.j1 - 1) + long(nxy) * k, r.i0, r.i1, true);
+          highSeen = true;
+        }
       }
+      // The row past the high border in j is read at the end of the tile's
+      // sweep; its owner wrote it at the start of its own. Fetching it from
+      // halfway takes its transfer off the end of the sweep.
+      if (highJ && j == middle) {
+        fetches[0].start(p + long(nx) * r.j1 + long(nxy) * k, r.i0, r.i1, false);
+        if (highStarted) fetchLine(highStarted);  // the count the last row waits for
+      }
+      for (rowFetch& f : fetches) f.step();
+      const sweepRow row = gridRow(p, rhs, j, k, nx, nxy, ThreeD);
       const bool foreign[4] = {lowJ && j == r.j0, highJ && j == r.j1 - 1, downShared, upShared};
-      if (foreign[0] || foreign[1] || foreign[2] || foreign[3]) {
+      const bool lowJDone = foreign[0] && k == r.k1 - 1, lowKDone = downShared && j == r.j1 - 1;
+      if ((foreign[0] || foreign[1] || foreign[2] || foreign[3]) && !(links && links->ordered)) {
         if (!lowI && !highI)
           sweepSharedRow<ThreeD>(row, r.i0, r.i1, row.in[r.i0 - 1], foreign, scratch, s, kernel);
         else
           sweepStretch<ThreeD, true>(row, r.i0, r.i1, loadNode<true>(row.in + r.i0 - 1), s);
+        if (links) raiseFaces(*links, lowJDone, lowKDone, false);
         continue;
       }
       double west = lowI ? loadNode<true>(row.in + r.i0 - 1) : row.in[r.i0 - 1];
@@ -94,14 +214,21 @@ void sweepRange(double* p, const double* rhs, const tileRange& r, const sweepCon
       const int b = highI && a < r.i1 ? r.i1 - 1 : r.i1;
       if (a < b) west = kernel(row, a, b, west, s);
       if (b < r.i1) sweepStretch<ThreeD, true>(row, b, r.i1, west, s);
+      if (links && (lowJDone || lowKDone)) raiseFaces(*links, lowJDone, lowKDone, false);
     }
   }
+  if (links) raiseFaces(*links, false, false, true);
 }
 
 }  // namespace
 
 void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs, const array3d<double>& prev, int t,
                             int sweep) {
+  sweepTile(p, rhs, prev, t, sweep, nullptr);
+}
+
+void solverCommon::sweepTile(const array3d<double>& p, const array3d<double>& rhs, const array3d<double>& prev, int t,
+                             int sweep, const sweepLinks* links) {
   const appConfig& c = *cfg;
   const bool threeD = c.nz != 1;
   const double dx2 = c.dx * c.dx, dy2 = c.dy * c.dy, dz2 = c.dz * c.dz;
@@ -120,9 +247,9 @@ void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs
   const bool lowJ = tile.j0 > 0, highJ = tile.j1 < c.ny;
   const bool lowK = threeD && tile.k0 > 0, highK = threeD && tile.k1 < c.nz;
   if (threeD)
-    sweepRange<true>(p.data, rhs.data, r, s, p.nx, p.nxy, lowI, highI, lowJ, highJ, lowK, highK, scratchOf(t));
+    sweepRange<true>(p.data, rhs.data, r, s, p.nx, p.nxy, lowI, highI, lowJ, highJ, lowK, highK, scratchOf(t), links);
   else
-    sweepRange<false>(p.data, rhs.data, r, s, p.nx, p.nxy, lowI, highI, lowJ, highJ, false, false, scratchOf(t));
+    sweepRange<false>(p.data, rhs.data, r, s, p.nx, p.nxy, lowI, highI, lowJ, highJ, false, false, scratchOf(t), links);
 
   if (sweep % 20 != 0) return;
   // Test share: the largest change since the last test, d = |p - prev|, and
@@ -150,7 +277,7 @@ void solverCommon::sorSweep(const array3d<double>& p, const array3d<double>& rhs
       }
     }
   for (int m = 1; m < 4; ++m) worst[0] = worst[m] > worst[0] ? worst[m] : worst[0];
-  threadResidual[t] = worst[0];
+  threadResidual[residualSlot(t, sweep)] = worst[0];
 }
 
 void solverCommon::solvePressure(int t) {
@@ -162,22 +289,46 @@ void solverCommon::solvePressure(int t) {
     converged = 0;
     sweepCount = 0;
   }
-  threadResidual[t] = 0.0;
+  threadResidual[residualSlot(t, 0)] = threadResidual[residualSlot(t, 20)] = 0.0;
   copyTile(pfld, pOld, t);
   copyTile(pfld, pPrev, t);
   const int loopmax = c.loopmax;
-  const int threads = std::min(static_cast<int>(threadResidual.size()), c.numThreads);
-  // threadResidual[n] of a test sweep is written before that sweep's barrier
-  // and next written 20 sweeps later, after the following barrier: between
-  // the two every thread reads the same values in the same order.
+  const int threads = std::min(static_cast<int>(threadResidual.size() / 2), c.numThreads);
+  // Between tests the team does not meet: each thread keeps pace with the
+  // tiles beside its own (sweepLinks), and meets the others only after a
+  // test sweep and after the last. Tiles that do not meet face to face
+  // (a thread layout the links do not describe) meet after every sweep.
+  //
+  // A test's share is written before that sweep's barrier, and its slot
+  // next written two tests later, after the following test's barrier:
+  // between the two every thread reads the same values in the same order,
+  // however far ahead of the others a thread runs between tests.
+  sweepLinks links;
+  // Every thread must take the same choice, or the team's barriers would
+  // not match; and a tile without a thread would hold its neighbours for
+  // ever, so the team must have a thread for every tile.
+  const bool paced = threads > 1 && c.numThreads == threads && teamSize == threads && tilesMeetFaceToFace(c, threads);
+  if (paced) {
+    links.ordered = tilesSplitAlongSlowestAxis(c, threads);
+    links.own = &sweepProgress[t];
+    const std::array<int, tileFaces> beside = tileNeighbours(c, t, threads);
+    for (int f = 0; f < tileFaces; ++f) {
+      if (beside[f] < 0) continue;
+      tileProgress& other = sweepProgress[beside[f]];
+      links.beside[f] = f == highJFace ? &other.lowJ : f == highKFace ? &other.lowK : &other.whole;
+    }
+  }
   int sweep = 0;
   bool met = false;
   for (; sweep < loopmax && !met; ++sweep) {
-    sorSweep(pfld, ppeRhs, pPrev, t, sweep);
+    links.sweep = sweep;
+    sweepTile(pfld, ppeRhs, pPrev, t, sweep, paced ? &links : nullptr);
+    const bool test = sweep % 20 == 0;
+    if (paced && !test && sweep + 1 < loopmax) continue;
     teamBarrier();
-    if (sweep % 20 != 0) continue;
+    if (!test) continue;
     double residual = 0.0;
-    for (int n = 0; n < threads; ++n) residual = std::fmax(residual, threadResidual[n]);
+    for (int n = 0; n < threads; ++n) residual = std::fmax(residual, threadResidual[residualSlot(n, sweep)]);
     residual *= invPresw;
     met = c.peps > residual;
     if (t != 0) continue;
@@ -186,6 +337,13 @@ void solverCommon::solvePressure(int t) {
       c.presIterations = sweep;
       converged = 1;
     }
+  }
+  // Every thread is past the iteration's last barrier and waits on no count
+  // until the next iteration, which begins behind further barriers.
+  if (paced) {
+    links.own->lowJ.value.store(0, std::memory_order_relaxed);
+    links.own->lowK.value.store(0, std::memory_order_relaxed);
+    links.own->whole.value.store(0, std::memory_order_relaxed);
   }
   if (t == 0) {
     sweepCount = sweep;

@@ -44,6 +44,33 @@ tileRange tileOf(const appConfig& cfg, int t);
 // over the one plane k = 0.
 tileRange interiorOf(const appConfig& cfg, int t);
 
+// The faces of a tile, in the order of tileNeighbours.
+enum tileFace { lowIFace, highIFace, lowJFace, highJFace, lowKFace, highKFace, tileFaces };
+
+// The thread whose tile lies beside thread t's across each face and shares
+// the whole face: -1 where the tile ends at the grid's edge, -2 where the
+// tiles beside it do not match the face. Only threads below threads count.
+std::array<int, tileFaces> tileNeighbours(const appConfig& cfg, int t, int threads);
+
+// Whether every tile of the first threads threads meets the tiles beside it
+// face to face (no -2 above), as tiles that split the grid along axes do.
+bool tilesMeetFaceToFace(const appConfig& cfg, int threads);
+
+// Whether the tiles of the first threads threads lie beside each other only
+// across faces in j (two dimensions) or in k (three): along the axis the
+// pressure sweep runs slowest.
+bool tilesSplitAlongSlowestAxis(const appConfig& cfg, int threads);
+
+// How far a thread has got through the sweeps of the present pressure
+// iteration: the sweeps it has completed, and among them those in which it
+// has finished the rows on its low face in j and in k. Back to 0 when the
+// iteration ends.
+struct tileProgress {
+  teamCount lowJ, lowK, whole;
+};
+
+struct sweepLinks;
+
 // ---------------------------------------------------------------- solverCommon
 
 class solverCommon {
@@ -76,6 +103,10 @@ class solverCommon {
   // One over-relaxation sweep of p over t's interior range, in place; every
   // 20th sweep also thread t's share of the convergence test against prev.
   void sorSweep(const array3d<double>& p, const array3d<double>& rhs, const array3d<double>& prev, int t, int sweep);
+  // sorSweep keeping pace with the tiles beside t's through links when they
+  // are given (pressureSweep.cpp).
+  void sweepTile(const array3d<double>& p, const array3d<double>& rhs, const array3d<double>& prev, int t, int sweep,
+                 const sweepLinks* links);
   // Sub-steps 5 to 8 of a time step: reset, start copies, sweeps with the
   // test every 20, and the under-relaxation. Called by every thread.
   void solvePressure(int t);
@@ -89,10 +120,15 @@ class solverCommon {
   // from the other threads' parts.
   double* scratchOf(int t) { return sweepScratch.data() + static_cast<std::size_t>(t) * scratchStride(); }
   std::size_t scratchStride() const { return 5 * static_cast<std::size_t>(cfg->nx) + 8; }
+  // Thread t's slot in threadResidual for the test of sweep: the tests take
+  // two slots per thread in turn.
+  static std::size_t residualSlot(int t, int sweep) {
+    return 2 * static_cast<std::size_t>(t) + static_cast<std::size_t>(sweep / 20 % 2);
+  }
 
   // Boundary stage of the constant-density solver (boundaryStage.cpp),
-  // called by every thread: list walks by one thread, then the collective
-  // mean removal, then the age passes.
+  // called by every thread: the list walks, each field's whole on one
+  // thread, then the collective mean removal, then the age passes.
   void boundaryStage(int t, const array3d<double>* temperature = nullptr);
 
   appConfig* cfg = nullptr;                                       // parameters, grid and tiles; not owned
@@ -109,11 +145,12 @@ class solverCommon {
   bcDomain* bc = nullptr;                                         // boundary lists and flags; not owned
   std::array<array3d<double>*, numSolverFields> fieldTable{};     // the getter's table
   std::uint8_t converged = 0;                                     // the pressure iteration met peps
-  std::vector<double> threadResidual;                             // per thread: largest pressure change [Pa]
+  std::vector<double> threadResidual;                             // per thread, two tests: largest pressure change [Pa]
   std::vector<double> threadSum;                                  // per thread: sum of the pressure [Pa]
-  std::vector<double> sweepScratch;  // per thread: copies of the rows of a shared sweep row [Pa]
-  int sweepCount = 0;                // sweeps of the present iteration
-  double invPresw = 1.0e-5;          // 1/presw of the present step [1/Pa]
+  std::vector<double> sweepScratch;         // per thread: copies of the rows of a shared sweep row [Pa]
+  std::vector<tileProgress> sweepProgress;  // per thread: its sweeps of the present iteration
+  int sweepCount = 0;                       // sweeps of the present iteration
+  double invPresw = 1.0e-5;                 // 1/presw of the present step [1/Pa]
 
  protected:
   // Runs body(t) on numThreads threads as the one parallel region of a step,
@@ -126,7 +163,7 @@ class solverCommon {
 };
 
 // ---------------------------------------------------------------- boundary operations (boundaryStage.cpp)
-// Each walks the lists of bc in their order and is run by one thread; fields
+// Each walks the lists of bc in their order and is run whole by one thread; fields
 // are indexed with bc's grid. S(q) below is sampleField of q at a node's
 // image point.
 
@@ -135,6 +172,9 @@ class solverCommon {
 // ghost values -0.5 S(u) on walls, 0 on faceWallCells and 1.5 U - 0.5 S(u)
 // at inlets (immersed, ibm = 1).
 void applyVelocity(const bcDomain& bc, const array3d<double>& u, const array3d<double>& v, const array3d<double>& w);
+// applyVelocity for one component q: 0 u, 1 v, 2 w; the components do not
+// depend on each other.
+void applyVelocityComponent(const bcDomain& bc, const array3d<double>& q, int component);
 // Zero-gradient copy on the outer planes, then on cells: a value V of its
 // type that is not 0 is imposed (1.5 V - 0.5 S(q) immersed); V = 0 is an
 // adiabatic node that copies its last fluid neighbour (S(q) immersed).

@@ -2,8 +2,8 @@
 // barrier and the single section, over OpenMP.
 //
 // The barrier is the program's own. A pressure sweep of a 129 x 129 tile
-// takes some ten microseconds, and the team meets after every one, so the
-// barrier must hand over in well under a microsecond: a waiting thread spins
+// takes some ten microseconds, and the team may meet after every one, so
+// the barrier must hand over in well under a microsecond: a waiting thread spins
 // on the release count with the processor's pause hint, some thousands of
 // rounds (tens to hundreds of microseconds, by processor: longer spins did
 // better than shorter ones on a loaded machine); then it yields its core
@@ -106,15 +106,34 @@ void runTeam(int n, Body&& body) {
   MARV_TEAM_ACQUIRE();
 }
 
+// Returns once done(word) holds, word read with acquire order: spins with
+// the pause hint, then yields, then sleeps on word. A sleeper announces
+// itself in sleepers before its last look at word; whoever changes word
+// must look for sleepers after its store, both in sequentially consistent
+// order, so that either the sleeper sees the new value or the writer sees
+// the sleeper (a release store followed by a plain load could be reordered,
+// and a wake-up lost).
+template <class Done>
+void teamWaitUntil(std::atomic<int>& word, std::atomic<int>& sleepers, Done done) {
+  for (int n = 0;; ++n) {
+    if (done(word.load(std::memory_order_acquire))) return;
+    if (n < teamSpinRounds) {
+      teamPause();
+    } else if (n < teamSpinRounds + teamYieldRounds) {
+      std::this_thread::yield();
+    } else {
+      sleepers.fetch_add(1, std::memory_order_seq_cst);
+      const int seen = word.load(std::memory_order_seq_cst);
+      if (!done(seen)) teamSleep(word, seen);
+      sleepers.fetch_sub(1, std::memory_order_relaxed);
+    }
+  }
+}
+
 // All threads of the team wait for each other; what any thread did before
 // is visible to all after.
 // The last to arrive resets the count and releases the others; the release
 // count was read before arriving and cannot move until this thread has.
-// A sleeper announces itself before its last look at the count, and the
-// releaser looks for sleepers after its store; both in sequentially
-// consistent order, so either the sleeper sees the new count or the
-// releaser sees the sleeper (a release store followed by a plain load could
-// be reordered, and a wake-up lost).
 inline void teamBarrier() {
   if (teamSize <= 1) return;
   teamBarrierState& b = teamBarrierShared;
@@ -125,17 +144,30 @@ inline void teamBarrier() {
     if (b.sleepers.load(std::memory_order_seq_cst) > 0) teamWakeAll(b.released);
     return;
   }
-  for (int n = 0; b.released.load(std::memory_order_acquire) == round; ++n) {
-    if (n < teamSpinRounds) {
-      teamPause();
-    } else if (n < teamSpinRounds + teamYieldRounds) {
-      std::this_thread::yield();
-    } else {
-      b.sleepers.fetch_add(1, std::memory_order_seq_cst);
-      if (b.released.load(std::memory_order_seq_cst) == round) teamSleep(b.released, round);
-      b.sleepers.fetch_sub(1, std::memory_order_relaxed);
-    }
-  }
+  teamWaitUntil(b.released, b.sleepers, [round](int seen) { return seen != round; });
+}
+
+// A count that one thread raises and others wait for: how far a thread has
+// got through the sweeps of the pressure iteration. It sits on a cache line
+// of its own, so that waiting on it does not disturb the owner's other work.
+// A waiter spins, yields and sleeps as at the barrier (teamWaitUntil).
+struct alignas(64) teamCount {
+  std::atomic<int> value{0};
+  std::atomic<int> sleepers{0};
+};
+
+// Publishes value (never lower than before, except when every thread that
+// waits on c is known to be elsewhere, such as after a barrier) with
+// everything the thread did before.
+inline void teamRaise(teamCount& c, int value) {
+  c.value.store(value, std::memory_order_seq_cst);
+  if (c.sleepers.load(std::memory_order_seq_cst) > 0) teamWakeAll(c.value);
+}
+
+// Returns once c holds at least least; what its owner did before raising it
+// that far is visible after.
+inline void teamAwait(teamCount& c, int least) {
+  teamWaitUntil(c.value, c.sleepers, [least](int seen) { return seen >= least; });
 }
 
 // work() run by the first thread to arrive, then a barrier for all.

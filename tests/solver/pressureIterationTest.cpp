@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -73,10 +76,20 @@ std::vector<layout> layouts(int nz) {
   return {{1, 1, 1}, {2, 1, 1}, {1, 2, 1}, {1, 1, 2}};
 }
 
+// Tiles with a tile on both sides in one axis, and tiles beside each other in two axes: the threads keep pace
+// with more than one neighbour at once.
+std::vector<layout> moreLayouts(int nz) {
+  if (nz == 1) return {{1, 3, 1}, {2, 2, 1}};
+  return {{1, 1, 3}, {1, 2, 2}, {2, 1, 2}};
+}
+
 TEST(PressureIteration, ManufacturedPoissonConvergesWithOneAndTwoThreads) {
   for (int n : {3, 7, 16, 17, 65})
-    for (int nz : {1, n})
-      for (const auto& [x, y, z] : nz > 17 ? std::vector<layout>{} : layouts(nz)) {
+    for (int nz : {1, n}) {
+      std::vector<layout> all = nz > 17 ? std::vector<layout>{} : layouts(nz);
+      if (n == 3 || n == 7 || n == 17)
+        for (const layout& more : moreLayouts(nz)) all.push_back(more);
+      for (const auto& [x, y, z] : all) {
         SCOPED_TRACE(::testing::Message() << n << " " << nz << " tiles " << x << y << z);
         poissonCase c(n, nz, x, y, z);
         c.cfg.peps = 1e-13, c.cfg.loopmax = 20000;
@@ -85,6 +98,61 @@ TEST(PressureIteration, ManufacturedPoissonConvergesWithOneAndTwoThreads) {
         EXPECT_EQ(c.cfg.presIterations % 20, 0);
         EXPECT_LT(c.maxError(), 1e-9);
       }
+    }
+}
+
+// Between tests the threads do not meet, yet every iteration must end with all of them past the same last sweep,
+// whatever loopmax is, and the next step must start from a clean slate: several steps in a row, with loopmax
+// before, on and after a test sweep.
+TEST(PressureIteration, ThreadsThatKeepPaceEndTogetherOnAnyLoopmax) {
+  for (int nz : {1, 9})
+    for (const auto& [x, y, z] : moreLayouts(nz))
+      for (int loopmax : {1, 2, 7, 20, 21, 41}) {
+        SCOPED_TRACE(::testing::Message() << "nz " << nz << " tiles " << x << y << z << " loopmax " << loopmax);
+        poissonCase c(13, nz, x, y, z);
+        // Gauss-Seidel, and Jacobi across tiles: from an error of one sign both only shrink it, node by node.
+        c.cfg.peps = 0.0, c.cfg.loopmax = loopmax, c.cfg.omega = 1.0;
+        double error = c.maxError();
+        for (int step = 0; step < 3; ++step) {
+          c.solver->step();
+          ASSERT_EQ(c.solver->sweepCount, loopmax);
+          ASSERT_EQ(c.cfg.presIterations, loopmax);
+          const double now = c.maxError();
+          EXPECT_LT(now, error) << "step " << step;  // every step's sweeps made progress
+          error = now;
+        }
+      }
+}
+
+// The tiles beside each tile across its faces, and a layout whose tiles do not meet face to face, which makes the
+// team meet after every sweep; the iteration still converges there.
+TEST(PressureIteration, TileNeighboursAcrossFacesAndLayoutsThatDoNotMatch) {
+  appConfig cfg;
+  testing::setGrid(cfg, 9, 9, 1);
+  testing::setTiles(cfg, 2, 2, 1);  // threads x fastest: 0 1 below, 2 3 above
+  using faces = std::array<int, tileFaces>;
+  EXPECT_EQ(tileNeighbours(cfg, 0, 4), (faces{-1, 1, -1, 2, -1, -1}));
+  EXPECT_EQ(tileNeighbours(cfg, 3, 4), (faces{2, -1, 1, -1, -1, -1}));
+  EXPECT_EQ(tileNeighbours(cfg, 4, 4), (faces{-1, -1, -1, -1, -1, -1}));  // no such thread
+  EXPECT_TRUE(tilesMeetFaceToFace(cfg, 4));
+  EXPECT_EQ(tileNeighbours(cfg, 0, 3), (faces{-1, 1, -1, 2, -1, -1}));
+  EXPECT_EQ(tileNeighbours(cfg, 2, 3), (faces{-1, -2, 0, -1, -1, -1}));  // thread 3 is not in the team
+  EXPECT_FALSE(tilesMeetFaceToFace(cfg, 3));
+
+  appConfig deep;
+  testing::setGrid(deep, 5, 5, 7);
+  testing::setTiles(deep, 1, 1, 3);
+  EXPECT_EQ(tileNeighbours(deep, 1, 3), (faces{-1, -1, -1, -1, 0, 2}));
+
+  // One tile below two that split the rows above it in i.
+  poissonCase c(17, 1, 1, 3, 1);
+  c.cfg.tileI0 = {0, 0, 8}, c.cfg.tileI1 = {17, 8, 17};
+  c.cfg.tileJ0 = {0, 8, 8}, c.cfg.tileJ1 = {8, 17, 17};
+  ASSERT_FALSE(tilesMeetFaceToFace(c.cfg, 3));
+  c.cfg.peps = 1e-13, c.cfg.loopmax = 20000;
+  c.solver->step();
+  EXPECT_TRUE(c.solver->converged);
+  EXPECT_LT(c.maxError(), 1e-9);
 }
 
 TEST(PressureIteration, TestsFallOnEveryTwentiethSweepAndTheComparisonIsStrict) {
@@ -226,6 +294,33 @@ TEST(SweepRows, TilesSweptInTurnFollowTheSweepInTheirOrder) {
   }
 }
 
+// Tiles split along the axis the sweep runs slowest keep an order on all threads: each reads the tile below as
+// it finished the previous sweep and the tile above as it started the present one. The team's iteration must
+// then be, to the bit, the tiles swept one after the other from the top, whatever the timing of the threads.
+TEST(PressureIteration, TilesAlongTheSlowestAxisGiveTheTilesSweptFromTheTopOnAnyTiming) {
+  for (int nz : {1, 7})
+    for (int tiles : {2, 3})
+      for (int loopmax : {5, 41}) {
+        SCOPED_TRACE(::testing::Message() << "nz " << nz << ", " << tiles << " tiles, loopmax " << loopmax);
+        auto start = [&](pressureCase& c) {
+          c.cfg.omega = 1.7, c.cfg.peps = 0.0, c.cfg.loopmax = loopmax;
+          c.each([](int i, int j, int k, double, double, double, double& p, double& rhs) {
+            p = rough(i, j, k), rhs = 3.0 * rough(j, k, i);
+          });
+        };
+        pressureCase team(11, 13, nz, 0.8, 0.6, 1, nz == 1 ? tiles : 1, nz == 1 ? 1 : tiles);
+        pressureCase inTurn(11, 13, nz, 0.8, 0.6, 1, nz == 1 ? tiles : 1, nz == 1 ? 1 : tiles);
+        start(team), start(inTurn);
+        ASSERT_TRUE(tilesSplitAlongSlowestAxis(team.cfg, tiles));
+        for (int repeat = 0; repeat < 2; ++repeat) team.solver->step();
+        for (int sweep = 0; sweep < 2 * loopmax; ++sweep)
+          for (int t = tiles - 1; t >= 0; --t)
+            inTurn.solver->sorSweep(inTurn.solver->pfld, inTurn.solver->tau11, inTurn.solver->divU, t, sweep);
+        const int count = team.solver->pfld.count();
+        for (int n = 0; n < count; ++n) ASSERT_EQ(team.solver->pfld[n], inTurn.solver->pfld[n]) << "node " << n;
+      }
+}
+
 // Each thread writes its slot of round r, meets the others and must see every slot at round r: a barrier that
 // lets a thread through early or does not publish the writes fails (teams of 2 and 3, more than the cores).
 TEST(TeamBarrier, NoThreadPassesBeforeAllHaveArrivedAndAllWritesAreSeen) {
@@ -245,6 +340,31 @@ TEST(TeamBarrier, NoThreadPassesBeforeAllHaveArrivedAndAllWritesAreSeen) {
   }
   teamBarrier();  // the master alone: must not wait for the team that has ended
   SUCCEED();
+}
+
+// One thread raises a count after writing the slot of each round, the others wait for it and must find the slot
+// written; now and then the raiser lingers long enough for the waiters to fall asleep, and must wake them.
+TEST(TeamCount, AWaiterReturnsOnlyOnceTheCountIsReachedAndSeesWhatCameBefore) {
+  for (int team : {2, 3}) {
+    teamCount count;
+    const int rounds = 200;
+    std::vector<int> slot(rounds + 1, -1);
+    std::vector<int> wrong(team, 0);
+    runTeam(team, [&](int t) {
+      for (int r = 1; r <= rounds; ++r) {
+        if (t == 0) {
+          if (r % 50 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+          slot[r] = r;
+          teamRaise(count, r);
+        } else {
+          teamAwait(count, r);
+          wrong[t] += slot[r] != r;
+        }
+      }
+    });
+    for (int t = 1; t < team; ++t) EXPECT_EQ(wrong[t], 0) << "thread " << t << " of " << team;
+    EXPECT_EQ(count.sleepers.load(), 0);
+  }
 }
 
 }  // namespace
