@@ -1,6 +1,7 @@
 // The frame's numbers without a screen: quantities, statistics, time step, divergence, the status texts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <tuple>
@@ -160,6 +161,51 @@ TEST(VelocityStatistics, PeaksStillFluidRoundingAndValuesThatAreNotFinite) {
       EXPECT_FALSE(marv::peaksFinite(s)) << bad << " in component " << component;
     }
   }
+}
+
+// The statistics node by node, as the header defines them: values below 1e-18 count as 0, everything in single
+// precision, nodes with a component that is not finite left out.
+std::vector<double> plainStatistics(const std::vector<double>& u, const std::vector<double>& v,
+                                    const std::vector<double>& w) {
+  auto rounded = [](double x) { return static_cast<float>(std::fabs(x) < 1e-18 ? 0.0 : x); };
+  float hiS = -1e20f, loS = 1e20f, hi[3] = {-1e20f, -1e20f, -1e20f}, lo[3] = {1e20f, 1e20f, 1e20f};
+  int left = 0;
+  for (std::size_t n = 0; n < u.size(); ++n) {
+    const float c[3] = {rounded(u[n]), rounded(v[n]), w.empty() ? 0.0f : rounded(w[n])};
+    if (!std::isfinite(c[0]) || !std::isfinite(c[1]) || !std::isfinite(c[2])) {
+      ++left;
+      continue;
+    }
+    const float speed2 = c[0] * c[0] + c[1] * c[1] + c[2] * c[2];
+    hiS = std::max(hiS, speed2), loS = std::min(loS, speed2);
+    for (int m = 0; m < 3; ++m) hi[m] = std::max(hi[m], c[m]), lo[m] = std::min(lo[m], c[m]);
+  }
+  if (left == static_cast<int>(u.size())) return {0, 0, 0, 0, 0, 0, 0, 0, double(left)};  // nothing to measure
+  double maxSpeed = std::sqrt(double(hiS)), minSpeed = std::sqrt(double(loS));
+  if (maxSpeed == minSpeed) minSpeed = 0.5 * maxSpeed;
+  return {maxSpeed, minSpeed, hi[0], lo[0], hi[1], lo[1], hi[2], lo[2], double(left)};
+}
+
+// The scan takes nodes four at a time and the rest one by one: every length, with and without w, a node that is
+// not finite in either part, tiny values and zeros of both signs must give the statistics of the plain definition.
+TEST(VelocityStatistics, EveryLengthAndEveryPositionOfABadNodeGiveThePlainStatistics) {
+  const double pool[] = {0.75, -2.5, 1e-19, -0.0, 0.0, 3.25e-3, -1e-18, 7.0, -7.0, 2e-20, 1.0 + 1e-12, -0.125, 5e30};
+  for (int count = 1; count <= 13; ++count)
+    for (bool withW : {true, false})
+      for (int badAt = -1; badAt < count; ++badAt) {
+        ownedArray3d<double> u(count, 1, 1), v(count, 1, 1), w(withW ? count : 0, 1, 1);
+        std::vector<double> pu(count), pv(count), pw(withW ? count : 0);
+        for (int n = 0; n < count; ++n) {
+          pu[n] = u(n, 0, 0) = pool[(3 * n + count) % 13];
+          pv[n] = v(n, 0, 0) = pool[(5 * n + 1) % 13];
+          if (withW) pw[n] = w(n, 0, 0) = pool[(7 * n + 2) % 13];
+        }
+        if (badAt >= 0) pv[badAt] = v(badAt, 0, 0) = badAt % 2 ? std::nan("") : -HUGE_VAL;
+        const marv::velocityStatistics s = marv::scanVelocity(u, v, w);
+        const std::vector<double> scanned = {
+            s.maxSpeed, s.minSpeed, s.maxU, s.minU, s.maxV, s.minV, s.maxW, s.minW, double(s.nonFiniteNodes)};
+        ASSERT_EQ(scanned, plainStatistics(pu, pv, pw)) << count << " nodes, w " << withW << ", bad at " << badAt;
+      }
 }
 
 std::tuple<int, int, int> hms(const remainingTime& t) { return {t.hours, t.minutes, t.seconds}; }
