@@ -62,9 +62,9 @@ namespace marv {
 // slowest (j in two dimensions, k in three), the sweep also waits, before
 // it first reads the tile above, for that tile to finish its first rows of
 // the present sweep. Every read of another tile then has one answer: the
-// tile below as it finished the previous sweep, the tile above as it
-// started the present one, just as if the tiles were swept one after the
-// other from the top. The reads and writes across the border are then
+// tile below as it finished the previous sweep, the tile above with its
+// first rows already updated in the present one, just as if the tiles were
+// swept one after the other from the top. The reads and writes across the border are then
 // ordered by the counts alone: the border rows run in the vector kernel in
 // place, and the result does not depend on the timing of the threads.
 struct sweepLinks {
