@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
 #include <immintrin.h>
 #endif
 
@@ -99,70 +99,18 @@ bool scanNodes(const double* u, const double* v, const double* w, double* out, c
   return bad == 0;
 }
 
-// The extremes alone, four nodes a step in SSE2 registers: the run loop
-// takes them after every step, and the compiler leaves the loop above
+// The extremes alone, eight nodes a step, on processors with AVX2: the run
+// loop takes them after every step, and the compiler leaves the loop above
 // scalar. Rounding and sums are those of rounded() and scanNodes, so the
 // results are the same to the bit: rounded() turns every zero into +0, so
 // no extreme depends on which of two zeros came first, and the extremes are
-// used only when every value was finite.
-#if defined(__SSE2__)
-// Folds the first width lanes of the vector extremes, in the order maxS,
-// minS, maxU, minU, maxV, minV, maxW, minW, into e.
-void foldLanes(const float (&lanes)[8][8], int width, extremes& e) {
-  for (int m = 0; m < width; ++m) {
-    e.maxSpeed2 = std::max(e.maxSpeed2, lanes[0][m]), e.minSpeed2 = std::min(e.minSpeed2, lanes[1][m]);
-    e.maxU = std::max(e.maxU, lanes[2][m]), e.minU = std::min(e.minU, lanes[3][m]);
-    e.maxV = std::max(e.maxV, lanes[4][m]), e.minV = std::min(e.minV, lanes[5][m]);
-    e.maxW = std::max(e.maxW, lanes[6][m]), e.minW = std::min(e.minW, lanes[7][m]);
-  }
-}
-
-inline __m128 rounded4(const double* at) {
-  const __m128d sign = _mm_set1_pd(-0.0), tiny = _mm_set1_pd(1e-18);
-  const __m128d low = _mm_loadu_pd(at), high = _mm_loadu_pd(at + 2);
-  // Below 1e-18 in magnitude: 0 (a NaN compares false and stays).
-  const __m128d keptLow = _mm_andnot_pd(_mm_cmplt_pd(_mm_andnot_pd(sign, low), tiny), low);
-  const __m128d keptHigh = _mm_andnot_pd(_mm_cmplt_pd(_mm_andnot_pd(sign, high), tiny), high);
-  return _mm_movelh_ps(_mm_cvtpd_ps(keptLow), _mm_cvtpd_ps(keptHigh));
-}
-
-template <bool hasW>
-bool scanPeaks(const double* u, const double* v, const double* w, int count, extremes& e) {
-  __m128 maxS = _mm_set1_ps(e.maxSpeed2), minS = _mm_set1_ps(e.minSpeed2);
-  __m128 maxU = _mm_set1_ps(e.maxU), minU = _mm_set1_ps(e.minU), maxV = _mm_set1_ps(e.maxV);
-  __m128 minV = _mm_set1_ps(e.minV), maxW = _mm_set1_ps(e.maxW), minW = _mm_set1_ps(e.minW);
-  __m128 bad = _mm_setzero_ps();
-  const __m128 zero = _mm_setzero_ps();
-  int n = 0;
-  for (; n + 4 <= count; n += 4) {
-    const __m128 un = rounded4(u + n), vn = rounded4(v + n);
-    const __m128 wn = hasW ? rounded4(w + n) : zero;
-    const __m128 s = _mm_add_ps(_mm_add_ps(_mm_mul_ps(un, un), _mm_mul_ps(vn, vn)), _mm_mul_ps(wn, wn));
-    // x - x is 0 for every finite x, NaN otherwise.
-    bad = _mm_or_ps(bad, _mm_cmpneq_ps(_mm_sub_ps(un, un), zero));
-    bad = _mm_or_ps(bad, _mm_cmpneq_ps(_mm_sub_ps(vn, vn), zero));
-    bad = _mm_or_ps(bad, _mm_cmpneq_ps(_mm_sub_ps(wn, wn), zero));
-    maxS = _mm_max_ps(maxS, s), minS = _mm_min_ps(minS, s);
-    maxU = _mm_max_ps(maxU, un), minU = _mm_min_ps(minU, un);
-    maxV = _mm_max_ps(maxV, vn), minV = _mm_min_ps(minV, vn);
-    maxW = _mm_max_ps(maxW, wn), minW = _mm_min_ps(minW, wn);
-  }
-  bool finite = _mm_movemask_ps(bad) == 0;
-  alignas(32) float lanes[8][8];
-  const __m128 all[8] = {maxS, minS, maxU, minU, maxV, minV, maxW, minW};
-  for (int q = 0; q < 8; ++q) _mm_store_ps(lanes[q], all[q]);
-  foldLanes(lanes, 4, e);
-  // The last nodes, fewer than four, one by one.
-  double lo = 0.0, hi = 0.0;
-  finite &= scanNodes<hasW, false, false>(u + n, v + n, hasW ? w + n : nullptr, nullptr, nullptr, count - n, e, lo, hi);
-  e.finite = count;
-  return finite;
-}
-
-// The same eight nodes a step, on processors with AVX2.
+// used only when every value was finite. The last nodes, and every node on
+// other processors, go through scanNodes.
+#if defined(__x86_64__)
 __attribute__((target("avx2"))) inline __m256 rounded8(const double* at) {
   const __m256d sign = _mm256_set1_pd(-0.0), tiny = _mm256_set1_pd(1e-18);
   const __m256d low = _mm256_loadu_pd(at), high = _mm256_loadu_pd(at + 4);
+  // Below 1e-18 in magnitude: 0 (a NaN compares false and stays).
   const __m256d keptLow = _mm256_andnot_pd(_mm256_cmp_pd(_mm256_andnot_pd(sign, low), tiny, _CMP_LT_OQ), low);
   const __m256d keptHigh = _mm256_andnot_pd(_mm256_cmp_pd(_mm256_andnot_pd(sign, high), tiny, _CMP_LT_OQ), high);
   return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(keptLow)), _mm256_cvtpd_ps(keptHigh), 1);
@@ -181,6 +129,7 @@ __attribute__((target("avx2"))) bool scanPeaksAvx2(const double* u, const double
     const __m256 un = rounded8(u + n), vn = rounded8(v + n);
     const __m256 wn = hasW ? rounded8(w + n) : zero;
     const __m256 s = _mm256_add_ps(_mm256_add_ps(_mm256_mul_ps(un, un), _mm256_mul_ps(vn, vn)), _mm256_mul_ps(wn, wn));
+    // x - x is 0 for every finite x, NaN otherwise.
     bad = _mm256_or_ps(bad, _mm256_cmp_ps(_mm256_sub_ps(un, un), zero, _CMP_NEQ_UQ));
     bad = _mm256_or_ps(bad, _mm256_cmp_ps(_mm256_sub_ps(vn, vn), zero, _CMP_NEQ_UQ));
     bad = _mm256_or_ps(bad, _mm256_cmp_ps(_mm256_sub_ps(wn, wn), zero, _CMP_NEQ_UQ));
@@ -193,9 +142,14 @@ __attribute__((target("avx2"))) bool scanPeaksAvx2(const double* u, const double
   alignas(32) float lanes[8][8];
   const __m256 all[8] = {maxS, minS, maxU, minU, maxV, minV, maxW, minW};
   for (int q = 0; q < 8; ++q) _mm256_store_ps(lanes[q], all[q]);
-  foldLanes(lanes, 8, e);
-  // The last nodes, fewer than eight, four at a time and then one by one.
-  finite &= scanPeaks<hasW>(u + n, v + n, hasW ? w + n : nullptr, count - n, e);
+  for (int m = 0; m < 8; ++m) {
+    e.maxSpeed2 = std::max(e.maxSpeed2, lanes[0][m]), e.minSpeed2 = std::min(e.minSpeed2, lanes[1][m]);
+    e.maxU = std::max(e.maxU, lanes[2][m]), e.minU = std::min(e.minU, lanes[3][m]);
+    e.maxV = std::max(e.maxV, lanes[4][m]), e.minV = std::min(e.minV, lanes[5][m]);
+    e.maxW = std::max(e.maxW, lanes[6][m]), e.minW = std::min(e.minW, lanes[7][m]);
+  }
+  double lo = 0.0, hi = 0.0;
+  finite &= scanNodes<hasW, false, false>(u + n, v + n, hasW ? w + n : nullptr, nullptr, nullptr, count - n, e, lo, hi);
   e.finite = count;
   return finite;
 }
@@ -207,22 +161,15 @@ bool hostHasAvx2() {
   }();
   return has;
 }
-#else
-template <bool hasW>
-bool scanPeaks(const double* u, const double* v, const double* w, int count, extremes& e) {
-  double lo = 0.0, hi = 0.0;
-  return scanNodes<hasW, false, false>(u, v, w, nullptr, nullptr, count, e, lo, hi);
-}
-template <bool hasW>
-bool scanPeaksAvx2(const double* u, const double* v, const double* w, int count, extremes& e) {
-  return scanPeaks<hasW>(u, v, w, count, e);
-}
-bool hostHasAvx2() { return false; }
 #endif
 
 bool scanAll(const double* u, const double* v, const double* w, int count, extremes& e) {
+#if defined(__x86_64__)
   if (hostHasAvx2()) return w ? scanPeaksAvx2<true>(u, v, w, count, e) : scanPeaksAvx2<false>(u, v, w, count, e);
-  return w ? scanPeaks<true>(u, v, w, count, e) : scanPeaks<false>(u, v, w, count, e);
+#endif
+  double lo = 0.0, hi = 0.0;
+  return w ? scanNodes<true, false, false>(u, v, w, nullptr, nullptr, count, e, lo, hi)
+           : scanNodes<false, false, false>(u, v, w, nullptr, nullptr, count, e, lo, hi);
 }
 
 }  // namespace

@@ -186,7 +186,7 @@ std::vector<double> plainStatistics(const std::vector<double>& u, const std::vec
   return {maxSpeed, minSpeed, hi[0], lo[0], hi[1], lo[1], hi[2], lo[2], double(left)};
 }
 
-// The scan takes nodes four at a time and the rest one by one: every length, with and without w, a node that is
+// The scan takes nodes eight at a time and the rest one by one: every length, with and without w, a node that is
 // not finite in either part, tiny values and zeros of both signs must give the statistics of the plain definition.
 TEST(VelocityStatistics, EveryLengthAndEveryPositionOfABadNodeGiveThePlainStatistics) {
   const double pool[] = {0.75, -2.5, 1e-19, -0.0, 0.0, 3.25e-3, -1e-18, 7.0, -7.0, 2e-20, 1.0 + 1e-12, -0.125, 5e30};
