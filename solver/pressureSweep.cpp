@@ -304,12 +304,12 @@ void solverCommon::solvePressure(int t) {
   // between the two every thread reads the same values in the same order,
   // however far ahead of the others a thread runs between tests.
   sweepLinks links;
-  // Every thread must take the same choice, or the team's barriers would
-  // not match; and a tile without a thread would hold its neighbours for
-  // ever, so the team must have a thread for every tile.
-  const bool paced = threads > 1 && c.numThreads == threads && teamSize == threads && tilesMeetFaceToFace(c, threads);
+  // Every thread takes the same choice (findPacing, before the region), or
+  // the team's barriers would not match; and a tile without a thread would
+  // hold its neighbours for ever, so the team must have a thread per tile.
+  const bool paced = pacedTiles && teamSize == threads;
   if (paced) {
-    links.ordered = tilesSplitAlongSlowestAxis(c, threads);
+    links.ordered = orderedTiles;
     links.own = &sweepProgress[t];
     const std::array<int, tileFaces> beside = tileNeighbours(c, t, threads);
     for (int f = 0; f < tileFaces; ++f) {
@@ -353,6 +353,13 @@ void solverCommon::solvePressure(int t) {
     relaxPressure(pfld, pOld, t);
     teamBarrier();
   }
+}
+
+void solverCommon::findPacing() {
+  const appConfig& c = *cfg;
+  const int threads = std::min(static_cast<int>(threadResidual.size() / 2), c.numThreads);
+  pacedTiles = threads > 1 && c.numThreads == threads && tilesMeetFaceToFace(c, threads);
+  orderedTiles = pacedTiles && tilesSplitAlongSlowestAxis(c, threads);
 }
 
 // p = presRelax*p + (1 - presRelax)*old over the interior range.

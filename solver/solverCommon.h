@@ -150,6 +150,8 @@ class solverCommon {
   std::vector<double> sweepScratch;         // per thread: copies of the rows of a shared sweep row [Pa]
   std::vector<tileProgress> sweepProgress;  // per thread: its sweeps of the present iteration
   int sweepCount = 0;                       // sweeps of the present iteration
+  bool pacedTiles = false;                  // tiles that meet face to face, one thread each, more than one
+  bool orderedTiles = false;                // and lie beside each other along the slowest axis alone
   double invPresw = 1.0e-5;                 // 1/presw of the present step [1/Pa]
 
  protected:
@@ -158,8 +160,12 @@ class solverCommon {
   template <class Body>
   void runStep(Body&& body) {
     invPresw = 1.0 / cfg->presw;
+    findPacing();
     runTeam(cfg->numThreads > 0 ? cfg->numThreads : 1, body);
   }
+  // Sets pacedTiles and orderedTiles from the tiles of cfg, before a step's
+  // region: the whole team then takes the same choice.
+  void findPacing();
 };
 
 // ---------------------------------------------------------------- boundary operations (boundaryStage.cpp)

@@ -14,10 +14,12 @@
 // The grouping changes rounding, not the iteration: every node still uses
 // the new value of the node before it and the old values of the nodes after.
 //
-// Nodes that another thread may touch in the same sweep are read and
-// written through relaxed atomics, never by the vector kernel: a vector load
-// is not a whole-node atomic read. The sweep either copies them first and
-// gives the kernel the copies, or takes the scalar stretch below.
+// Nodes that another thread may touch at the same time, with nothing to
+// order the two accesses, are read and written through relaxed atomics,
+// never by the vector kernel: a vector load is not a whole-node atomic read.
+// The sweep either copies them first and gives the kernel the copies, or
+// takes the scalar stretch below. Nodes whose accesses the threads' counts
+// order are plain.
 #pragma once
 
 #include <atomic>
@@ -74,7 +76,7 @@ sweepInstructions sweepInstructionsInUse();
 sweepInstructions useSweepInstructions(sweepInstructions set);
 
 // A kernel: relaxes nodes [i0, i1) of row in increasing i, none of which,
-// nor any of whose neighbours, another thread touches during the sweep; west
+// nor any of whose neighbours, another thread touches at the same time; west
 // holds the new value of node i0 - 1 on entry and of node i1 - 1 on return.
 using rowKernelFn = double (*)(const sweepRow& row, int i0, int i1, double west, const sweepConstants& s);
 // The kernel of the set in use, for two or three dimensions.
